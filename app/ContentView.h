@@ -1,0 +1,78 @@
+#pragma once
+
+#include "library/StampItem.h"
+#include "library/StampLibrary.h"
+#include "platform/drop/ItemProvider.h"
+#include "platform/panels/FilePanels.h"
+#include "platform/pdf/PDFDocument.h"
+
+#include <memory>
+#include <optional>
+
+#include <QObject>
+#include <QProperty>
+#include <QUrl>
+
+namespace vellmora {
+
+/// The document workspace of one window and the program's commands.
+///
+/// The fields are state cells: views read them, are told of changes, and bind to some of them in both
+/// directions. Every command ends with a German message in `statusText` or, where it had no effect, leaves it
+/// as it was; no command throws. Main thread only.
+class ContentView : public QObject {
+    Q_OBJECT
+
+public:
+    enum class SaveMode { overwriteOriginal, saveAs };
+    static QString actionLabel(SaveMode mode);
+
+    /// `panels` must outlive the object.
+    ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels);
+    ~ContentView() override;
+
+    StampLibrary& stampLibrary() { return *m_stampLibrary; }
+    const StampLibrary& stampLibrary() const { return *m_stampLibrary; }
+
+    QProperty<std::shared_ptr<const PDFDocument>> pdfDocument;
+    QProperty<StampsByPage> stampsByPage;
+    QProperty<qsizetype> currentPageIndex{0};  ///< 0-based
+    QProperty<std::optional<QUuid>> selectedStampID;
+    QProperty<QString> statusText{QStringLiteral("PDF laden, Stempelbibliothek füllen und loslegen.")};
+    QProperty<bool> isPDFDropTargeted{false};
+    /// The file that the document came from or was last saved to; what "Speichern" writes over.
+    QProperty<std::optional<QUrl>> pdfSourceURL;
+
+    /// "3 / 12", or an en dash without a document.
+    QString pageDisplayText() const;
+    /// Stamps on all pages.
+    qsizetype totalStampCount() const;
+
+    void openPDF();
+    /// Starts loading the first dropped file and answers true, or refuses the drop. The file arrives later.
+    bool handlePDFDrop(const ItemProviders& providers);
+    void loadPDF(const QUrl& url);
+
+    void importStampToLibrary();
+    void addStampToCurrentPage(const std::optional<StampPreset>& preset);
+    void deleteSelectedStamp();
+    /// Removes a library entry and every stamp that was placed from it.
+    void removePreset(const QUuid& id);
+
+    void beginSaveFlow(SaveMode mode);
+    /// Proposed name for "Speichern unter…".
+    QString defaultSaveAsFilename() const;
+
+private:
+    void finishDrop(const std::optional<QByteArray>& data, const std::optional<ItemLoadError>& error);
+    void addStampToCurrentPage(const Image& image, const QUuid& presetID);
+    QByteArray sharedWithPlacedStamps(const QByteArray& imageData) const;
+    void performSave(SaveMode mode);
+    void saveOverOriginalPDF();
+    void saveAsNewPDF();
+
+    std::unique_ptr<StampLibrary> m_stampLibrary;
+    FilePanels& m_panels;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/ContentView.h"
+#include "editor/PDFEditorView.h"
+#include "platform/pdf/render/PageRenderer.h"
+#include "ui/MainWindow.h"
+
+#include <memory>
+#include <vector>
+
+#include <QObject>
+#include <QPropertyNotifier>
+
+namespace vellmora {
+
+/// Shows a workspace in a window: hands its data and commands to the views, and refreshes them once per turn
+/// of the event loop, however many fields changed in it.
+class ContentWindow : public QObject {
+    Q_OBJECT
+
+public:
+    /// `renderer` must outlive the window.
+    ContentWindow(std::unique_ptr<ContentView> content, PageRenderer& renderer, const Theme& theme);
+    ~ContentWindow() override;
+
+    ContentView& content() { return *m_content; }
+    MainWindow& window() { return *m_window; }
+    /// Null until a document is open.
+    EditorHostView* editor() { return m_editor; }
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    MainWindow::Callbacks makeCallbacks();
+    QList<Command> makeCommands();
+    template <typename T>
+    void observe(QProperty<T>& field);
+    void scheduleRefresh();
+    void refresh();
+    QList<bool> enabledCommands() const;
+
+    std::unique_ptr<ContentView> m_content;
+    PageRenderer& m_renderer;
+    std::unique_ptr<MainWindow> m_window;
+    PDFEditorView m_bridge;
+    EditorHostView* m_editor = nullptr;
+    std::vector<QPropertyNotifier> m_observers;
+    bool m_isRefreshScheduled = false;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,20 @@
+#include "app/ContentWindow.h"
+#include "app/VellmoraApp.h"
+#include "platform/panels/DialogFilePanels.h"
+#include "platform/pdf/render/QtPdfRenderer.h"
+
+using namespace vellmora;
+
+int main(int argc, char** argv) {
+    VellmoraApp app(argc, argv);
+    const SystemFonts fonts = SystemFonts::load();
+    DialogFilePanels panels;
+    QtPdfRenderer renderer;
+
+    auto library = std::make_unique<StampLibrary>(
+        StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
+    auto content = std::make_unique<ContentView>(std::move(library), panels);
+    ContentWindow window(std::move(content), renderer, Theme(fonts));
+    window.window().show();
+    return app.run();
+}

@@ -1,0 +1,127 @@
+#include "editor/EditorHostView.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QPalette>
+#include <QSet>
+
+namespace vellmora {
+
+EditorHostView::EditorHostView(PageRenderer& renderer, QWidget* parent)
+    : QWidget(parent),
+      m_pdfView(new PDFView(renderer, this)),
+      m_overlayContainer(new EditorOverlayView(m_pdfView)) {
+    setup();
+}
+
+void EditorHostView::setup() {
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Window);
+    setFocusProxy(m_pdfView);
+    m_pdfView->setAutoScales(true);
+    m_pdfView->setBackgroundColor(Qt::black);
+    connect(m_pdfView, &PDFView::pageChanged, this, &EditorHostView::pdfPageChanged);
+    connect(m_pdfView, &PDFView::scaleChanged, this, &EditorHostView::syncStampViews);
+}
+
+void EditorHostView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    m_pdfView->setGeometry(rect());
+    m_overlayContainer->setGeometry(m_pdfView->rect());
+    syncStampViews();
+}
+
+void EditorHostView::setDocument(const std::shared_ptr<const PDFDocument>& document) {
+    if (document == m_document)
+        return;
+    m_document = document;
+    m_pdfView->setDocument(document);
+}
+
+void EditorHostView::setStampsByPage(const StampsByPage& stampsByPage) {
+    m_stampsByPage = stampsByPage;
+    syncStampViews();
+}
+
+void EditorHostView::setSelectedStampID(const std::optional<QUuid>& id) {
+    m_selectedStampID = id;
+    updateSelectionState();
+}
+
+void EditorHostView::displayPage(qsizetype index) {
+    if (m_document && m_pdfView->currentPageIndex() != index)
+        m_pdfView->goTo(index);
+}
+
+void EditorHostView::pdfPageChanged() {
+    syncStampViews();
+    const auto index = m_pdfView->currentPageIndex();
+    if (index && onPageChanged)
+        onPageChanged(*index);
+}
+
+void EditorHostView::syncStampViews() {
+    const bool hasPage = m_pdfView->currentPageIndex().has_value();
+    const QList<StampItem> stamps = hasPage ? m_stampsByPage.value(currentPageIndex()) : QList<StampItem>();
+    removeStaleViews(stamps);
+    for (const StampItem& stamp : stamps)
+        syncStampView(stamp);
+    updateSelectionState();
+}
+
+void EditorHostView::removeStaleViews(const QList<StampItem>& stamps) {
+    QSet<QUuid> ids;
+    for (const StampItem& stamp : stamps)
+        ids.insert(stamp.id);
+    m_stampViews.removeIf([&](const auto& entry) {
+        if (ids.contains(entry.key()))
+            return false;
+        entry.value()->hide();
+        entry.value()->deleteLater();
+        return true;
+    });
+}
+
+void EditorHostView::syncStampView(const StampItem& stamp) {
+    InteractiveStampView* view = m_stampViews.value(stamp.id);
+    if (!view)
+        view = makeStampView(stamp);
+    view->setStamp(stamp);
+    view->setSelectedStamp(m_selectedStampID == stamp.id);
+    // The overlay covers the page view exactly, so their spaces are one.
+    if (!view->isDraggingInteractively())
+        view->setFrame(integral(m_pdfView->convertFromPage(stamp.rect)));
+}
+
+InteractiveStampView* EditorHostView::makeStampView(const StampItem& stamp) {
+    auto* view = new InteractiveStampView(stamp, m_pictures, m_overlayContainer);
+    view->onSelect = [this](const std::optional<QUuid>& id) {
+        if (onStampSelected)
+            onStampSelected(id);
+    };
+    view->onFrameChanged = [this](const QUuid& id, const Rect& frame) { updateStampRect(id, frame); };
+    m_stampViews.insert(stamp.id, view);
+    view->show();
+    return view;
+}
+
+void EditorHostView::updateSelectionState() {
+    for (auto it = m_stampViews.cbegin(); it != m_stampViews.cend(); ++it)
+        it.value()->setSelectedStamp(it.key() == m_selectedStampID);
+}
+
+void EditorHostView::updateStampRect(const QUuid& stampID, const Rect& frameInOverlay) {
+    if (!m_pdfView->currentPageIndex())
+        return;
+    const QList<StampItem> stamps = m_stampsByPage.value(currentPageIndex());
+    const auto stamp =
+        std::find_if(stamps.begin(), stamps.end(), [&](const auto& s) { return s.id == stampID; });
+    if (stamp == stamps.end() || !onStampChanged)
+        return;
+    StampItem changed = *stamp;
+    changed.rect = m_pdfView->convertToPage(frameInOverlay);
+    onStampChanged(changed);
+}
+
+}  // namespace vellmora

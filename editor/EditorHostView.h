@@ -1,0 +1,70 @@
+#pragma once
+
+#include "editor/EditorOverlayView.h"
+#include "editor/InteractiveStampView.h"
+#include "editor/StampPicture.h"
+#include "platform/view/PDFView.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QHash>
+#include <QWidget>
+
+namespace vellmora {
+
+/// Shows one page of the document with its placed stamps laid over it, and maps between the stamps' page
+/// space and the overlay. It never changes the stamps that it was given: every change leaves through the
+/// callbacks.
+class EditorHostView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `renderer` must outlive the view.
+    EditorHostView(PageRenderer& renderer, QWidget* parent);
+
+    /// The same document again is ignored; another one is shown from its first page.
+    void setDocument(const std::shared_ptr<const PDFDocument>& document);
+    void setStampsByPage(const StampsByPage& stampsByPage);
+    void setSelectedStampID(const std::optional<QUuid>& id);
+    /// Does nothing for a page that the document does not have or that is on screen already.
+    void displayPage(qsizetype index);
+
+    /// A stamp whose rectangle the user changed.
+    std::function<void(const StampItem&)> onStampChanged;
+    /// A click on a stamp.
+    std::function<void(std::optional<QUuid>)> onStampSelected;
+    /// The page now on screen.
+    std::function<void(qsizetype)> onPageChanged;
+
+    PDFView& pdfView() { return *m_pdfView; }
+    EditorOverlayView& overlayContainer() { return *m_overlayContainer; }
+    /// Null for a stamp that is not on the page on screen.
+    InteractiveStampView* stampView(const QUuid& id) const { return m_stampViews.value(id); }
+    /// 0 when there is no current page.
+    qsizetype currentPageIndex() const { return m_pdfView->currentPageIndex().value_or(0); }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void setup();
+    void pdfPageChanged();
+    void syncStampViews();
+    void removeStaleViews(const QList<StampItem>& stamps);
+    void syncStampView(const StampItem& stamp);
+    InteractiveStampView* makeStampView(const StampItem& stamp);
+    void updateSelectionState();
+    void updateStampRect(const QUuid& stampID, const Rect& frameInOverlay);
+
+    StampPictures m_pictures;
+    PDFView* m_pdfView;
+    EditorOverlayView* m_overlayContainer;
+    std::shared_ptr<const PDFDocument> m_document;
+    StampsByPage m_stampsByPage;
+    std::optional<QUuid> m_selectedStampID;
+    QHash<QUuid, InteractiveStampView*> m_stampViews;
+};
+
+}  // namespace vellmora

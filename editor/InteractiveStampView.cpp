@@ -1,0 +1,146 @@
+#include "editor/InteractiveStampView.h"
+
+#include "editor/StampGeometry.h"
+#include "platform/colors/SystemColors.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace vellmora {
+
+namespace {
+
+constexpr double borderInset = 0.5;
+constexpr double selectedBorderWidth = 2;
+constexpr double borderWidth = 1;
+constexpr double handleCornerRadius = 3;
+constexpr float borderAlpha = 0.75F;
+constexpr float handleAlpha = 0.9F;
+
+QColor white(float alpha) {
+    QColor color(Qt::white);
+    color.setAlphaF(alpha);
+    return color;
+}
+
+}  // namespace
+
+InteractiveStampView::InteractiveStampView(const StampItem& stamp, StampPictures& pictures, QWidget* overlay)
+    : QWidget(overlay), m_pictures(pictures), m_stamp(stamp) {
+    setFocusPolicy(Qt::ClickFocus);
+    setMouseTracking(true);
+}
+
+void InteractiveStampView::setStamp(const StampItem& stamp) {
+    const bool hasOtherPicture = m_stamp.imageData.constData() != stamp.imageData.constData();
+    m_stamp = stamp;
+    if (!hasOtherPicture)
+        return;
+    m_picture.reset();
+    update();
+}
+
+void InteractiveStampView::setSelectedStamp(bool isSelected) {
+    if (m_isSelectedStamp == isSelected)
+        return;
+    m_isSelectedStamp = isSelected;
+    update();
+}
+
+void InteractiveStampView::setFrame(const Rect& frame) {
+    const QRect covered = toToolkit(integral(frame), parentWidget()->height()).toRect();
+    if (frame == m_frame && covered == geometry())
+        return;
+    m_frame = frame;
+    setGeometry(covered);
+    update();
+}
+
+Rect InteractiveStampView::overlayBounds() const {
+    return {0, 0, double(parentWidget()->width()), double(parentWidget()->height())};
+}
+
+Point InteractiveStampView::pointInOverlay(const QSinglePointEvent& event) const {
+    return fromToolkit(parentWidget()->mapFromGlobal(event.globalPosition()), parentWidget()->height());
+}
+
+Point InteractiveStampView::pointInBounds(const QSinglePointEvent& event) const {
+    const Point point = pointInOverlay(event);
+    return {point.x - m_frame.x, point.y - m_frame.y};
+}
+
+void InteractiveStampView::updateCursor(Point point) {
+    const bool isOnHandle = stampgeometry::resizeHandleRect(bounds()).contains(point);
+    setCursor(isOnHandle ? Qt::CrossCursor : Qt::OpenHandCursor);
+}
+
+void InteractiveStampView::enterEvent(QEnterEvent* event) {
+    updateCursor(pointInBounds(*event));
+}
+
+void InteractiveStampView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return QWidget::mousePressEvent(event);
+    setFocus(Qt::MouseFocusReason);
+    if (onSelect)
+        onSelect(m_stamp.id);
+    const bool isOnHandle = stampgeometry::resizeHandleRect(bounds()).contains(pointInBounds(*event));
+    m_dragMode = isOnHandle ? DragMode::resize : DragMode::move;
+    m_initialMouseLocationInSuperview = pointInOverlay(*event);
+    m_initialFrame = m_frame;
+    m_isDraggingInteractively = true;
+}
+
+Rect InteractiveStampView::proposedFrame(Point mouse) const {
+    const double dx = mouse.x - m_initialMouseLocationInSuperview.x;
+    const double dy = mouse.y - m_initialMouseLocationInSuperview.y;
+    if (m_dragMode == DragMode::move)
+        return m_initialFrame.translated(dx, dy);
+    return stampgeometry::resizedFrame(m_initialFrame, dx, m_stamp.aspectRatio);
+}
+
+void InteractiveStampView::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_isDraggingInteractively) {
+        updateCursor(pointInBounds(*event));
+        return;
+    }
+    setFrame(stampgeometry::constrainedFrame(proposedFrame(pointInOverlay(*event)), overlayBounds(),
+                                             m_stamp.aspectRatio));
+    reportFrame();
+}
+
+void InteractiveStampView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !m_isDraggingInteractively)
+        return QWidget::mouseReleaseEvent(event);
+    m_isDraggingInteractively = false;
+    reportFrame();
+}
+
+void InteractiveStampView::reportFrame() {
+    if (onFrameChanged)
+        onFrameChanged(m_stamp.id, m_frame);
+}
+
+void InteractiveStampView::paintEvent(QPaintEvent*) {
+    if (!m_picture)
+        m_picture = m_pictures.picture(m_stamp.imageData);
+    // The widget covers whole points; the frame may begin within its first one.
+    const QRectF frame = toToolkit(m_frame, parentWidget()->height()).translated(-pos());
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (m_picture)
+        m_picture->draw(painter, frame);
+
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(m_isSelectedStamp ? QPen(colors::systemBlue, selectedBorderWidth)
+                                     : QPen(white(borderAlpha), borderWidth));
+    painter.drawRect(frame.adjusted(borderInset, borderInset, -borderInset, -borderInset));
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_isSelectedStamp ? colors::systemBlue : white(handleAlpha));
+    const Rect handle = stampgeometry::resizeHandleRect(bounds());
+    painter.drawRoundedRect(toToolkit(handle, frame.height()).translated(frame.topLeft()), handleCornerRadius,
+                            handleCornerRadius);
+}
+
+}  // namespace vellmora

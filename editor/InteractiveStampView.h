@@ -1,0 +1,73 @@
+#pragma once
+
+#include "editor/StampPicture.h"
+#include "library/StampItem.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QWidget>
+
+class QSinglePointEvent;
+
+namespace vellmora {
+
+/// One placed stamp inside the editor's overlay: shows its picture, and lets the user select, move and resize
+/// it.
+///
+/// Works in overlay space only (view points, origin at the overlay's lower left, y upwards) and knows nothing
+/// of pages.
+class InteractiveStampView : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class DragMode { move, resize };
+
+    /// `pictures` must outlive the view. The owner sets the frame.
+    InteractiveStampView(const StampItem& stamp, StampPictures& pictures, QWidget* overlay);
+
+    const StampItem& stamp() const { return m_stamp; }
+    void setStamp(const StampItem& stamp);
+    bool isSelectedStamp() const { return m_isSelectedStamp; }
+    void setSelectedStamp(bool isSelected);
+    /// True from mouse-down to mouse-up; the owner leaves the frame alone meanwhile.
+    bool isDraggingInteractively() const { return m_isDraggingInteractively; }
+
+    /// Overlay space. The frame need not be whole points; the widget covers it.
+    const Rect& frame() const { return m_frame; }
+    void setFrame(const Rect& frame);
+
+    /// Called on mouse-down with the stamp's id.
+    std::function<void(std::optional<QUuid>)> onSelect;
+    /// Called on every step of a drag and on mouse-up, with the stamp's id and the view's frame.
+    std::function<void(QUuid, Rect)> onFrameChanged;
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Rect bounds() const { return {0, 0, m_frame.width, m_frame.height}; }
+    Rect overlayBounds() const;
+    Point pointInOverlay(const QSinglePointEvent& event) const;
+    Point pointInBounds(const QSinglePointEvent& event) const;
+    Rect proposedFrame(Point mouse) const;
+    void updateCursor(Point point);
+    void reportFrame();
+
+    StampPictures& m_pictures;
+    std::shared_ptr<const StampPicture> m_picture;
+    StampItem m_stamp;
+    Rect m_frame;
+    bool m_isSelectedStamp = false;
+    DragMode m_dragMode = DragMode::move;
+    Point m_initialMouseLocationInSuperview;
+    Rect m_initialFrame;
+    bool m_isDraggingInteractively = false;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/error/Error.h"
+
+namespace vellmora {
+
+/// The failures of an export that are not file errors of the platform.
+class PDFExportError : public Error {
+public:
+    enum class Case { couldNotCreateConsumer, couldNotCreateContext };
+
+    explicit PDFExportError(Case which);
+
+    Case which() const { return m_case; }
+    bool operator==(const PDFExportError& other) const { return m_case == other.m_case; }
+
+    static QString errorDescription(Case which);
+
+private:
+    Case m_case;
+};
+
+}  // namespace vellmora

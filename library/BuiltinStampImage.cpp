@@ -1,0 +1,75 @@
+#include "library/BuiltinStampImage.h"
+
+#include "platform/geometry/Rect.h"
+
+#include <QPainter>
+
+namespace vellmora {
+
+namespace {
+
+// All lengths in points, one for each pixel; y upwards from the lower edge.
+constexpr int imageWidth = 1180;
+constexpr int heightWithSubtitle = 320;
+constexpr int heightWithoutSubtitle = 260;
+
+constexpr double frameInset = 24;
+constexpr double frameRadius = 30;
+constexpr double frameLineWidth = 18;
+constexpr double fillAlpha = 0.08;
+
+constexpr Rect titleBox{60, 78, 1060, 130};
+constexpr Rect raisedTitleBox{60, 132, 1060, 120};
+constexpr double titleSize = 120;
+constexpr double raisedTitleSize = 104;
+constexpr double titleKerning = 3.5;
+
+constexpr Rect subtitleBox{60, 62, 1060, 72};
+constexpr double subtitleSize = 72;
+constexpr double subtitleKerning = 1.2;
+constexpr double subtitleAlpha = 0.95;
+
+QColor withAlpha(QColor color, double alpha) {
+    color.setAlphaF(static_cast<float>(alpha));
+    return color;
+}
+
+void drawFrame(QPainter& painter, int height, const QColor& tint) {
+    const Rect frame = Rect{0, 0, imageWidth, static_cast<double>(height)}.insetBy(frameInset);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withAlpha(tint, fillAlpha));
+    painter.drawRoundedRect(toToolkit(frame, height), frameRadius, frameRadius);
+    painter.setPen(QPen(tint, frameLineWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(toToolkit(frame, height), frameRadius, frameRadius);
+}
+
+/// One line from the top of the box, centred; what is too wide is not shrunk.
+void drawLine(QPainter& painter, const QString& text, QFont font, double kerning, const QColor& color,
+              const QRectF& box) {
+    font.setLetterSpacing(QFont::AbsoluteSpacing, kerning);
+    painter.setFont(font);
+    painter.setPen(color);
+    painter.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, text);
+}
+
+}  // namespace
+
+QImage makeBuiltinStampImage(const SystemFonts& fonts, const QString& title,
+                             const std::optional<QString>& subtitle, const QColor& tint) {
+    const int height = subtitle ? heightWithSubtitle : heightWithoutSubtitle;
+    QImage image(imageWidth, height, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    drawFrame(painter, height, tint);
+    drawLine(painter, title, fonts.font(subtitle ? raisedTitleSize : titleSize, QFont::Black), titleKerning,
+             tint, toToolkit(subtitle ? raisedTitleBox : titleBox, height));
+    if (subtitle && !subtitle->isEmpty()) {
+        drawLine(painter, *subtitle, fonts.font(subtitleSize, QFont::Bold), subtitleKerning,
+                 withAlpha(tint, subtitleAlpha), toToolkit(subtitleBox, height));
+    }
+    return image;
+}
+
+}  // namespace vellmora

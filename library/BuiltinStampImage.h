@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/fonts/SystemFonts.h"
+
+#include <optional>
+
+#include <QColor>
+#include <QImage>
+
+namespace vellmora {
+
+/// Draws an office stamp: a tinted frame on transparent ground with a large title and, where there is a
+/// subtitle (also an empty one), a taller picture with the title raised and the subtitle beneath. 1180 pixels
+/// wide.
+QImage makeBuiltinStampImage(const SystemFonts& fonts, const QString& title,
+                             const std::optional<QString>& subtitle, const QColor& tint);
+
+}  // namespace vellmora

@@ -1,0 +1,91 @@
+#include "library/StampLibrary.h"
+
+#include "platform/files/Files.h"
+#include "platform/text/Collation.h"
+#include "platform/text/Identifiers.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QFileInfo>
+
+namespace vellmora {
+
+const QString StampLibrary::metadataFileName = QStringLiteral("stamp-library.json");
+
+StampLibrary::StampLibrary(Environment environment)
+    : m_environment(std::move(environment)), m_defaults(m_environment.folders.defaultsFile) {
+    loadLibrary();
+    ensureBuiltinPresets();
+}
+
+static bool comesBefore(const StampPreset& a, const StampPreset& b) {
+    if (a.isBuiltin() != b.isBuiltin())
+        return a.isBuiltin();
+    const QDateTime dateOfA = a.lastUsedAt.value_or(a.createdAt);
+    const QDateTime dateOfB = b.lastUsedAt.value_or(b.createdAt);
+    if (dateOfA != dateOfB)
+        return dateOfA > dateOfB;
+    return compareNames(a.displayName, b.displayName) < 0;
+}
+
+void StampLibrary::sortPresets() {
+    Q_EMIT objectWillChange();
+    std::stable_sort(m_presets.begin(), m_presets.end(), comesBefore);
+}
+
+QList<StampPreset>::iterator StampLibrary::findPreset(const QUuid& id) {
+    return std::find_if(m_presets.begin(), m_presets.end(), [&](const auto& p) { return p.id == id; });
+}
+
+QList<StampPreset>::const_iterator StampLibrary::findPreset(const QUuid& id) const {
+    return std::find_if(m_presets.begin(), m_presets.end(), [&](const auto& p) { return p.id == id; });
+}
+
+std::optional<Image> StampLibrary::image(const StampPreset& preset) const {
+    return Image::fromFile(filePath(preset));
+}
+
+std::optional<QUrl> StampLibrary::openImportPanel() {
+    return m_environment.panels.runModal(
+        OpenPanel{QStringLiteral("PNG-Stempel zur Bibliothek hinzufügen"), ContentType::png});
+}
+
+static QString displayNameFor(const QUrl& url) {
+    const QString name = QFileInfo(url.fileName()).completeBaseName();
+    return name.isEmpty() ? QStringLiteral("Stempel") : name;
+}
+
+StampPreset StampLibrary::importPreset(const QUrl& url) {
+    ensureLibraryDirectories();
+    StampPreset preset;
+    preset.displayName = displayNameFor(url);
+    preset.fileName = identifierText(preset.id) + QStringLiteral(".png");
+    files::copy(url.toLocalFile(), filePath(preset));
+    preset.createdAt = m_environment.clock();
+    preset.lastUsedAt = m_environment.clock();
+    Q_EMIT objectWillChange();
+    m_presets.append(preset);
+    sortPresets();
+    setSelectedPresetID(preset.id);
+    prependRecent(preset.id);
+    persistMetadata();
+    return preset;
+}
+
+void StampLibrary::removePreset(const QUuid& id) {
+    const auto preset = std::as_const(*this).findPreset(id);
+    if (preset == m_presets.constEnd())
+        return;
+    const QString path = filePath(*preset);
+    if (files::exists(path))
+        files::remove(path);
+    Q_EMIT objectWillChange();
+    m_presets.removeIf([&](const StampPreset& p) { return p.id == id; });
+    removeRecent(id);
+    if (m_selectedPresetID == id)
+        selectFirstPreset();
+    persistMetadata();
+}
+
+}  // namespace vellmora

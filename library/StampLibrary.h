@@ -1,0 +1,110 @@
+#pragma once
+
+#include "library/BuiltinStampDefinitions.h"
+#include "library/StampPreset.h"
+#include "platform/defaults/UserDefaults.h"
+#include "platform/files/Folders.h"
+#include "platform/fonts/SystemFonts.h"
+#include "platform/image/Image.h"
+#include "platform/panels/FilePanels.h"
+#include "platform/time/Clock.h"
+
+#include <optional>
+
+#include <QList>
+#include <QObject>
+#include <QUrl>
+
+namespace vellmora {
+
+/// The persistent stamp library: picture files in a folder, one metadata file beside it, and two settings.
+///
+/// Loads synchronously when it is made, and draws the built-in stamps anew then. Every change rewrites the
+/// metadata file as a whole; changes that another process makes to the folder are seen at the next start.
+/// Operations that can fail throw `Error`.
+class StampLibrary : public QObject {
+    Q_OBJECT
+
+public:
+    static const QString metadataFileName;
+    static const QString selectedPresetDefaultsKey;
+    static const QString recentPresetDefaultsKey;
+    static constexpr qsizetype maxStoredRecents = 12;
+    static constexpr qsizetype maxShownRecents = 8;
+
+    /// What the library takes from the platform; `panels` must outlive it.
+    struct Environment {
+        Folders folders;
+        Clock clock;
+        FilePanels& panels;
+        SystemFonts fonts;
+    };
+
+    explicit StampLibrary(Environment environment);
+
+    /// Built-ins first, then by date of use (newest first), then by name.
+    const QList<StampPreset>& presets() const { return m_presets; }
+    const std::optional<QUuid>& selectedPresetID() const { return m_selectedPresetID; }
+
+    /// The preset that the next insert uses: the selected one, else the first; nothing in an empty library
+    /// only.
+    std::optional<StampPreset> selectedPreset() const;
+    /// Selects without a check that the preset exists.
+    void selectPreset(const QUuid& id);
+    /// At most eight, most recently used first.
+    QList<StampPreset> recentPresets() const;
+    /// Marks a preset as used now; does nothing for an unknown id. Never fails: what cannot be saved now is
+    /// saved with the next change.
+    void recordUse(const QUuid& id);
+
+    /// Copies the file into the library, selects the new entry and puts it first among the recent ones.
+    StampPreset importPreset(const QUrl& url);
+    /// Deletes the entry and its file; an unknown id is no error. A built-in stamp comes back at the next
+    /// start.
+    void removePreset(const QUuid& id);
+    /// The preset's picture, read from its file on every call; nothing where it is missing or cannot be
+    /// decoded.
+    std::optional<Image> image(const StampPreset& preset) const;
+    /// Asks the user for a PNG file; nothing when cancelled.
+    std::optional<QUrl> openImportPanel();
+
+Q_SIGNALS:
+    /// Emitted before each change of `presets` or `selectedPresetID`.
+    void objectWillChange();
+
+private:
+    QString libraryRoot() const;
+    QString stampsDirectory() const;
+    QString metadataPath() const;
+    QString filePath(const StampPreset& preset) const;
+
+    void ensureLibraryDirectories() const;
+    void loadLibrary();
+    QList<StampPreset> loadPresets() const;
+    void keepUnreadableMetadata();
+    void persistMetadata();
+    void sortPresets();
+
+    void setSelectedPresetID(const std::optional<QUuid>& id);
+    void selectFirstPreset();
+    void restoreSelection();
+    QList<QUuid> recentPresetIDs() const;
+    void storeRecentPresetIDs(const QList<QUuid>& ids);
+    void prependRecent(const QUuid& id);
+    void removeRecent(const QUuid& id);
+
+    void ensureBuiltinPresets();
+    bool ensureBuiltinPreset(const BuiltinStampDefinition& definition);
+    void writeBuiltinImage(const BuiltinStampDefinition& definition, const QString& path) const;
+
+    QList<StampPreset>::iterator findPreset(const QUuid& id);
+    QList<StampPreset>::const_iterator findPreset(const QUuid& id) const;
+
+    Environment m_environment;
+    UserDefaults m_defaults;
+    QList<StampPreset> m_presets;
+    std::optional<QUuid> m_selectedPresetID;
+    bool m_hasUnreadableMetadata = false;
+};
+
+}  // namespace vellmora

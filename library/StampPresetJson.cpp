@@ -1,0 +1,100 @@
+#include "library/StampPresetJson.h"
+
+#include "platform/text/Dates.h"
+#include "platform/text/Identifiers.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace vellmora {
+
+namespace {
+
+const QString idKey = QStringLiteral("id");
+const QString displayNameKey = QStringLiteral("displayName");
+const QString fileNameKey = QStringLiteral("fileName");
+const QString createdAtKey = QStringLiteral("createdAt");
+const QString lastUsedAtKey = QStringLiteral("lastUsedAt");
+const QString builtinKeyKey = QStringLiteral("builtinKey");
+
+QJsonObject encodePreset(const StampPreset& preset) {
+    QJsonObject object{
+        {idKey, identifierText(preset.id)},
+        {displayNameKey, preset.displayName},
+        {fileNameKey, preset.fileName},
+        {createdAtKey, internetDateTimeText(preset.createdAt)},
+    };
+    if (preset.lastUsedAt)
+        object.insert(lastUsedAtKey, internetDateTimeText(*preset.lastUsedAt));
+    if (preset.builtinKey)
+        object.insert(builtinKeyKey, *preset.builtinKey);
+    return object;
+}
+
+/// Reads the values of one object and remembers whether any of them was not as it has to be.
+class ObjectReader {
+public:
+    explicit ObjectReader(const QJsonValue& value)
+        : m_object(value.toObject()), m_isValid(value.isObject()) {}
+
+    bool isValid() const { return m_isValid; }
+
+    QString string(const QString& key) {
+        const QJsonValue value = m_object.value(key);
+        m_isValid = m_isValid && value.isString();
+        return value.toString();
+    }
+    QUuid identifier(const QString& key) { return required(parseIdentifier(string(key))); }
+    QDateTime date(const QString& key) { return required(parseInternetDateTime(string(key))); }
+    bool has(const QString& key) const { return !m_object.value(key).isNull() && m_object.contains(key); }
+
+private:
+    template <typename T>
+    T required(const std::optional<T>& value) {
+        m_isValid = m_isValid && value.has_value();
+        return value.value_or(T());
+    }
+
+    QJsonObject m_object;
+    bool m_isValid;
+};
+
+std::optional<StampPreset> decodePreset(const QJsonValue& value) {
+    ObjectReader reader(value);
+    StampPreset preset;
+    preset.id = reader.identifier(idKey);
+    preset.displayName = reader.string(displayNameKey);
+    preset.fileName = reader.string(fileNameKey);
+    preset.createdAt = reader.date(createdAtKey);
+    if (reader.has(lastUsedAtKey))
+        preset.lastUsedAt = reader.date(lastUsedAtKey);
+    if (reader.has(builtinKeyKey))
+        preset.builtinKey = reader.string(builtinKeyKey);
+    return reader.isValid() ? std::optional(preset) : std::nullopt;
+}
+
+}  // namespace
+
+QByteArray encodePresets(const QList<StampPreset>& presets) {
+    QJsonArray array;
+    for (const StampPreset& preset : presets)
+        array.append(encodePreset(preset));
+    return QJsonDocument(array).toJson(QJsonDocument::Indented);
+}
+
+std::optional<QList<StampPreset>> decodePresets(const QByteArray& json) {
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    if (!document.isArray())
+        return std::nullopt;
+    QList<StampPreset> presets;
+    for (const QJsonValue& value : document.array()) {
+        const std::optional<StampPreset> preset = decodePreset(value);
+        if (!preset)
+            return std::nullopt;
+        presets.append(*preset);
+    }
+    return presets;
+}
+
+}  // namespace vellmora

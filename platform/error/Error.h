@@ -1,0 +1,37 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include <QString>
+
+namespace vellmora {
+
+/// The one error type that the platform and the program's own code throw.
+///
+/// Exceptions of the libraries beneath (libqpdf, the standard library) never leave the platform; they are
+/// turned into this type there. `localizedDescription()` is a German text that is fit for the status line.
+class Error : public std::exception {
+public:
+    /// Domain of errors that the program raises itself.
+    static const QString vellmoraDomain;
+    /// Domain of file-system errors; `code()` is the `errno` value.
+    static const QString posixDomain;
+    /// Domain of failures while a PDF is read or written.
+    static const QString pdfDomain;
+
+    Error(QString domain, int code, QString localizedDescription);
+
+    const QString& domain() const { return m_domain; }
+    int code() const { return m_code; }
+    const QString& localizedDescription() const { return m_localizedDescription; }
+    const char* what() const noexcept override { return m_what.c_str(); }
+
+private:
+    QString m_domain;
+    int m_code;
+    QString m_localizedDescription;
+    std::string m_what;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/files/FileDescriptor.h"
+
+#include <QString>
+
+namespace vellmora {
+
+/// Writes a file as a whole: into a hidden temporary file beside it, which takes its name only when all of it
+/// is on the disk. Until `commit()` returns the target is as it was; without it nothing is left behind.
+///
+/// A symbolic link is followed: the file behind it is replaced, the link stays. A target that exists but may
+/// not be written is refused. The new file has the permissions that the process's umask gives, and where a
+/// file is replaced none that the old one did not have.
+///
+/// All operations throw `Error` (POSIX domain).
+class AtomicFile {
+public:
+    explicit AtomicFile(const QString& path);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
+
+    void write(const char* bytes, qint64 count);
+    /// Syncs, renames over the target and syncs the folder.
+    void commit();
+
+private:
+    QString m_target;
+    QString m_temporary;
+    FileDescriptor m_file;
+};
+
+}  // namespace vellmora

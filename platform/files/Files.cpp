@@ -1,0 +1,147 @@
+#include "platform/files/Files.h"
+
+#include "platform/files/AtomicFile.h"
+#include "platform/files/FileDescriptor.h"
+#include "platform/files/FileError.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace vellmora::files {
+
+namespace {
+
+constexpr int maxLinks = 40;  // what the kernel follows before it answers ELOOP
+
+FileDescriptor openForReading(const QString& path) {
+    // Non-blocking, since opening a pipe for reading would wait for a writer.
+    FileDescriptor fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!fd.isValid())
+        throw fileError(FileAction::read, path, errno);
+    return fd;
+}
+
+/// Size of the regular file behind `fd`.
+qint64 regularFileSize(const FileDescriptor& fd, const QString& path) {
+    struct stat info {};
+    if (::fstat(fd.get(), &info) != 0)
+        throw fileError(FileAction::read, path, errno);
+    if (S_ISDIR(info.st_mode))
+        throw fileError(FileAction::read, path, EISDIR);
+    if (!S_ISREG(info.st_mode))
+        throw fileError(FileAction::read, path, EINVAL);
+    return info.st_size;
+}
+
+/// Reads up to `capacity` bytes; fewer only at the end of the file.
+qint64 readFully(const FileDescriptor& fd, char* buffer, qint64 capacity, const QString& path) {
+    qint64 done = 0;
+    while (done < capacity) {
+        const ssize_t n = ::read(fd.get(), buffer + done, static_cast<size_t>(capacity - done));
+        if (n == 0)
+            break;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            throw fileError(FileAction::read, path, errno);
+        done += n;
+    }
+    return done;
+}
+
+}  // namespace
+
+void createDirectory(const QString& path) {
+    const QByteArray name = QFile::encodeName(path);
+    if (::mkdir(name.constData(), 0777) == 0)
+        return;
+    if (errno == ENOENT) {
+        const QString parent = QFileInfo(path).path();
+        if (parent == path)
+            throw fileError(FileAction::createFolder, path, ENOENT);
+        createDirectory(parent);
+        if (::mkdir(name.constData(), 0777) == 0)
+            return;
+    }
+    const int error = errno;
+    if (error == EEXIST && QFileInfo(path).isDir())
+        return;
+    throw fileError(FileAction::createFolder, path, error);
+}
+
+bool exists(const QString& path) {
+    return QFileInfo::exists(path);
+}
+
+QByteArray read(const QString& path) {
+    const FileDescriptor fd = openForReading(path);
+    QByteArray bytes(regularFileSize(fd, path), Qt::Uninitialized);
+    bytes.truncate(readFully(fd, bytes.data(), bytes.size(), path));
+    return bytes;
+}
+
+void remove(const QString& path) {
+    if (::unlink(QFile::encodeName(path).constData()) != 0)
+        throw fileError(FileAction::remove, path, errno);
+}
+
+void writeAtomically(const QString& path, const QByteArray& bytes) {
+    AtomicFile file(path);
+    file.write(bytes.constData(), bytes.size());
+    file.commit();
+}
+
+void copy(const QString& from, const QString& to) {
+    const FileDescriptor source = openForReading(from);
+    regularFileSize(source, from);
+    AtomicFile destination(to);
+    QByteArray buffer(1 << 20, Qt::Uninitialized);
+    while (const qint64 n = readFully(source, buffer.data(), buffer.size(), from))
+        destination.write(buffer.constData(), n);
+    destination.commit();
+}
+
+QString resolved(const QString& path) {
+    QString current = path;
+    for (int i = 0; i < maxLinks; ++i) {
+        const QFileInfo info(current);
+        if (!info.isSymbolicLink())
+            return QDir::cleanPath(current);
+        current = info.symLinkTarget();
+    }
+    throw fileError(FileAction::write, path, ELOOP);
+}
+
+void requireWritable(const QString& path) {
+    const QByteArray name = QFile::encodeName(path);
+    if (::access(name.constData(), F_OK) == 0 && ::access(name.constData(), W_OK) != 0)
+        throw fileError(FileAction::write, path, errno);
+    if (QFileInfo(path).isDir())
+        throw fileError(FileAction::write, path, EISDIR);
+}
+
+unsigned permissionsForNewFile(const QString& path) {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    mode_t permissions = 0666U & ~mask;
+    struct stat info {};
+    if (::stat(QFile::encodeName(path).constData(), &info) == 0)
+        permissions &= info.st_mode;
+    return permissions | S_IRUSR | S_IWUSR;
+}
+
+void syncDirectory(const QString& path) {
+    const FileDescriptor fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.isValid() || ::fsync(fd.get()) != 0) {
+        // Some file systems (FAT, network mounts) cannot sync a folder; the file itself is on the disk.
+        if (errno != EINVAL && errno != ENOTSUP && errno != EACCES)
+            throw fileError(FileAction::write, path, errno);
+    }
+}
+
+}  // namespace vellmora::files

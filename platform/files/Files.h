@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace vellmora::files {
+
+/// All functions throw `Error` (POSIX domain, German text). Paths are absolute.
+
+/// Creates the folder and all missing ones above it; an existing folder is no error.
+void createDirectory(const QString& path);
+
+bool exists(const QString& path);
+
+/// Whole content of a regular file. Anything else (folder, pipe, device) is refused without blocking.
+QByteArray read(const QString& path);
+
+void remove(const QString& path);
+
+/// Replaces the file's content as a whole: readers see the old bytes or the new ones.
+/// The file is on the disk when the call returns.
+void writeAtomically(const QString& path, const QByteArray& bytes);
+
+/// Byte-for-byte copy of a regular file; the destination appears whole or not at all.
+void copy(const QString& from, const QString& to);
+
+/// The file that `path` stands for: symbolic links are followed also where the last one points to a file that
+/// does not exist yet.
+QString resolved(const QString& path);
+
+/// Refuses a target that exists and may not be written, or that is a folder.
+void requireWritable(const QString& path);
+
+/// Permissions for a file that takes the name `path`: what the umask gives, and none that a file of that name
+/// does not have already.
+unsigned permissionsForNewFile(const QString& path);
+
+/// Brings the entries of a folder (a created or renamed file) onto the disk.
+void syncDirectory(const QString& path);
+
+}  // namespace vellmora::files

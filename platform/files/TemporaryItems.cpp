@@ -1,0 +1,76 @@
+#include "platform/files/TemporaryItems.h"
+
+#include "platform/files/FileError.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+
+namespace vellmora {
+
+namespace {
+
+const char prefix[] = ".vellmora-";
+
+QByteArray nameTemplate(const QString& folder) {
+    return QFile::encodeName(folder) + '/' + prefix + "XXXXXX";
+}
+
+/// Locks a new item. False where another program's clearing got hold of it between its creation and now.
+bool lockNewItem(int fd) {
+    // A file system without locks is used all the same: nothing there is ever taken for stale.
+    const bool taken = ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    struct stat info {};
+    return !taken && ::fstat(fd, &info) == 0 && info.st_nlink > 0;
+}
+
+void removeTree(const QString& path, bool isFolder) {
+    if (isFolder)
+        QDir(path).removeRecursively();
+    else
+        ::unlink(QFile::encodeName(path).constData());
+}
+
+}  // namespace
+
+TemporaryFile createTemporaryFile(const QString& folder) {
+    for (;;) {
+        QByteArray name = nameTemplate(folder);
+        FileDescriptor fd(::mkostemp(name.data(), O_CLOEXEC));
+        if (!fd.isValid())
+            throw fileError(FileAction::create, folder, errno);
+        if (lockNewItem(fd.get()))
+            return {QFile::decodeName(name), std::move(fd)};
+    }
+}
+
+TemporaryDirectory createTemporaryDirectory(const QString& folder) {
+    for (;;) {
+        QByteArray name = nameTemplate(folder);
+        if (!::mkdtemp(name.data()))
+            throw fileError(FileAction::createFolder, folder, errno);
+        FileDescriptor fd(::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!fd.isValid())
+            throw fileError(FileAction::createFolder, folder, errno);
+        if (lockNewItem(fd.get()))
+            return {QFile::decodeName(name), std::move(fd)};
+    }
+}
+
+void removeStaleTemporaryItems(const QString& folder) {
+    const auto entries = QDir(folder).entryInfoList({QString::fromLatin1(prefix) + QStringLiteral("??????")},
+                                                    QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo& entry : entries) {
+        const QByteArray name = QFile::encodeName(entry.filePath());
+        const FileDescriptor fd(::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (fd.isValid() && ::flock(fd.get(), LOCK_EX | LOCK_NB) == 0)
+            removeTree(entry.filePath(), entry.isDir());
+    }
+}
+
+}  // namespace vellmora

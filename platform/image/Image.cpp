@@ -1,0 +1,90 @@
+#include "platform/image/Image.h"
+
+#include "platform/error/Error.h"
+#include "platform/files/Files.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QImageReader>
+#include <QImageWriter>
+
+namespace vellmora {
+
+namespace {
+
+/// Fax scans have up to twice (standard mode) or four times (with halved lines) as many dots across as down.
+constexpr double maxPixelStretch = 4;
+
+const QByteArray pngFormat = QByteArrayLiteral("png");
+const QByteArray jpegFormat = QByteArrayLiteral("jpeg");
+
+QByteArray detectFormat(const QByteArray& data) {
+    if (data.startsWith(QByteArrayView("\x89PNG\r\n\x1a\n")))
+        return pngFormat;
+    if (data.startsWith(QByteArrayView("\xff\xd8\xff")))
+        return jpegFormat;
+    return {};
+}
+
+QImage decode(const QByteArray& data, const QByteArray& format) {
+    QBuffer buffer;
+    buffer.setData(data);
+    QImageReader reader(&buffer, format);
+    QImageReader::setAllocationLimit(Image::maxDecodedMegabytes);
+    reader.setAutoDetectImageFormat(false);
+    reader.setAutoTransform(true);
+    return reader.read();
+}
+
+QImage inSRGB(QImage image) {
+    const QColorSpace sRGB(QColorSpace::SRgb);
+    if (image.colorSpace().isValid() && image.colorSpace() != sRGB)
+        image.convertToColorSpace(sRGB);
+    return image;
+}
+
+}  // namespace
+
+Image::Image(QImage pixels) : m_pixels(std::move(pixels)) {}
+
+std::optional<Image> Image::fromData(const QByteArray& data) {
+    const QByteArray format = detectFormat(data);
+    if (format.isEmpty())
+        return std::nullopt;
+    QImage pixels = inSRGB(decode(data, format));
+    if (pixels.isNull())
+        return std::nullopt;
+    return Image(std::move(pixels), format == pngFormat ? data : QByteArray());
+}
+
+std::optional<Image> Image::fromFile(const QString& path) {
+    try {
+        return fromData(files::read(path));
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+Size Image::size() const {
+    const double width = m_pixels.width();
+    const double height = m_pixels.height();
+    const double stretch = double(m_pixels.dotsPerMeterX()) / std::max(m_pixels.dotsPerMeterY(), 1);
+    const bool isPlausible = stretch >= 1 / maxPixelStretch && stretch <= maxPixelStretch;
+    return {width, isPlausible ? height * stretch : height};
+}
+
+QByteArray Image::pngRepresentation() const {
+    if (!m_png.isEmpty())
+        return m_png;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, pngFormat);
+    if (!writer.write(m_pixels))
+        return {};
+    return bytes;
+}
+
+}  // namespace vellmora

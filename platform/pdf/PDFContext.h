@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/geometry/Rect.h"
+#include "platform/image/Image.h"
+#include "platform/pdf/PDFDataConsumer.h"
+#include "platform/pdf/PDFDocument.h"
+
+#include <memory>
+
+namespace vellmora {
+
+/// Writes a fresh PDF, page after page. What is written carries no document information, outline, links,
+/// form, script or attachment: only pages, as a screen viewer shows them.
+///
+/// Order of calls: for each page `beginPage`, any drawing, `endPage`; at last `close`. Nothing reaches the
+/// consumer before `close`.
+class PDFContext {
+public:
+    /// A picture that was added to the file; valid for the context that gave it.
+    struct Picture {
+        int index = 0;
+    };
+
+    /// Nothing where the library beneath cannot start a document.
+    static std::unique_ptr<PDFContext> create(PDFDataConsumer& consumer);
+    ~PDFContext();
+
+    /// `mediaBox` in points.
+    void beginPage(const Rect& mediaBox);
+
+    /// Draws a source page into the page that was begun with that page's bounds for `box`. The output page
+    /// gets the page's own box and rotation back, and what is drawn after it is placed in page space. Content
+    /// is carried over losslessly, also what is damaged in it; what cannot be read is left out. Never fails.
+    ///
+    /// The document must live until `close`.
+    void drawPage(const PDFDocument& document, qsizetype pageIndex, DisplayBox box);
+
+    /// Stores a picture once; it can be drawn any number of times on any page.
+    Picture addPicture(const Image& image);
+
+    /// Paints the picture stretched to `rect` (page space of the page drawn before, else the begun page's
+    /// space).
+    void drawPicture(Picture picture, const Rect& rect);
+
+    void endPage();
+
+    /// Writes the file. Throws the consumer's `Error`, or one of the PDF domain where writing fails
+    /// otherwise.
+    void close();
+
+private:
+    PDFContext(PDFDataConsumer& consumer);
+
+    class Writer;
+    std::unique_ptr<Writer> m_writer;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,171 @@
+#include "platform/pdf/PDFContextWriter.h"
+
+#include "platform/pdf/Annotations.h"
+#include "platform/pdf/ContentText.h"
+#include "platform/pdf/PageForm.h"
+#include "platform/pdf/PictureObject.h"
+
+#include <exception>
+
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDFWriter.hh>
+
+namespace vellmora {
+
+namespace {
+
+QPDFObjectHandle emptyDictionary() {
+    return QPDFObjectHandle::newDictionary();
+}
+
+/// Hands the written bytes to the consumer in blocks.
+class ConsumerPipeline : public Pipeline {
+public:
+    explicit ConsumerPipeline(PDFDataConsumer& consumer) : Pipeline("output", nullptr), m_consumer(consumer) {
+        m_block.reserve(blockSize);
+    }
+    void write(const unsigned char* data, size_t length) override {
+        if (m_block.size() + length > blockSize)
+            flush();
+        if (length >= blockSize)
+            m_consumer.write(reinterpret_cast<const char*>(data), static_cast<qint64>(length));
+        else
+            m_block.append(reinterpret_cast<const char*>(data), length);
+    }
+    void finish() override { flush(); }
+
+private:
+    static constexpr size_t blockSize = 1 << 18;
+
+    void flush() {
+        m_consumer.write(m_block.data(), static_cast<qint64>(m_block.size()));
+        m_block.clear();
+    }
+
+    PDFDataConsumer& m_consumer;
+    std::string m_block;
+};
+
+/// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn.
+template <typename Step>
+void attempt(Step step) {
+    try {
+        step();
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
+    }
+}
+
+}  // namespace
+
+PDFContext::Writer::Writer(PDFDataConsumer& consumer) : m_consumer(consumer), m_copier(m_output) {
+    m_output.emptyPDF();
+    m_pages = m_output.getRoot().getKey("/Pages");
+}
+
+void PDFContext::Writer::setMediaBox(const Rect& box) {
+    m_page.dictionary.replaceKey("/MediaBox", QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(
+                                                  box.minX(), box.minY(), box.maxX(), box.maxY())));
+}
+
+void PDFContext::Writer::beginPage(const Rect& mediaBox) {
+    m_page = {emptyDictionary(), emptyDictionary(), {}, {}};
+    m_page.dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
+    m_page.dictionary.replaceKey("/Parent", m_pages);
+    setMediaBox(mediaBox);
+}
+
+void PDFContext::Writer::drawPage(const PDFSource& source, qsizetype index, DisplayBox box) {
+    const SourcePage& page = source.page(index);
+    m_page.fromPageSpace = page.orientation.fromPageSpace();
+    attempt([&] { carryPageAttributes(page, box); });
+    attempt([&] { carryOptionalContent(source); });
+    attempt([&] { drawContent(page); });
+    attempt([&] { drawAnnotations(page); });
+}
+
+void PDFContext::Writer::carryPageAttributes(const SourcePage& page, DisplayBox box) {
+    setMediaBox(box == DisplayBox::mediaBox ? page.orientation.mediaBox() : page.cropBox);
+    if (page.orientation.rotation() != 0)
+        m_page.dictionary.replaceKey("/Rotate", QPDFObjectHandle::newInteger(page.orientation.rotation()));
+    QPDFObjectHandle dictionary = page.dictionary;
+    QPDFObjectHandle userUnit = dictionary.getKey("/UserUnit");
+    if (userUnit.isNumber())
+        m_page.dictionary.replaceKey("/UserUnit", m_copier.copy(userUnit));
+    QPDFObjectHandle group = dictionary.getKey("/Group");
+    if (group.isDictionary())
+        m_page.dictionary.replaceKey("/Group", m_copier.copy(group));
+}
+
+void PDFContext::Writer::carryOptionalContent(const PDFSource& source) {
+    QPDFObjectHandle layers = source.catalog().getKey("/OCProperties");
+    QPDFObjectHandle root = m_output.getRoot();
+    if (layers.isDictionary() && !root.hasKey("/OCProperties"))
+        root.replaceKey("/OCProperties", m_copier.copy(layers));
+}
+
+void PDFContext::Writer::drawContent(const SourcePage& page) {
+    paint("/P", makePageForm(m_output, m_copier, page), {});
+}
+
+void PDFContext::Writer::drawAnnotations(const SourcePage& page) {
+    int number = 0;
+    for (const AnnotationAppearance& appearance : visibleAppearances(page)) {
+        attempt([&] {
+            QPDFObjectHandle form = m_copier.copy(appearance.form);
+            form.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+            paint("/A" + std::to_string(number), form, appearance.matrix);
+            ++number;
+        });
+    }
+}
+
+PDFContext::Picture PDFContext::Writer::addPicture(const QImage& pixels) {
+    m_pictures.push_back(makePictureObject(m_output, pixels));
+    return {static_cast<int>(m_pictures.size()) - 1};
+}
+
+void PDFContext::Writer::drawPicture(Picture picture, const Rect& rect) {
+    const QTransform unitSquareToRect(rect.width, 0, 0, rect.height, rect.x, rect.y);
+    paint("/S" + std::to_string(picture.index), m_pictures.at(static_cast<size_t>(picture.index)),
+          unitSquareToRect * m_page.fromPageSpace);
+}
+
+void PDFContext::Writer::paint(const std::string& name, const QPDFObjectHandle& object,
+                               const QTransform& matrix) {
+    m_page.objects.replaceKey(name, object);
+    m_page.content += paintObject(name, matrix);
+}
+
+QPDFObjectHandle PDFContext::Writer::contentStream(const std::string& content) {
+    const auto known = m_contentStreams.find(content);
+    if (known != m_contentStreams.end())
+        return known->second;
+    return m_contentStreams.emplace(content, m_output.newStream(content)).first->second;
+}
+
+void PDFContext::Writer::endPage() {
+    QPDFObjectHandle resources = emptyDictionary();
+    resources.replaceKey("/XObject", m_page.objects);
+    m_page.dictionary.replaceKey("/Resources", resources);
+    m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
+    m_kids.appendItem(m_output.makeIndirectObject(m_page.dictionary));
+    m_page = {};
+}
+
+void PDFContext::Writer::write() {
+    m_pages.replaceKey("/Kids", m_kids);
+    m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
+    ConsumerPipeline pipeline(m_consumer);
+    QPDFWriter writer(m_output);
+    writer.setOutputPipeline(&pipeline);
+    writer.setDecodeLevel(qpdf_dl_none);
+    writer.setCompressStreams(true);
+    writer.setObjectStreamMode(qpdf_o_generate);
+    writer.setPreserveEncryption(false);
+    writer.setMinimumPDFVersion("1.7");
+    writer.write();
+    pipeline.finish();
+    m_consumer.finish();
+}
+
+}  // namespace vellmora

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/files/AtomicFile.h"
+
+#include <memory>
+
+#include <QByteArray>
+
+namespace vellmora {
+
+/// Takes the bytes of a PDF as they are written.
+class PDFDataConsumer {
+public:
+    virtual ~PDFDataConsumer() = default;
+    /// Throws `Error` where the bytes cannot be taken.
+    virtual void write(const char* bytes, qint64 count) = 0;
+    /// Called once after the last byte. Throws `Error`; nothing was delivered then.
+    virtual void finish() = 0;
+};
+
+/// Writes to a file, which appears under its name as a whole when it is finished, or not at all.
+class FileConsumer : public PDFDataConsumer {
+public:
+    /// Nothing where no file can be written at `path`.
+    static std::unique_ptr<FileConsumer> create(const QString& path);
+    explicit FileConsumer(const QString& path) : m_file(path) {}
+
+    void write(const char* bytes, qint64 count) override { m_file.write(bytes, count); }
+    void finish() override { m_file.commit(); }
+
+private:
+    AtomicFile m_file;
+};
+
+/// Keeps the bytes in memory.
+class MemoryConsumer : public PDFDataConsumer {
+public:
+    void write(const char* bytes, qint64 count) override { m_bytes.append(bytes, count); }
+    void finish() override {}
+    const QByteArray& bytes() const { return m_bytes; }
+
+private:
+    QByteArray m_bytes;
+};
+
+}  // namespace vellmora

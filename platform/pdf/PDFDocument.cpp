@@ -1,0 +1,42 @@
+#include "platform/pdf/PDFDocument.h"
+
+#include "platform/error/Error.h"
+#include "platform/files/Files.h"
+#include "platform/pdf/PDFSource.h"
+
+#include <utility>
+
+namespace vellmora {
+
+std::shared_ptr<const PDFDocument> PDFDocument::open(const QUrl& url) {
+    try {
+        return fromData(files::read(url.toLocalFile()));
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
+std::shared_ptr<const PDFDocument> PDFDocument::fromData(const QByteArray& bytes) {
+    std::unique_ptr<PDFSource> source = PDFSource::open(bytes);
+    if (!source)
+        return nullptr;
+    return std::make_shared<const PDFDocument>(std::move(source));
+}
+
+PDFDocument::PDFDocument(std::unique_ptr<PDFSource> source) : m_source(std::move(source)) {}
+
+PDFDocument::~PDFDocument() = default;
+
+qsizetype PDFDocument::pageCount() const {
+    return m_source->pageCount();
+}
+
+std::optional<PDFPage> PDFDocument::page(qsizetype index) const {
+    if (index < 0 || index >= pageCount())
+        return std::nullopt;
+    const SourcePage& page = m_source->page(index);
+    return PDFPage(index, page.orientation.uprightMediaBox(),
+                   mapRect(page.orientation.toPageSpace(), page.cropBox));
+}
+
+}  // namespace vellmora

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/pdf/PDFPage.h"
+
+#include <memory>
+#include <optional>
+
+#include <QByteArray>
+#include <QUrl>
+
+namespace vellmora {
+
+class PDFSource;
+
+/// An open document: a snapshot of the file's bytes and what its structure says of the pages.
+///
+/// The file is not touched again after opening; it may be replaced, truncated or unplugged. Documents are
+/// compared by identity and shared; they are used on one thread.
+class PDFDocument {
+public:
+    /// Nothing where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond repair,
+    /// encrypted with a password that is not empty).
+    static std::shared_ptr<const PDFDocument> open(const QUrl& url);
+    static std::shared_ptr<const PDFDocument> fromData(const QByteArray& bytes);
+
+    explicit PDFDocument(std::unique_ptr<PDFSource> source);
+    ~PDFDocument();
+
+    qsizetype pageCount() const;
+    /// Nothing for an index outside 0 … pageCount − 1.
+    std::optional<PDFPage> page(qsizetype index) const;
+
+    /// What the platform's own drawing reads; not for use outside of `platform/pdf`.
+    const PDFSource& source() const { return *m_source; }
+
+private:
+    std::unique_ptr<PDFSource> m_source;
+};
+
+}  // namespace vellmora

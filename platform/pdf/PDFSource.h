@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/pdf/PageOrientation.h"
+
+#include <memory>
+#include <vector>
+
+#include <QByteArray>
+
+#include <qpdf/QPDF.hh>
+
+namespace vellmora {
+
+/// One page as the file has it; attributes that it inherits from the page tree are resolved.
+struct SourcePage {
+    QPDFObjectHandle dictionary;
+    QPDFObjectHandle resources;  ///< null where there are none
+    PageOrientation orientation;
+    Rect cropBox;  ///< in the file's own space, inside the media box
+};
+
+/// The parsed file behind a document. The bytes are shared, not copied.
+class PDFSource {
+public:
+    /// Nothing where the bytes are no PDF. No exception leaves this function.
+    static std::unique_ptr<PDFSource> open(const QByteArray& bytes);
+
+    qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
+    const SourcePage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
+    QPDFObjectHandle catalog() const { return m_catalog; }
+
+private:
+    explicit PDFSource(const QByteArray& bytes);
+
+    QByteArray m_bytes;
+    QPDF m_qpdf;
+    QPDFObjectHandle m_catalog;
+    std::vector<SourcePage> m_pages;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,25 @@
+#include "platform/pdf/PageDrawing.h"
+
+#include "platform/error/Error.h"
+#include "platform/pdf/PDFContext.h"
+
+namespace vellmora {
+
+QByteArray makePageDrawing(const PDFDocument& document, qsizetype pageIndex) {
+    const std::optional<PDFPage> page = document.page(pageIndex);
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    if (!page || !context)
+        return {};
+    try {
+        context->beginPage(page->bounds(DisplayBox::cropBox));
+        context->drawPage(document, pageIndex, DisplayBox::cropBox);
+        context->endPage();
+        context->close();
+    } catch (const Error&) {
+        return {};
+    }
+    return consumer.bytes();
+}
+
+}  // namespace vellmora

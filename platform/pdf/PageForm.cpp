@@ -1,0 +1,87 @@
+#include "platform/pdf/PageForm.h"
+
+#include <utility>
+#include <vector>
+
+#include <qpdf/Pl_Concatenate.hh>
+
+namespace vellmora {
+
+namespace {
+
+/// Half a pixel of a thin line may lie outside of the box at its edge.
+constexpr double edgeAllowance = 2;
+
+std::vector<QPDFObjectHandle> contentStreams(QPDFObjectHandle page) {
+    QPDFObjectHandle contents = page.getKey("/Contents");
+    if (contents.isStream())
+        return {contents};
+    std::vector<QPDFObjectHandle> streams;
+    if (contents.isArray()) {
+        for (QPDFObjectHandle item : contents.aitems()) {
+            if (item.isStream())
+                streams.push_back(item);
+        }
+    }
+    return streams;
+}
+
+/// Delivers the bytes of one stream as they stand in the file.
+class RawStream : public QPDFObjectHandle::StreamDataProvider {
+public:
+    explicit RawStream(QPDFObjectHandle stream) : m_stream(std::move(stream)) {}
+    void provideStreamData(const QPDFObjGen&, Pipeline* pipeline) override {
+        m_stream.pipeStreamData(pipeline, nullptr, 0, qpdf_dl_none, true);
+    }
+
+private:
+    QPDFObjectHandle m_stream;
+};
+
+/// Delivers several streams decoded, a line break after each: a token never spans two of them.
+class JoinedStreams : public QPDFObjectHandle::StreamDataProvider {
+public:
+    explicit JoinedStreams(std::vector<QPDFObjectHandle> streams) : m_streams(std::move(streams)) {}
+    void provideStreamData(const QPDFObjGen&, Pipeline* pipeline) override {
+        Pl_Concatenate joined("page content", pipeline);
+        for (QPDFObjectHandle& stream : m_streams) {
+            stream.pipeStreamData(&joined, nullptr, 0, qpdf_dl_specialized, true);
+            joined.writeCStr("\n");
+        }
+        joined.manualFinish();
+    }
+
+private:
+    std::vector<QPDFObjectHandle> m_streams;
+};
+
+void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPDFObjectHandle> streams) {
+    const auto null = QPDFObjectHandle::newNull();
+    if (streams.size() == 1) {
+        QPDFObjectHandle source = streams.front().getDict();
+        form.replaceStreamData(std::make_shared<RawStream>(streams.front()),
+                               copier.copy(source.getKey("/Filter")),
+                               copier.copy(source.getKey("/DecodeParms")));
+    } else {
+        form.replaceStreamData(std::make_shared<JoinedStreams>(streams), null, null);
+    }
+}
+
+}  // namespace
+
+QPDFObjectHandle makePageForm(QPDF& output, ObjectCopier& copier, const SourcePage& page) {
+    const Rect box = page.orientation.mediaBox().insetBy(-edgeAllowance);
+    QPDFObjectHandle form = output.newStream();
+    QPDFObjectHandle resources = page.resources;
+    provideContent(form, copier, contentStreams(page.dictionary));
+    QPDFObjectHandle dictionary = form.getDict();
+    dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
+    dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+    dictionary.replaceKey("/BBox", QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(
+                                       box.minX(), box.minY(), box.maxX(), box.maxY())));
+    dictionary.replaceKey(
+        "/Resources", resources.isDictionary() ? copier.copy(resources) : QPDFObjectHandle::newDictionary());
+    return form;
+}
+
+}  // namespace vellmora

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/pdf/ObjectCopier.h"
+#include "platform/pdf/PDFSource.h"
+
+namespace vellmora {
+
+/// The content of a page as one form XObject of the output. As a form it cannot disturb what is drawn after
+/// it, even where its operators are not balanced. One content stream passes through as it is, still
+/// compressed and byte for byte, also where it is damaged; several are joined.
+QPDFObjectHandle makePageForm(QPDF& output, ObjectCopier& copier, const SourcePage& page);
+
+}  // namespace vellmora

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/geometry/Rect.h"
+
+namespace vellmora {
+
+/// How a page of a file (its own space: the media box as the file states it) lies in page space (upright).
+class PageOrientation {
+public:
+    /// `rotation` in degrees clockwise, as a file states it: any multiple of 90, also negative or above 360;
+    /// anything else counts as 0.
+    PageOrientation(const Rect& mediaBox, int rotation);
+
+    /// The file's own box.
+    const Rect& mediaBox() const { return m_mediaBox; }
+    /// 0, 90, 180 or 270.
+    int rotation() const { return m_rotation; }
+    Rect uprightMediaBox() const;
+    /// From the file's own space to page space; the identity for a page that is not turned.
+    QTransform toPageSpace() const;
+    QTransform fromPageSpace() const { return toPageSpace().inverted(); }
+
+private:
+    Rect m_mediaBox;
+    int m_rotation;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QImage>
+
+#include <qpdf/QPDF.hh>
+
+namespace vellmora {
+
+/// An image XObject of the output with the picture's pixels in sRGB or grey, and its straight alpha as a soft
+/// mask where a pixel is transparent. The samples are compressed losslessly.
+QPDFObjectHandle makePictureObject(QPDF& output, const QImage& pixels);
+
+}  // namespace vellmora

@@ -1,0 +1,142 @@
+// Stamps a PDF with the code that the program saves with, and prints what it took.
+//
+//   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K]
+//
+// Page numbers are 1-based, rectangles in page points. One JSON line for each run. Exit codes: 0 done, 1
+// wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on standard error).
+
+#include "export/PDFExporter.h"
+#include "platform/error/Error.h"
+#include "platform/files/Files.h"
+
+#include <cstdio>
+#include <optional>
+#include <sys/resource.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+using namespace vellmora;
+
+namespace {
+
+struct PlacedPicture {
+    QByteArray png;
+    std::optional<qsizetype> pageIndex;  // none: all pages
+    Rect rect;
+};
+
+struct Arguments {
+    QString in;
+    QString out;
+    QList<PlacedPicture> pictures;
+    int repeat = 1;
+};
+
+std::optional<Rect> parseRect(const QString& text) {
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != 4)
+        return std::nullopt;
+    return Rect{parts[0].toDouble(), parts[1].toDouble(), parts[2].toDouble(), parts[3].toDouble()};
+}
+
+bool applyOption(Arguments& arguments, const QString& option, const QString& value) {
+    if (option == QStringLiteral("--png")) {
+        arguments.pictures.append({files::read(QFileInfo(value).absoluteFilePath()), std::nullopt, {}});
+        return true;
+    }
+    if (option == QStringLiteral("--repeat")) {
+        arguments.repeat = value.toInt();
+        return arguments.repeat > 0;
+    }
+    if (arguments.pictures.isEmpty())
+        return false;
+    PlacedPicture& picture = arguments.pictures.last();
+    if (option == QStringLiteral("--page")) {
+        if (value != QStringLiteral("all"))
+            picture.pageIndex = value.toLongLong() - 1;
+        return true;
+    }
+    const auto rect = parseRect(value);
+    picture.rect = rect.value_or(Rect{});
+    return option == QStringLiteral("--rect") && rect;
+}
+
+std::optional<Arguments> parseArguments(const QStringList& words) {
+    if (words.size() < 3 || words.size() % 2 == 0)
+        return std::nullopt;
+    Arguments arguments{words[1], words[2], {}, 1};
+    for (qsizetype i = 3; i + 1 < words.size(); i += 2) {
+        if (!applyOption(arguments, words[i], words[i + 1]))
+            return std::nullopt;
+    }
+    return arguments;
+}
+
+StampsByPage placeStamps(const Arguments& arguments, qsizetype pageCount) {
+    StampsByPage stamps;
+    for (const PlacedPicture& picture : arguments.pictures) {
+        StampItem item;
+        item.imageData = picture.png;
+        item.rect = picture.rect;
+        const qsizetype first = picture.pageIndex.value_or(0);
+        const qsizetype last = picture.pageIndex.value_or(pageCount - 1);
+        for (item.pageIndex = first; item.pageIndex <= last; ++item.pageIndex) {
+            item.id = QUuid::createUuid();
+            stamps[item.pageIndex].append(item);
+        }
+    }
+    return stamps;
+}
+
+long peakResidentKilobytes() {
+    struct rusage usage {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+double milliseconds(const QElapsedTimer& timer) {
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+int run(const Arguments& arguments) {
+    const QUrl in = QUrl::fromLocalFile(QFileInfo(arguments.in).absoluteFilePath());
+    const QUrl out = QUrl::fromLocalFile(QFileInfo(arguments.out).absoluteFilePath());
+    for (int i = 0; i < arguments.repeat; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        const auto document = PDFDocument::open(in);
+        if (!document) {
+            std::fputs("PDF konnte nicht geladen werden.\n", stderr);
+            return 2;
+        }
+        const double openTime = milliseconds(timer);
+        const StampsByPage stamps = placeStamps(arguments, document->pageCount());
+        timer.restart();
+        PDFExporter::save(*document, stamps, out);
+        std::printf(R"({"open_ms": %.2f, "export_ms": %.2f, "pages": %lld, "peak_rss_kb": %ld})"
+                    "\n",
+                    openTime, milliseconds(timer), static_cast<long long>(document->pageCount()),
+                    peakResidentKilobytes());
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication app(argc, argv);
+    try {
+        const auto arguments = parseArguments(QCoreApplication::arguments());
+        if (!arguments) {
+            std::fputs("export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K]\n",
+                       stderr);
+            return 1;
+        }
+        return run(*arguments);
+    } catch (const Error& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 3;
+    }
+}

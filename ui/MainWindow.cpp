@@ -1,0 +1,59 @@
+#include "ui/MainWindow.h"
+
+#include <QDropEvent>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace vellmora {
+
+static QFrame* makeDivider(QFrame::Shape shape, QWidget* parent) {
+    auto* line = new QFrame(parent);
+    line->setFrameShape(shape);
+    line->setFrameShadow(QFrame::Plain);
+    line->setForegroundRole(QPalette::Mid);
+    return line;
+}
+
+MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
+    : m_callbacks(callbacks),
+      m_commandBar(new CommandBar(callbacks.commands, theme, this)),
+      m_sidebar(new Sidebar(callbacks.sidebar, theme, this)),
+      m_editorArea(new EditorArea(theme, this)) {
+    setWindowTitle(QStringLiteral("Vellmora"));
+    setMinimumSize(Theme::minimumWindowWidth, Theme::minimumWindowHeight);
+    setAcceptDrops(true);
+
+    auto* stack = new QVBoxLayout(this);
+    stack->setContentsMargins({});
+    stack->setSpacing(0);
+    stack->addWidget(m_commandBar);
+    stack->addWidget(makeDivider(QFrame::HLine, this));
+    auto* workRow = new QHBoxLayout;
+    workRow->setSpacing(0);
+    workRow->addWidget(m_sidebar);
+    workRow->addWidget(makeDivider(QFrame::VLine, this));
+    workRow->addWidget(m_editorArea, 1);
+    stack->addLayout(workRow, 1);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!hasFileURL(*event->mimeData()))
+        return;
+    event->acceptProposedAction();
+    m_callbacks.onDropTargeted(true);
+}
+
+void MainWindow::dragLeaveEvent(QDragLeaveEvent*) {
+    m_callbacks.onDropTargeted(false);
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    m_callbacks.onDropTargeted(false);
+    if (m_callbacks.onDrop(itemProviders(*event->mimeData())))
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+}  // namespace vellmora

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/drop/ItemProvider.h"
+#include "ui/CommandBar.h"
+#include "ui/EditorArea.h"
+#include "ui/Sidebar.h"
+#include "ui/Theme.h"
+
+#include <functional>
+
+#include <QWidget>
+
+namespace vellmora {
+
+/// The window: command bar across the top, sidebar on the left, editor area on the right. The whole of it
+/// takes drops of files.
+class MainWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    struct Callbacks {
+        QList<Command> commands;
+        Sidebar::Callbacks sidebar;
+        std::function<void(bool)> onDropTargeted;
+        /// True where the drop is accepted.
+        std::function<bool(const ItemProviders&)> onDrop;
+    };
+
+    MainWindow(const Callbacks& callbacks, const Theme& theme);
+
+    CommandBar& commandBar() { return *m_commandBar; }
+    Sidebar& sidebar() { return *m_sidebar; }
+    EditorArea& editorArea() { return *m_editorArea; }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    Callbacks m_callbacks;
+    CommandBar* m_commandBar;
+    Sidebar* m_sidebar;
+    EditorArea* m_editorArea;
+};
+
+}  // namespace vellmora
