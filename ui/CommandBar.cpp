@@ -1,6 +1,7 @@
 #include "ui/CommandBar.h"
 
 #include <QHBoxLayout>
+#include <QShortcut>
 
 namespace vellmora {
 
@@ -12,10 +13,11 @@ CommandBar::CommandBar(const QList<Command>& commands, const Theme& theme, QWidg
     for (const Command& command : commands) {
         auto* button = new QPushButton(command.label, this);
         button->setFont(theme.font(Theme::controlTextSize));
-        button->setShortcut(command.shortcut);
         // A click on a command leaves the page and its keys where they are.
         button->setFocusPolicy(Qt::TabFocus);
         connect(button, &QPushButton::clicked, this, command.run);
+        if (!command.shortcut.isEmpty())
+            addShortcut(command, *button);
         row->addWidget(button);
         m_buttons.append(button);
     }
@@ -26,6 +28,16 @@ CommandBar::CommandBar(const QList<Command>& commands, const Theme& theme, QWidg
     dimmed.setColor(QPalette::WindowText, Theme::secondaryText(dimmed));
     m_status->setPalette(dimmed);
     row->addWidget(m_status, 1);
+}
+
+/// Not the button's own shortcut: that would run the command only after an animated press.
+void CommandBar::addShortcut(const Command& command, const QPushButton& button) {
+    auto* shortcut = new QShortcut(command.shortcut, this);
+    shortcut->setAutoRepeat(false);
+    connect(shortcut, &QShortcut::activated, this, [&button, run = command.run] {
+        if (button.isEnabled())
+            run();
+    });
 }
 
 void CommandBar::setData(const Data& newData) {

@@ -34,6 +34,8 @@ public:
     void setData(const Data& newData);
 
 private:
+    void addShortcut(const Command& command, const QPushButton& button);
+
     QList<QPushButton*> m_buttons;
     ElidedLabel* m_status;
 };

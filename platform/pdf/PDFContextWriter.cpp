@@ -18,7 +18,9 @@ QPDFObjectHandle emptyDictionary() {
     return QPDFObjectHandle::newDictionary();
 }
 
-/// Hands the written bytes to the consumer in blocks.
+/// Hands the written bytes to the consumer in blocks. The library finishes its pipelines in destructors, so a
+/// failure of the consumer must not be thrown through it: it is kept, nothing more is handed over, and
+/// `complete` throws it.
 class ConsumerPipeline : public Pipeline {
 public:
     explicit ConsumerPipeline(PDFDataConsumer& consumer) : Pipeline("output", nullptr), m_consumer(consumer) {
@@ -28,22 +30,40 @@ public:
         if (m_block.size() + length > blockSize)
             flush();
         if (length >= blockSize)
-            m_consumer.write(reinterpret_cast<const char*>(data), static_cast<qint64>(length));
+            hand(reinterpret_cast<const char*>(data), length);
         else
             m_block.append(reinterpret_cast<const char*>(data), length);
     }
     void finish() override { flush(); }
 
+    void complete() {
+        flush();
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+        m_consumer.finish();
+    }
+
 private:
     static constexpr size_t blockSize = 1 << 18;
 
     void flush() {
-        m_consumer.write(m_block.data(), static_cast<qint64>(m_block.size()));
+        hand(m_block.data(), m_block.size());
         m_block.clear();
+    }
+
+    void hand(const char* bytes, size_t length) noexcept {
+        if (m_failure || length == 0)
+            return;
+        try {
+            m_consumer.write(bytes, static_cast<qint64>(length));
+        } catch (...) {
+            m_failure = std::current_exception();
+        }
     }
 
     PDFDataConsumer& m_consumer;
     std::string m_block;
+    std::exception_ptr m_failure;
 };
 
 /// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn.
@@ -164,8 +184,7 @@ void PDFContext::Writer::write() {
     writer.setPreserveEncryption(false);
     writer.setMinimumPDFVersion("1.7");
     writer.write();
-    pipeline.finish();
-    m_consumer.finish();
+    pipeline.complete();
 }
 
 }  // namespace vellmora

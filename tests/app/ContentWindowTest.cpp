@@ -1,0 +1,163 @@
+#include "app/ContentWindow.h"
+#include "platform/pdf/render/QtPdfRenderer.h"
+#include "tests/editor/EditorTestSupport.h"
+#include "tests/support/EventLoop.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+#include "tests/support/TestWorkspace.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+/// The real window on a real library, driven through its widgets.
+class ContentWindowTest : public testing::Test {
+protected:
+    ContentWindowTest() {
+        writeFile(workspace.path(QStringLiteral("Vertrag.pdf")), pages(3).bytes());
+        start();
+    }
+    void start() {
+        shown = std::make_unique<ContentWindow>(
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels), renderer,
+            Theme(SystemFonts::load()));
+        shown->window().show();
+        shown->window().activateWindow();
+        if (!QTest::qWaitForWindowActive(&shown->window()))
+            qFatal("the window does not become active");
+        settle();
+    }
+    ContentView& content() { return shown->content(); }
+    QPushButton& button(const char* label) {
+        for (auto* candidate : shown->window().findChildren<QPushButton*>()) {
+            if (candidate->text() == QString::fromUtf8(label))
+                return *candidate;
+        }
+        qFatal("no button %s", label);
+    }
+    void click(const char* label) {
+        QTest::mouseClick(&button(label), Qt::LeftButton);
+        settle();
+    }
+    void open(const char* name) {
+        workspace.panels.answer = workspace.url(QString::fromUtf8(name));
+        QTest::keyClick(&shown->window(), Qt::Key_O, Qt::ControlModifier);
+        settle();
+    }
+    QList<bool> enabledCommands() {
+        QList<bool> enabled;
+        for (const char* label : {"PDF öffnen", "Stempel importieren", "Stempel auf aktueller Seite",
+                                  "Ausgewählten löschen", "Speichern", "Speichern unter…"})
+            enabled.append(button(label).isEnabled());
+        return enabled;
+    }
+    bool sendDrag(QEvent::Type type, const QMimeData& data) {
+        const QPointF at(600, 400);
+        if (type == QEvent::DragEnter) {
+            QDragEnterEvent event(at.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            event.ignore();
+            QApplication::sendEvent(&shown->window(), &event);
+            settle();
+            return event.isAccepted();
+        }
+        QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&shown->window(), &event);
+        settle();
+        return event.isAccepted();
+    }
+
+    TestWorkspace workspace;
+    QtPdfRenderer renderer;
+    std::unique_ptr<ContentWindow> shown;
+};
+
+}  // namespace
+
+TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
+    open("Vertrag.pdf");
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
+    auto& list = *shown->window().findChild<LibraryList*>();
+    const QRect second = list.visualItemRect(list.item(1));
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, second.center());
+    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, second.center());
+    settle();
+    const QUuid used = content().stampLibrary().selectedPreset()->id;
+    ASSERT_EQ(content().totalStampCount(), 1);
+
+    const StampItem placed = content().stampsByPage.value().value(0).first();
+    EXPECT_EQ(placed.presetID, used);
+    InteractiveStampView& view = *shown->editor()->stampView(placed.id);
+    EXPECT_TRUE(view.isSelectedStamp());
+    drag(view, {20, 10}, 60, 40);
+    settle();
+    const QPointF handle(view.width() - 4, view.height() - 4);
+    drag(view, handle, 30, 0);
+    settle();
+    const StampItem moved = content().stampsByPage.value().value(0).first();
+    EXPECT_GT(moved.rect.width, placed.rect.width * 1.1);
+    EXPECT_NEAR(moved.rect.width / moved.rect.height, placed.aspectRatio, 0.15);
+
+    QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
+    workspace.panels.answer = workspace.url(QStringLiteral("Kopie.pdf"));
+    QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
+    EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
+
+    start();
+    EXPECT_EQ(content().stampLibrary().presets().size(), 5);
+    EXPECT_EQ(content().stampLibrary().selectedPreset()->id, used);
+    EXPECT_EQ(content().stampLibrary().recentPresets().first().id, used);
+}
+
+TEST_F(ContentWindowTest, EnablesCommandsAsTheStateAllows) {
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, false, false, false, false}));
+    QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(content().statusText.value(),
+              QStringLiteral("PDF laden, Stempelbibliothek füllen und loslegen."));
+    open("Vertrag.pdf");
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, true, true}));
+    click("Stempel auf aktueller Seite");
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, true, true, true}));
+    click("Ausgewählten löschen");
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, true, true}));
+    content().pdfSourceURL = std::nullopt;
+    settle();
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, false, true}));
+}
+
+TEST_F(ContentWindowTest, ADropOfAFileLoadsItAndShowsTheZoneMeanwhile) {
+    QMimeData text;
+    text.setText(QStringLiteral("no file"));
+    EXPECT_FALSE(sendDrag(QEvent::DragEnter, text));
+    QMimeData file;
+    file.setUrls({workspace.url(QStringLiteral("Vertrag.pdf"))});
+    EXPECT_TRUE(sendDrag(QEvent::DragEnter, file));
+    EXPECT_TRUE(content().isPDFDropTargeted.value());
+    EXPECT_TRUE(sendDrag(QEvent::Drop, file));
+    EXPECT_FALSE(content().isPDFDropTargeted.value());
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
+    ASSERT_TRUE(shown->editor());
+    EXPECT_TRUE(shown->editor()->isVisible());
+}
+
+TEST_F(ContentWindowTest, PageTurnsAndStampsOfOtherPagesStayApart) {
+    open("Vertrag.pdf");
+    click("Stempel auf aktueller Seite");
+    QTest::keyClick(&shown->editor()->pdfView(), Qt::Key_PageDown);
+    settle();
+    EXPECT_EQ(content().pageDisplayText(), QStringLiteral("2 / 3"));
+    EXPECT_EQ(shown->editor()->currentPageIndex(), 1) << "a page turn is not turned back by the refresh";
+    click("Stempel auf aktueller Seite");
+    EXPECT_EQ(content().statusText.value().left(26), QStringLiteral("Stempel auf Seite 2 eingef"));
+    EXPECT_EQ(content().totalStampCount(), 2);
+    open("Vertrag.pdf");
+    EXPECT_EQ(shown->editor()->currentPageIndex(), 0);
+    EXPECT_EQ(content().pageDisplayText(), QStringLiteral("1 / 3"));
+}

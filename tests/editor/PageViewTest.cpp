@@ -1,0 +1,129 @@
+#include "platform/pdf/render/QtPdfRenderer.h"
+#include "platform/view/PDFView.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+class PDFViewTest : public testing::Test {
+protected:
+    PDFViewTest() {
+        view.resize(600, 800);
+        view.setAutoScales(true);
+        view.show();
+    }
+    void wheel(int angle) {
+        QWheelEvent event({10, 10}, {10, 10}, {}, {0, angle}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                          false);
+        QCoreApplication::sendEvent(&view, &event);
+    }
+    QColor pixel(int x, int y) { return view.grab().toImage().pixelColor(x, y); }
+
+    QtPdfRenderer renderer;
+    PDFView view{renderer, nullptr};
+};
+
+}  // namespace
+
+TEST(PageGeometryTest, MapsExactlyAtEveryScaleOffsetAndPixelRatio) {
+    const Rect box{-40, 100, 595.28, 841.89};
+    for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
+        for (const double scale : {0.05, 0.731, 1.0, 6.4}) {
+            const PageGeometry page(box, {{887, 747}, ratio}, scale, {13.7, -200.3});
+            EXPECT_TRUE(isNear(page.toView(box), page.frame(), 1e-9));
+            const Rect stamp{12.5, 333.25, 166.6784, 41.6696};
+            EXPECT_TRUE(isNear(page.toPage(page.toView(stamp)), stamp, 1e-9));
+            EXPECT_NEAR(page.frame().width * ratio, page.pixelSize().width(), 1e-9);
+            EXPECT_NEAR(page.frame().x * ratio, std::round(page.frame().x * ratio), 1e-9)
+                << "on device pixels";
+            EXPECT_NEAR(page.toView(stamp).width, stamp.width * scale, stamp.width * scale * 0.02 + 0.1);
+        }
+    }
+}
+
+TEST(PageGeometryTest, AnOffsetMovesThePageUpwards) {
+    const PageGeometry::View view{{500, 500}, 1};
+    const Rect box{0, 0, 100, 100};
+    EXPECT_EQ(PageGeometry(box, view, 1).frame(), (Rect{200, 200, 100, 100}));
+    EXPECT_EQ(PageGeometry(box, view, 1, {10, 20}).frame(), (Rect{210, 220, 100, 100}));
+}
+
+TEST(PageGeometryTest, TinyAndHugePagesFit) {
+    for (const double side : {1.0, 14400.0}) {
+        const Rect box{0, 0, side, side};
+        const double scale = PageGeometry::fittingScale(box, {600, 800}, 8);
+        EXPECT_NEAR(PageGeometry(box, {{600, 800}, 1}, scale).frame().width, 584, 1);
+    }
+    EXPECT_GT(PageGeometry::fittingScale({0, 0, 10, 10}, {4, 4}, 8), 0);
+}
+
+TEST_F(PDFViewTest, ShowsThePageFittedOnBlack) {
+    PdfBuilder source;
+    source.page("/MediaBox [0 0 300 300] /CropBox [100 100 200 200]", filledRect("1 0 0", "100 100 50 50"));
+    view.setDocument(source.document());
+    const Rect shown = view.convertFromPage({100, 100, 100, 100});
+    EXPECT_EQ(shown, (Rect{8, 108, 584, 584}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isClose(pixel(100, 650), Qt::red); }));
+    EXPECT_TRUE(isClose(pixel(500, 300), Qt::white));
+    EXPECT_TRUE(isClose(pixel(299, 401), Qt::red));
+    EXPECT_TRUE(isClose(pixel(301, 401), Qt::white));
+    EXPECT_TRUE(isClose(pixel(3, 400), Qt::black));
+    EXPECT_TRUE(isClose(pixel(300, 50), Qt::black));
+}
+
+TEST_F(PDFViewTest, ShowsTurnedPagesUprightWithTheirFields) {
+    PdfBuilder source;
+    // Turned by 90 degrees, the page's left edge is its reader's top.
+    source
+        .page(
+            "/MediaBox [0 0 100 100] /Rotate 90 /Annots [<< /Subtype /Widget /Rect [0 0 50 50] /AP << /N "
+            "1000 0 R >> >>]")
+        .stream("/Subtype /Form /BBox [0 0 1 1]", filledRect("0 0 1", "0 0 1 1"));
+    view.setDocument(source.document());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isClose(pixel(100, 200), Qt::blue); })) << "upper left";
+    EXPECT_TRUE(isClose(pixel(400, 200), Qt::white));
+    EXPECT_TRUE(isClose(pixel(100, 600), Qt::white));
+}
+
+TEST_F(PDFViewTest, KeysAndWheelTurnPagesWithinTheDocument) {
+    view.setDocument(pages(4).document());
+    QSignalSpy turns(&view, &PDFView::pageChanged);
+    const auto press = [&](Qt::Key key) {
+        QTest::keyClick(&view, key);
+        return *view.currentPageIndex();
+    };
+    EXPECT_EQ(press(Qt::Key_PageUp), 0);
+    EXPECT_EQ(press(Qt::Key_PageDown), 1);
+    EXPECT_EQ(press(Qt::Key_Down), 2);
+    EXPECT_EQ(press(Qt::Key_Left), 1);
+    EXPECT_EQ(press(Qt::Key_End), 3);
+    EXPECT_EQ(press(Qt::Key_Right), 3);
+    EXPECT_EQ(press(Qt::Key_Home), 0);
+    EXPECT_EQ(turns.size(), 5);
+    wheel(-60);
+    EXPECT_EQ(view.currentPageIndex(), 0) << "half a notch";
+    wheel(-60);
+    EXPECT_EQ(view.currentPageIndex(), 1);
+    wheel(120);
+    EXPECT_EQ(view.currentPageIndex(), 0);
+}
+
+TEST_F(PDFViewTest, NotifiesOfScaleChangesAndKeepsAFixedScale) {
+    view.setDocument(PdfBuilder().page("/MediaBox [0 0 100 100]").document());
+    QSignalSpy changes(&view, &PDFView::scaleChanged);
+    view.resize(300, 300);
+    EXPECT_EQ(changes.size(), 1);
+    EXPECT_NEAR(view.scaleFactor(), 2.84, 1e-9);
+    view.setScaleFactor(1.5);
+    EXPECT_EQ(changes.size(), 2);
+    EXPECT_EQ(view.convertFromPage({0, 0, 100, 100}), (Rect{75, 75, 150, 150}));
+    EXPECT_EQ(view.convertToPage({75, 75, 15, 30}), (Rect{0, 0, 10, 20}));
+}

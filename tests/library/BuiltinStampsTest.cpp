@@ -1,0 +1,121 @@
+#include "library/BuiltinStampImage.h"
+#include "library/StampLibrary.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+#include "tests/support/TestWorkspace.h"
+
+#include <QFileInfo>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+const QColor ink(10, 20, 200);
+
+/// Area of the pixels within the frame that carry text: they are opaque, unlike the ground.
+QRect inkedArea(const QImage& image, int top, int bottom) {
+    QRect area;
+    for (int y = top; y < bottom; ++y) {
+        for (int x = 60; x < image.width() - 60; ++x) {
+            if (image.pixelColor(x, y).alpha() > 200)
+                area |= QRect(x, y, 1, 1);
+        }
+    }
+    return area;
+}
+
+QImage draw(const QString& title, const std::optional<QString>& subtitle) {
+    return makeBuiltinStampImage(SystemFonts::load(), title, subtitle, ink);
+}
+
+}  // namespace
+
+TEST(BuiltinStampsTest, TheTableCarriesTheDateOfTheDay) {
+    const auto table = builtinDefinitions(QDateTime(QDate(2025, 3, 7), QTime(23, 0)));
+    ASSERT_EQ(table.size(), 5);
+    EXPECT_EQ(table[0].displayName, QStringLiteral("Eingegangen am: 07.03.2025"));
+    EXPECT_EQ(table[0].subtitle, QStringLiteral("07.03.2025"));
+    EXPECT_EQ(table[2].title, QStringLiteral("ERLEDIGT AM"));
+    EXPECT_FALSE(table[4].subtitle);
+}
+
+TEST(BuiltinStampsTest, FrameAndGroundLieWhereTheyShould) {
+    const QImage image = draw({}, std::nullopt);
+    ASSERT_EQ(image.size(), QSize(1180, 260));
+    EXPECT_EQ(image.pixelColor(5, 5).alpha(), 0);
+    EXPECT_EQ(image.pixelColor(590, 14).alpha(), 0);
+    EXPECT_EQ(image.pixelColor(590, 15), ink) << "9 points of the line lie outside of the frame at 24";
+    EXPECT_EQ(image.pixelColor(590, 32), ink);
+    EXPECT_NEAR(image.pixelColor(590, 34).alphaF(), 0.08, 0.01);
+    EXPECT_EQ(image.pixelColor(17, 17).alpha(), 0) << "the corners are round";
+}
+
+TEST(BuiltinStampsTest, EveryTitleFitsItsBoxOnOneLine) {
+    for (const BuiltinStampDefinition& row : builtinDefinitions(QDateTime::currentDateTime())) {
+        const QImage image = draw(row.title, row.subtitle);
+        const int height = row.subtitle ? 320 : 260;
+        ASSERT_EQ(image.height(), height);
+        const int top = row.subtitle ? 320 - 252 : 260 - 208;
+        const QRect title = inkedArea(image, 40, row.subtitle ? 320 - 136 : height - 40);
+        EXPECT_GE(title.left(), 61) << row.key.toStdString();
+        EXPECT_LE(title.right(), 1180 - 61);
+        EXPECT_GE(title.top(), top);
+        EXPECT_LE(title.bottom(), top + 130);
+        EXPECT_GT(title.height(), 70);
+        EXPECT_LT(title.height(), 125) << "one line";
+        EXPECT_NEAR(title.center().x(), 590, 4) << "centred";
+    }
+}
+
+TEST(BuiltinStampsTest, AnEmptySubtitleRaisesTheTitleAndDrawsNoSecondLine) {
+    const QImage image = draw(QStringLiteral("ERLEDIGT"), QString());
+    ASSERT_EQ(image.height(), 320);
+    EXPECT_TRUE(inkedArea(image, 320 - 130, 320 - 40).isEmpty());
+    EXPECT_FALSE(
+        inkedArea(draw(QStringLiteral("ERLEDIGT"), QStringLiteral("1")), 320 - 130, 320 - 40).isEmpty());
+}
+
+TEST(BuiltinStampsTest, TheNextDayRedrawsTheDatedStampsAndKeepsTheirIdentity) {
+    TestWorkspace workspace;
+    const QString key = QStringLiteral("eingegangen-heute");
+    const StampPreset before = builtin(*workspace.makeLibrary(), key);
+    const QByteArray picture = readFile(workspace.stampsFolder() + QLatin1Char('/') + before.fileName);
+    EXPECT_EQ(before.fileName, QStringLiteral("builtin-eingegangen-heute.png"));
+    EXPECT_FALSE(before.lastUsedAt);
+
+    workspace.now = workspace.now.addDays(1);
+    const StampPreset after = builtin(*workspace.makeLibrary(), key);
+    EXPECT_EQ(after.id, before.id);
+    EXPECT_EQ(after.createdAt, before.createdAt);
+    EXPECT_EQ(after.displayName, QStringLiteral("Eingegangen am: 08.03.2025"));
+    EXPECT_NE(readFile(workspace.stampsFolder() + QLatin1Char('/') + after.fileName), picture);
+    EXPECT_TRUE(readFile(workspace.metadataFile()).contains("08.03.2025"));
+}
+
+TEST(BuiltinStampsTest, AStartOnTheSameDayRedrawsThePicturesButWritesNoMetadata) {
+    TestWorkspace workspace;
+    const StampPreset preset = workspace.makeLibrary()->presets().first();
+    const QString picture = workspace.stampsFolder() + QLatin1Char('/') + preset.fileName;
+    writeFile(picture, "spoilt");
+    const QByteArray metadata = readFile(workspace.metadataFile()) + "\n";
+    writeFile(workspace.metadataFile(), metadata);
+    const auto library = workspace.makeLibrary();
+    EXPECT_TRUE(library->image(preset));
+    EXPECT_EQ(readFile(workspace.metadataFile()), metadata);
+}
+
+TEST(BuiltinStampsTest, ARemovedBuiltinComesBackWithANewID) {
+    TestWorkspace workspace;
+    const QString key = QStringLiteral("geprueft");
+    const auto library = workspace.makeLibrary();
+    const StampPreset removed = builtin(*library, key);
+    library->removePreset(removed.id);
+    EXPECT_EQ(library->presets().size(), 4);
+    EXPECT_FALSE(QFileInfo::exists(workspace.stampsFolder() + QLatin1Char('/') + removed.fileName));
+    workspace.now = workspace.now.addSecs(60);
+    const auto next = workspace.makeLibrary();
+    EXPECT_NE(builtin(*next, key).id, removed.id);
+    EXPECT_EQ(next->presets().first().builtinKey, key) << "the newest comes first";
+}

@@ -1,0 +1,101 @@
+#include "library/StampLibrary.h"
+#include "platform/text/Identifiers.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+#include "tests/support/TestWorkspace.h"
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+class StampSelectionTest : public testing::Test {
+protected:
+    UserDefaults defaults() const { return UserDefaults(workspace.folders().defaultsFile); }
+    QStringList storedRecents() const {
+        return defaults().stringList(StampLibrary::recentPresetDefaultsKey).value_or(QStringList());
+    }
+    std::optional<QString> storedSelection() const {
+        return defaults().string(StampLibrary::selectedPresetDefaultsKey);
+    }
+    QList<StampPreset> importMany(StampLibrary& library, int count) {
+        const QString file = workspace.path(QStringLiteral("a.png"));
+        writeFile(file, plainPng(4, 4, Qt::red));
+        QList<StampPreset> presets;
+        for (int i = 0; i < count; ++i)
+            presets.append(library.importPreset(QUrl::fromLocalFile(file)));
+        return presets;
+    }
+
+    TestWorkspace workspace;
+};
+
+}  // namespace
+
+TEST_F(StampSelectionTest, TheSelectionSurvivesARestart) {
+    const QUuid id = builtin(*workspace.makeLibrary(), QStringLiteral("archiviert")).id;
+    workspace.makeLibrary()->selectPreset(id);
+    EXPECT_EQ(storedSelection(), identifierText(id));
+    EXPECT_EQ(workspace.makeLibrary()->selectedPreset()->id, id);
+}
+
+TEST_F(StampSelectionTest, AStoredSelectionThatNamesNothingGivesTheFirstEntryAndIsRepaired) {
+    workspace.makeLibrary();
+    for (const QString& stale : {QStringLiteral("no id"), identifierText(QUuid::createUuid())}) {
+        defaults().setString(StampLibrary::selectedPresetDefaultsKey, stale);
+        const auto library = workspace.makeLibrary();
+        EXPECT_EQ(library->selectedPresetID(), library->presets().first().id);
+        EXPECT_EQ(storedSelection(), identifierText(library->presets().first().id));
+    }
+}
+
+TEST_F(StampSelectionTest, AnUnknownSelectionIsStoredAndStandsForTheFirstEntry) {
+    const auto library = workspace.makeLibrary();
+    const QUuid unknown = QUuid::createUuid();
+    library->selectPreset(unknown);
+    EXPECT_EQ(library->selectedPresetID(), unknown);
+    EXPECT_EQ(storedSelection(), identifierText(unknown));
+    EXPECT_EQ(library->selectedPreset(), library->presets().first());
+}
+
+TEST_F(StampSelectionTest, UseMovesAnEntryToTheFrontAndKeepsTheSelection) {
+    const auto library = workspace.makeLibrary();
+    const QList<StampPreset> presets = importMany(*library, 3);
+    workspace.now = workspace.now.addDays(1);
+    library->selectPreset(presets[1].id);
+    library->recordUse(presets[0].id);
+    EXPECT_EQ(library->selectedPresetID(), presets[1].id);
+    EXPECT_EQ(library->recentPresets().first().id, presets[0].id);
+    EXPECT_EQ(library->recentPresets().size(), 3);
+    EXPECT_EQ(library->recentPresets().first().lastUsedAt, workspace.now);
+    EXPECT_EQ(workspace.makeLibrary()->recentPresets().first().id, presets[0].id);
+}
+
+TEST_F(StampSelectionTest, TwelveRecentsAreStoredAndEightShown) {
+    const auto library = workspace.makeLibrary();
+    const QList<StampPreset> presets = importMany(*library, 13);
+    EXPECT_EQ(storedRecents().size(), 12);
+    EXPECT_EQ(storedRecents().first(), identifierText(presets[12].id));
+    EXPECT_EQ(storedRecents().last(), identifierText(presets[1].id));
+    EXPECT_EQ(library->recentPresets().size(), 8);
+    library->recordUse(presets[5].id);
+    EXPECT_EQ(storedRecents().size(), 12);
+    EXPECT_EQ(storedRecents().first(), identifierText(presets[5].id));
+}
+
+TEST_F(StampSelectionTest, OddStoredRecentsAreToleratedAndUnknownUsesIgnored) {
+    const auto library = workspace.makeLibrary();
+    const StampPreset preset = library->presets().last();
+    library->recordUse(QUuid::createUuid());
+    EXPECT_TRUE(storedRecents().isEmpty());
+    defaults().setStringList(
+        StampLibrary::recentPresetDefaultsKey,
+        {QStringLiteral("junk"), identifierText(QUuid::createUuid()), identifierText(preset.id)});
+    EXPECT_EQ(workspace.makeLibrary()->recentPresets(), QList<StampPreset>{preset});
+    defaults().setString(StampLibrary::recentPresetDefaultsKey, QStringLiteral("not a list"));
+    const auto next = workspace.makeLibrary();
+    EXPECT_TRUE(next->recentPresets().isEmpty());
+    next->recordUse(preset.id);
+    EXPECT_EQ(storedRecents(), QStringList{identifierText(preset.id)});
+}

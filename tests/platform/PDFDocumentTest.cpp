@@ -1,0 +1,88 @@
+#include "platform/pdf/PDFDocument.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestPdf.h"
+
+#include <unistd.h>
+
+#include <QTemporaryDir>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+Rect mediaBox(const PDFDocument& document, qsizetype page = 0) {
+    return document.page(page)->bounds(DisplayBox::mediaBox);
+}
+
+Rect cropBox(const PDFDocument& document) {
+    return document.page(0)->bounds(DisplayBox::cropBox);
+}
+
+}  // namespace
+
+TEST(PDFDocumentTest, AnswersPagesWithinItsCountOnly) {
+    const auto document = pages(3).document();
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->pageCount(), 3);
+    EXPECT_EQ(document->page(2)->index(), 2);
+    EXPECT_FALSE(document->page(-1));
+    EXPECT_FALSE(document->page(3));
+}
+
+TEST(PDFDocumentTest, RefusesWhatIsNoPdf) {
+    EXPECT_FALSE(PDFDocument::fromData({}));
+    EXPECT_FALSE(PDFDocument::fromData("just a text\n"));
+    EXPECT_FALSE(PDFDocument::open(QUrl::fromLocalFile(QStringLiteral("/does/not/exist.pdf"))));
+}
+
+TEST(PDFDocumentTest, IsASnapshotOfTheFile) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.pdf"));
+    writeFile(path, pages(2).bytes());
+    const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+    ASSERT_EQ(::truncate(qPrintable(path), 10), 0);
+    EXPECT_EQ(document->pageCount(), 2);
+    EXPECT_EQ(mediaBox(*document, 1), (Rect{0, 0, 595, 842}));
+}
+
+TEST(PDFDocumentTest, ReadsBoxesInAnyOrderAndRepairsInvalidOnes) {
+    const auto boxes = [](const std::string& entries) { return PdfBuilder().page(entries).document(); };
+    EXPECT_EQ(mediaBox(*boxes("/MediaBox [600 900 100 200]")), (Rect{100, 200, 500, 700}));
+    EXPECT_EQ(mediaBox(*boxes("/MediaBox [0 0 0 100]")), (Rect{0, 0, 612, 792}));
+    EXPECT_EQ(mediaBox(*boxes("/MediaBox [0 0 (a) 100]")), (Rect{0, 0, 612, 792}));
+    EXPECT_EQ(cropBox(*boxes("/CropBox [-10 -10 300 900]")), (Rect{0, 0, 300, 842}));
+    EXPECT_EQ(cropBox(*boxes("/CropBox [700 900 800 1000]")), (Rect{0, 0, 595, 842}));
+}
+
+TEST(PDFDocumentTest, ShowsTurnedPagesUpright) {
+    const auto document =
+        PdfBuilder().page("/Rotate -90 /MediaBox [0 0 200 100] /CropBox [0 0 50 100]").document();
+    EXPECT_EQ(mediaBox(*document), (Rect{0, 0, 100, 200}));
+    EXPECT_EQ(cropBox(*document), (Rect{0, 0, 100, 50}))
+        << "the left part of the page is at the foot when turned";
+}
+
+TEST(PDFDocumentTest, SurvivesLoopsRepeatsAndOddKidsInThePageTree) {
+    QByteArray bytes = pages(1).bytes();
+    bytes.replace("/Kids [ 3 0 R ]", "/Kids [ 2 0 R 3 0 R (x) 3 0 R 99 0 R ]");
+    const auto document = PDFDocument::fromData(bytes);
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->pageCount(), 2);
+}
+
+TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
+    QByteArray bytes = pages(3).bytes();
+    bytes.replace("/Pages 2 0 R", "/Pages 9 9 R");
+    const auto document = PDFDocument::fromData(bytes);
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->pageCount(), 3);
+}
+
+TEST(PDFDocumentTest, ReadsAFileWhoseTableIsGone) {
+    QByteArray bytes = pages(2).bytes();
+    bytes.remove(bytes.indexOf("xref"), bytes.indexOf("trailer") - bytes.indexOf("xref"));
+    const auto document = PDFDocument::fromData(bytes);
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->pageCount(), 2);
+}
