@@ -18,6 +18,8 @@ namespace {
 /// Fax scans have up to twice (standard mode) or four times (with halved lines) as many dots across as down.
 constexpr double maxPixelStretch = 4;
 
+constexpr int bytesPerPixel = 4;
+
 const QByteArray pngFormat = QByteArrayLiteral("png");
 const QByteArray jpegFormat = QByteArrayLiteral("jpeg");
 
@@ -36,7 +38,18 @@ QImage decode(const QByteArray& data, const QByteArray& format) {
     QImageReader::setAllocationLimit(Image::maxDecodedMegabytes);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
+    // Checked for all depths alike, since a picture of one bit a pixel grows when it is unpacked.
+    const QSize size = reader.size();
+    if (qint64(size.width()) * size.height() * bytesPerPixel > qint64(Image::maxDecodedMegabytes) << 20)
+        return {};
     return reader.read();
+}
+
+/// Pixels that hold their own colour: a picture with a palette cannot be scaled smoothly.
+QImage unpacked(const QImage& image) {
+    if (image.depth() > 8 || image.format() == QImage::Format_Grayscale8)
+        return image;
+    return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
 }
 
 QImage inSRGB(QImage image) {
@@ -54,7 +67,7 @@ std::optional<Image> Image::fromData(const QByteArray& data) {
     const QByteArray format = detectFormat(data);
     if (format.isEmpty())
         return std::nullopt;
-    QImage pixels = inSRGB(decode(data, format));
+    QImage pixels = inSRGB(unpacked(decode(data, format)));
     if (pixels.isNull())
         return std::nullopt;
     return Image(std::move(pixels), format == pngFormat ? data : QByteArray());

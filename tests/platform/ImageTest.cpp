@@ -48,6 +48,17 @@ TEST(ImageTest, RefusesAPictureWhosePixelsDoNotFitTheLimit) {
     EXPECT_FALSE(Image::fromData(png));
 }
 
+TEST(ImageTest, UnpacksPalettesSoThatTheyScaleSmoothly) {
+    QImage palette(2, 1, QImage::Format_Mono);
+    palette.setColorTable({qRgb(255, 0, 255), qRgba(0, 0, 0, 0)});
+    palette.setPixel(0, 0, 0);
+    palette.setPixel(1, 0, 1);
+    const QImage pixels = Image::fromData(pngOf(palette))->pixels();
+    EXPECT_EQ(pixels.depth(), 32);
+    EXPECT_EQ(pixels.pixelColor(0, 0), QColor(255, 0, 255));
+    EXPECT_EQ(pixels.pixelColor(1, 0).alpha(), 0);
+}
+
 TEST(ImageTest, ConvertsColoursToSRGB) {
     QImage wide = plainImage(4, 4, QColor(0, 255, 0));
     wide.setColorSpace(QColorSpace(QColorSpace::AdobeRgb));
