@@ -3,13 +3,12 @@
 #include "platform/pdf/ObjectCopier.h"
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/PDFSource.h"
+#include "platform/pdf/Qpdf.h"
 
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <qpdf/QPDF.hh>
 
 namespace vellmora {
 
