@@ -3,6 +3,8 @@
 #include "editor/StampGeometry.h"
 #include "platform/colors/SystemColors.h"
 
+#include <utility>
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -25,8 +27,8 @@ QColor white(float alpha) {
 
 }  // namespace
 
-InteractiveStampView::InteractiveStampView(const StampItem& stamp, StampPictures& pictures, QWidget* overlay)
-    : QWidget(overlay), m_pictures(pictures), m_stamp(stamp) {
+InteractiveStampView::InteractiveStampView(StampItem stamp, StampPictures& pictures, QWidget* overlay)
+    : QWidget(overlay), m_pictures(pictures), m_stamp(std::move(stamp)) {
     setFocusPolicy(Qt::ClickFocus);
     setMouseTracking(true);
 }

@@ -25,7 +25,7 @@ public:
     enum class DragMode { move, resize };
 
     /// `pictures` must outlive the view. The owner sets the frame.
-    InteractiveStampView(const StampItem& stamp, StampPictures& pictures, QWidget* overlay);
+    InteractiveStampView(StampItem stamp, StampPictures& pictures, QWidget* overlay);
 
     const StampItem& stamp() const { return m_stamp; }
     void setStamp(const StampItem& stamp);

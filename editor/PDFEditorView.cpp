@@ -5,8 +5,8 @@
 
 namespace vellmora {
 
-PDFEditorView::Coordinator::Coordinator(PDFEditorView parent, QObject* owner)
-    : QObject(owner), m_parent(std::move(parent)) {}
+PDFEditorView::Coordinator::Coordinator(const PDFEditorView& parent, QObject* owner)
+    : QObject(owner), m_parent(parent) {}
 
 void PDFEditorView::Coordinator::setPageIndex(qsizetype index) {
     m_parent.currentPageIndex.setValue(index);

@@ -27,7 +27,7 @@ struct PDFEditorView {
 /// Writes the host's reports into the bindings of the bridge that it was made from.
 class PDFEditorView::Coordinator : public QObject {
 public:
-    Coordinator(PDFEditorView parent, QObject* owner);
+    Coordinator(const PDFEditorView& parent, QObject* owner);
 
     void setPageIndex(qsizetype index);
     /// A stamp that is no longer in its page's list is dropped silently.

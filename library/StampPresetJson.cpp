@@ -88,7 +88,7 @@ std::optional<QList<StampPreset>> decodePresets(const QByteArray& json) {
     if (!document.isArray())
         return std::nullopt;
     QList<StampPreset> presets;
-    for (const QJsonValue& value : document.array()) {
+    for (const QJsonValue value : document.array()) {
         const std::optional<StampPreset> preset = decodePreset(value);
         if (!preset)
             return std::nullopt;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <qpdf/QPDF.hh>
+#include "platform/pdf/Qpdf.h"
 
 namespace vellmora {
 

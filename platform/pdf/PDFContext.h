@@ -24,6 +24,8 @@ public:
     /// Nothing where the library beneath cannot start a document.
     static std::unique_ptr<PDFContext> create(PDFDataConsumer& consumer);
     ~PDFContext();
+    PDFContext(const PDFContext&) = delete;
+    PDFContext& operator=(const PDFContext&) = delete;
 
     /// `mediaBox` in points.
     void beginPage(const Rect& mediaBox);
@@ -49,7 +51,7 @@ public:
     void close();
 
 private:
-    PDFContext(PDFDataConsumer& consumer);
+    explicit PDFContext(PDFDataConsumer& consumer);
 
     class Writer;
     std::unique_ptr<Writer> m_writer;

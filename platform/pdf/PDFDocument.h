@@ -25,6 +25,8 @@ public:
 
     explicit PDFDocument(std::unique_ptr<PDFSource> source);
     ~PDFDocument();
+    PDFDocument(const PDFDocument&) = delete;
+    PDFDocument& operator=(const PDFDocument&) = delete;
 
     qsizetype pageCount() const;
     /// Nothing for an index outside 0 … pageCount − 1.

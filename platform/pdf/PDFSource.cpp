@@ -3,12 +3,13 @@
 #include "platform/pdf/PageTree.h"
 
 #include <exception>
+#include <utility>
 
 #include <qpdf/QPDFLogger.hh>
 
 namespace vellmora {
 
-PDFSource::PDFSource(const QByteArray& bytes) : m_bytes(bytes) {
+PDFSource::PDFSource(QByteArray bytes) : m_bytes(std::move(bytes)) {
     const auto silent = QPDFLogger::create();
     silent->setInfo(silent->discard());
     silent->setWarn(silent->discard());

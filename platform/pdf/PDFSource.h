@@ -1,13 +1,12 @@
 #pragma once
 
 #include "platform/pdf/PageOrientation.h"
+#include "platform/pdf/Qpdf.h"
 
 #include <memory>
 #include <vector>
 
 #include <QByteArray>
-
-#include <qpdf/QPDF.hh>
 
 namespace vellmora {
 
@@ -30,7 +29,7 @@ public:
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:
-    explicit PDFSource(const QByteArray& bytes);
+    explicit PDFSource(QByteArray bytes);
 
     QByteArray m_bytes;
     QPDF m_qpdf;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QImage>
+#include "platform/pdf/Qpdf.h"
 
-#include <qpdf/QPDF.hh>
+#include <QImage>
 
 namespace vellmora {
 

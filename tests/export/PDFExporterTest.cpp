@@ -1,5 +1,6 @@
 #include "export/PDFExportError.h"
 #include "export/PDFExporter.h"
+#include "platform/pdf/Qpdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
@@ -10,8 +11,6 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-
-#include <qpdf/QPDF.hh>
 
 using namespace vellmora;
 using namespace vellmora::test;

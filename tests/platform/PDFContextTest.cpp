@@ -2,11 +2,10 @@
 #include "platform/pdf/ContentText.h"
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/PageDrawing.h"
+#include "platform/pdf/Qpdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
-
-#include <qpdf/QPDF.hh>
 
 using namespace vellmora;
 using namespace vellmora::test;
