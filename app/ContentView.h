@@ -63,7 +63,15 @@ public:
     /// Proposed name for "Speichern unter…".
     QString defaultSaveAsFilename() const;
 
+Q_SIGNALS:
+    /// Around work that may take long: reading or writing a document. No panel is open in between.
+    void willWork();
+    void didWork();
+
 private:
+    /// Emits `willWork` and `didWork` around its life.
+    class WorkScope;
+
     void finishDrop(const std::optional<QByteArray>& data, const std::optional<ItemLoadError>& error);
     void addStampToCurrentPage(const Image& image, const QUuid& presetID);
     QByteArray sharedWithPlacedStamps(const QByteArray& imageData) const;

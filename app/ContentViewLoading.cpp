@@ -1,4 +1,5 @@
 #include "app/ContentView.h"
+#include "app/WorkScope.h"
 #include "platform/files/SecurityScopedAccess.h"
 
 #include <algorithm>
@@ -44,6 +45,7 @@ void ContentView::finishDrop(const std::optional<QByteArray>& data,
 
 void ContentView::loadPDF(const QUrl& url) {
     const SecurityScopedAccess access(url);
+    const WorkScope work(*this);
     const auto document = PDFDocument::open(url);
     if (!document) {
         statusText = QStringLiteral("PDF konnte nicht geladen werden.");

@@ -1,4 +1,5 @@
 #include "app/ContentView.h"
+#include "app/WorkScope.h"
 #include "export/PDFExporter.h"
 #include "platform/error/Error.h"
 #include "platform/files/SecurityScopedAccess.h"
@@ -27,6 +28,7 @@ void ContentView::saveOverOriginalPDF() {
         return;
     }
     const SecurityScopedAccess access(*url);
+    const WorkScope work(*this);
     try {
         PDFExporter::replaceOriginal(*document, stampsByPage, *url);
         pdfSourceURL = url;
@@ -47,6 +49,7 @@ void ContentView::saveAsNewPDF() {
         return;
     }
     const SecurityScopedAccess access(*url);
+    const WorkScope work(*this);
     try {
         PDFExporter::save(*document, stampsByPage, *url);
         pdfSourceURL = url;

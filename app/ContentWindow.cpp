@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QGuiApplication>
 
 namespace vellmora {
 
@@ -26,8 +27,12 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
     observe(m_content->statusText);
     observe(m_content->isPDFDropTargeted);
     observe(m_content->pdfSourceURL);
-    connect(&m_content->stampLibrary(), &StampLibrary::objectWillChange, this,
-            &ContentWindow::scheduleRefresh);
+    connect(&m_content->stampLibrary(), &StampLibrary::objectWillChange, this, [this] {
+        m_hasLibraryChanged = true;
+        scheduleRefresh();
+    });
+    connect(m_content.get(), &ContentView::willWork, this, &ContentWindow::beginWork);
+    connect(m_content.get(), &ContentView::didWork, this, &ContentWindow::endWork);
     refresh();
 }
 
@@ -36,7 +41,7 @@ ContentWindow::~ContentWindow() = default;
 QList<Command> ContentWindow::makeCommands() {
     ContentView& content = *m_content;
     using SaveMode = ContentView::SaveMode;
-    return {
+    QList<Command> commands{
         {QStringLiteral("PDF öffnen"), QKeySequence(Qt::CTRL | Qt::Key_O), [&] { content.openPDF(); }},
         {QStringLiteral("Stempel importieren"), QKeySequence(Qt::CTRL | Qt::Key_I),
          [&] { content.importStampToLibrary(); }},
@@ -49,6 +54,25 @@ QList<Command> ContentWindow::makeCommands() {
         {ContentView::actionLabel(SaveMode::saveAs), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
          [&] { content.beginSaveFlow(SaveMode::saveAs); }},
     };
+    for (Command& command : commands) {
+        command.run = [this, run = command.run] {
+            if (!m_isWorking)
+                run();
+        };
+    }
+    return commands;
+}
+
+void ContentWindow::beginWork() {
+    m_isWorking = true;
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+/// What the user clicked meanwhile is delivered now, and runs no second command.
+void ContentWindow::endWork() {
+    QCoreApplication::processEvents();
+    QGuiApplication::restoreOverrideCursor();
+    m_isWorking = false;
 }
 
 /// In the order of `makeCommands`.
@@ -68,10 +92,12 @@ MainWindow::Callbacks ContentWindow::makeCallbacks() {
     ContentView& content = *m_content;
     MainWindow::Callbacks callbacks;
     callbacks.commands = makeCommands();
-    callbacks.sidebar.library = {
-        [&](const QUuid& id) { content.stampLibrary().selectPreset(id); },
+    callbacks.sidebar = {
+        [&](const StampPreset& preset) { content.stampLibrary().selectPreset(preset.id); },
         [&](const StampPreset& preset) { content.addStampToCurrentPage(preset); },
-        [&](const StampPreset& preset) { return content.stampLibrary().image(preset); },
+        [&](const StampPreset& preset) { content.removePreset(preset.id); },
+        [&] { content.importStampToLibrary(); },
+        [&](const StampPreset& preset) { return content.stampLibrary().pictureSource(preset); },
     };
     callbacks.onDropTargeted = [&](bool isTargeted) { content.isPDFDropTargeted = isTargeted; };
     callbacks.onDrop = [&](const ItemProviders& providers) { return content.handlePDFDrop(providers); };
@@ -101,17 +127,41 @@ bool ContentWindow::event(QEvent* event) {
 
 void ContentWindow::refresh() {
     const bool hasDocument = m_content->pdfDocument.value() != nullptr;
-    if (hasDocument && !m_editor) {
-        m_editor = m_bridge.makeView(m_renderer, &m_window->editorArea());
-        m_window->editorArea().setEditor(m_editor);
-        m_editor->setFocus();
-    }
+    if (hasDocument && !m_editor)
+        makeEditor();
     m_window->commandBar().setData({enabledCommands(), m_content->statusText});
-    const StampLibrary& library = m_content->stampLibrary();
-    m_window->sidebar().setData({{library.presets(), library.selectedPresetID()}});
+    m_window->sidebar().setFigures(workspaceFigures());
+    if (std::exchange(m_hasLibraryChanged, false))
+        m_window->sidebar().setLibrary(libraryContent());
     m_window->editorArea().setData({hasDocument, m_content->isPDFDropTargeted});
     if (m_editor)
         m_bridge.updateView(*m_editor);
+}
+
+void ContentWindow::makeEditor() {
+    m_editor = m_bridge.makeView(m_renderer, &m_window->editorArea());
+    m_editor->nameOfStamp = [this](const StampItem& stamp) { return nameOfStamp(stamp); };
+    m_window->editorArea().setEditor(m_editor);
+    m_editor->setFocus();
+}
+
+QString ContentWindow::nameOfStamp(const StampItem& stamp) const {
+    for (const StampPreset& preset : m_content->stampLibrary().presets()) {
+        if (preset.id == stamp.presetID)
+            return QStringLiteral("Stempel ") + preset.displayName;
+    }
+    return QStringLiteral("Stempel");
+}
+
+WorkspaceFigures ContentWindow::workspaceFigures() const {
+    const qsizetype onPage = m_content->stampsByPage.value().value(m_content->currentPageIndex).size();
+    return {m_content->pageDisplayText(), m_content->totalStampCount(), onPage,
+            m_content->pdfDocument.value() != nullptr};
+}
+
+LibraryContent ContentWindow::libraryContent() const {
+    const StampLibrary& library = m_content->stampLibrary();
+    return {library.presets(), library.recentPresets(), library.selectedPreset(), library.selectedPresetID()};
 }
 
 }  // namespace vellmora

@@ -38,7 +38,13 @@ private:
     void observe(QProperty<T>& field);
     void scheduleRefresh();
     void refresh();
+    void beginWork();
+    void endWork();
+    void makeEditor();
+    QString nameOfStamp(const StampItem& stamp) const;
     QList<bool> enabledCommands() const;
+    WorkspaceFigures workspaceFigures() const;
+    LibraryContent libraryContent() const;
 
     std::unique_ptr<ContentView> m_content;
     PageRenderer& m_renderer;
@@ -47,6 +53,8 @@ private:
     EditorHostView* m_editor = nullptr;
     std::vector<QPropertyNotifier> m_observers;
     bool m_isRefreshScheduled = false;
+    bool m_hasLibraryChanged = true;
+    bool m_isWorking = false;
 };
 
 }  // namespace vellmora

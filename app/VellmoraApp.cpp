@@ -1,5 +1,8 @@
 #include "app/VellmoraApp.h"
 
+#include "editor/StampViewAccessible.h"
+#include "ui/PresetItemAccessible.h"
+
 #include <QLocale>
 
 // The toolkit's macro must be called outside of any namespace.
@@ -14,6 +17,8 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(argc, argv) {
     QApplication::setApplicationDisplayName(QStringLiteral("Vellmora"));
     QGuiApplication::setDesktopFileName(QStringLiteral("vellmora"));
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    installPresetItemAccessibility();
+    installStampViewAccessibility();
     initializeTranslationResources();
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);

@@ -101,6 +101,7 @@ InteractiveStampView* EditorHostView::makeStampView(const StampItem& stamp) {
             onStampSelected(id);
     };
     view->onFrameChanged = [this](const QUuid& id, const Rect& frame) { updateStampRect(id, frame); };
+    view->setAccessibleName(nameOfStamp ? nameOfStamp(stamp) : QStringLiteral("Stempel"));
     m_stampViews.insert(stamp.id, view);
     view->show();
     return view;

@@ -35,6 +35,8 @@ public:
     std::function<void(const StampItem&)> onStampChanged;
     /// A click on a stamp.
     std::function<void(std::optional<QUuid>)> onStampSelected;
+    /// What a screen reader calls a stamp.
+    std::function<QString(const StampItem&)> nameOfStamp;
     /// The page now on screen.
     std::function<void(qsizetype)> onPageChanged;
 

@@ -16,6 +16,7 @@ constexpr double borderInset = 0.5;
 constexpr double selectedBorderWidth = 2;
 constexpr double borderWidth = 1;
 constexpr double handleCornerRadius = 3;
+constexpr double focusInset = 3;
 constexpr float borderAlpha = 0.75F;
 constexpr float handleAlpha = 0.9F;
 
@@ -29,7 +30,7 @@ QColor white(float alpha) {
 
 InteractiveStampView::InteractiveStampView(StampItem stamp, StampPictures& pictures, QWidget* overlay)
     : QWidget(overlay), m_pictures(pictures), m_stamp(std::move(stamp)) {
-    setFocusPolicy(Qt::ClickFocus);
+    setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
 }
 
@@ -132,17 +133,45 @@ void InteractiveStampView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_picture)
         m_picture->draw(painter, frame);
+    paintBorder(painter, frame);
+    paintHandle(painter, frame);
+}
 
+void InteractiveStampView::paintBorder(QPainter& painter, const QRectF& frame) const {
+    const QRectF border = frame.adjusted(borderInset, borderInset, -borderInset, -borderInset);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(m_isSelectedStamp ? QPen(colors::systemBlue, selectedBorderWidth)
                                      : QPen(white(borderAlpha), borderWidth));
-    painter.drawRect(frame.adjusted(borderInset, borderInset, -borderInset, -borderInset));
+    painter.drawRect(border);
+    if (m_showsKeyboardFocus) {
+        painter.setPen(QPen(Qt::black, borderWidth, Qt::DashLine));
+        painter.drawRect(border.adjusted(focusInset, focusInset, -focusInset, -focusInset));
+    }
+}
 
+void InteractiveStampView::paintHandle(QPainter& painter, const QRectF& frame) const {
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_isSelectedStamp ? colors::systemBlue : white(handleAlpha));
     const Rect handle = stampgeometry::resizeHandleRect(bounds());
     painter.drawRoundedRect(toToolkit(handle, frame.height()).translated(frame.topLeft()), handleCornerRadius,
                             handleCornerRadius);
+}
+
+void InteractiveStampView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Space)
+        return QWidget::keyPressEvent(event);
+    if (onSelect)
+        onSelect(m_stamp.id);
+}
+
+void InteractiveStampView::focusInEvent(QFocusEvent* event) {
+    m_showsKeyboardFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    update();
+}
+
+void InteractiveStampView::focusOutEvent(QFocusEvent*) {
+    m_showsKeyboardFocus = false;
+    update();
 }
 
 }  // namespace vellmora

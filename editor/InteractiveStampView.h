@@ -48,6 +48,9 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -58,6 +61,8 @@ private:
     Rect proposedFrame(Point mouse) const;
     void updateCursor(Point point);
     void reportFrame();
+    void paintBorder(QPainter& painter, const QRectF& frame) const;
+    void paintHandle(QPainter& painter, const QRectF& frame) const;
 
     StampPictures& m_pictures;
     std::shared_ptr<const StampPicture> m_picture;
@@ -68,6 +73,7 @@ private:
     Point m_initialMouseLocationInSuperview;
     Rect m_initialFrame;
     bool m_isDraggingInteractively = false;
+    bool m_showsKeyboardFocus = false;
 };
 
 }  // namespace vellmora

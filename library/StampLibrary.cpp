@@ -46,6 +46,15 @@ std::optional<Image> StampLibrary::image(const StampPreset& preset) const {
     return Image::fromFile(filePath(preset));
 }
 
+PictureSource StampLibrary::pictureSource(const StampPreset& preset) const {
+    const QString path = filePath(preset);
+    const QFileInfo file(path);
+    if (path.isEmpty() || !file.exists())
+        return {};
+    const QString version = QStringLiteral("%1 %2 %3").arg(path).arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size());
+    return {version, [path] { return Image::fromFile(path); }};
+}
+
 std::optional<QUrl> StampLibrary::openImportPanel() {
     return m_environment.panels.runModal(
         OpenPanel{QStringLiteral("PNG-Stempel zur Bibliothek hinzufügen"), ContentType::png});

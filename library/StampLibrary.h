@@ -6,6 +6,7 @@
 #include "platform/files/Folders.h"
 #include "platform/fonts/SystemFonts.h"
 #include "platform/image/Image.h"
+#include "platform/image/PictureSource.h"
 #include "platform/panels/FilePanels.h"
 #include "platform/time/Clock.h"
 
@@ -65,6 +66,8 @@ public:
     /// The preset's picture, read from its file on every call; nothing where it is missing or cannot be
     /// decoded.
     std::optional<Image> image(const StampPreset& preset) const;
+    /// The same picture for a view that decodes it later, on a thread of its own.
+    PictureSource pictureSource(const StampPreset& preset) const;
     /// Asks the user for a PNG file; nothing when cancelled.
     std::optional<QUrl> openImportPanel();
 

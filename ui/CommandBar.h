@@ -1,13 +1,13 @@
 #pragma once
 
-#include "ui/ElidedLabel.h"
+#include "ui/Button.h"
+#include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
 #include <functional>
 
 #include <QKeySequence>
 #include <QList>
-#include <QPushButton>
 #include <QWidget>
 
 namespace vellmora {
@@ -24,6 +24,8 @@ class CommandBar : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr int padding = 12;
+
     struct Data {
         QList<bool> enabled;  ///< one for each command, in their order
         QString statusText;
@@ -33,11 +35,14 @@ public:
 
     void setData(const Data& newData);
 
-private:
-    void addShortcut(const Command& command, const QPushButton& button);
+protected:
+    void paintEvent(QPaintEvent* event) override;
 
-    QList<QPushButton*> m_buttons;
-    ElidedLabel* m_status;
+private:
+    void addShortcut(const Command& command, const Button& button);
+
+    QList<Button*> m_buttons;
+    TextLabel* m_status;
 };
 
 }  // namespace vellmora

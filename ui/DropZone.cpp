@@ -10,50 +10,100 @@ namespace {
 constexpr int horizontalPadding = 28;
 constexpr int verticalPadding = 26;
 constexpr int itemSpacing = 10;
+constexpr int symbolSize = 28;
+constexpr double titleSize = 18;
+constexpr double subtitleSize = 12;
 constexpr double cornerRadius = 20;
-constexpr double targetedBorder = 2.5;
-constexpr double border = 1.5;
 
-QLabel* makeLabel(const QString& text, const QFont& font, const QColor& color, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    label->setFont(font);
+constexpr double dash = 10;
+constexpr double gap = 8;
+constexpr double borderWidth = 1.5;
+constexpr double borderOpacity = 0.28;
+constexpr double targetedBorderWidth = 2.5;
+constexpr double targetedBorderOpacity = 0.95;
+
+constexpr int shadowRadius = 18;
+constexpr int shadowOffset = 8;
+constexpr double shadowOpacity = 0.22;
+
+QColor accentOnMaterial(const QPalette& palette) {
+    QColor material = Theme::dropZoneMaterial();
+    material.setAlpha(255);
+    return Theme::readable(Theme::accent(palette), material);
+}
+
+TextLabel* makeText(const QString& text, const QFont& font, double opacity, QWidget* parent) {
+    const auto color = [opacity](const QPalette&) { return Theme::onDark(opacity); };
+    auto* label = new TextLabel(text, font, color, parent);
     label->setAlignment(Qt::AlignCenter);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, color);
-    label->setPalette(palette);
     return label;
+}
+
+/// A soft shadow from rings, each a little larger and fainter than the one before.
+void paintShadow(QPainter& painter, const QRectF& frame) {
+    const QRectF shadow = frame.translated(0, shadowOffset);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::black(2 * shadowOpacity / shadowRadius));
+    for (int i = -shadowRadius / 2; i < shadowRadius / 2; ++i) {
+        const double spread = i;
+        painter.drawRoundedRect(shadow.adjusted(-spread, -spread, spread, spread), cornerRadius + spread,
+                                cornerRadius + spread);
+    }
 }
 
 }  // namespace
 
 DropZone::DropZone(const Theme& theme, QWidget* parent)
     : QWidget(parent),
-      m_title(makeLabel({}, theme.font(Theme::dropZoneTitleSize, QFont::DemiBold), Qt::white, this)) {
+      m_symbol(new SymbolView(Symbol::trayArrowDown, symbolSize, Theme::text, this)),
+      m_title(makeText({}, theme.font(titleSize, Theme::semibold), 1, this)) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
     auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(horizontalPadding, verticalPadding, horizontalPadding, verticalPadding);
+    constexpr int side = sidePadding + horizontalPadding;
+    constexpr int edge = shadowMargin + verticalPadding;
+    stack->setContentsMargins(side, edge, side, edge);
     stack->setSpacing(itemSpacing);
+    stack->addWidget(m_symbol, 0, Qt::AlignHCenter);
     stack->addWidget(m_title);
-    stack->addWidget(makeLabel(QStringLiteral("Unterstützt einzelne PDF-Dateien per Drag & Drop"),
-                               theme.font(Theme::dropZoneSubtitleSize), Theme::secondaryTextOnDark(), this));
+    stack->addWidget(makeText(QStringLiteral("Unterstützt einzelne PDF-Dateien per Drag & Drop"),
+                              theme.font(subtitleSize), 0.72, this));
     setTargeted(false);
 }
 
 void DropZone::setTargeted(bool isTargeted) {
     m_isTargeted = isTargeted;
+    if (isTargeted)
+        m_symbol->setSymbol(Symbol::documentArrowUp, accentOnMaterial);
+    else
+        m_symbol->setSymbol(Symbol::trayArrowDown, [](const QPalette&) { return Theme::onDark(0.9); });
     m_title->setText(isTargeted ? QStringLiteral("PDF jetzt loslassen") : QStringLiteral("PDF hier ablegen"));
     update();
+}
+
+void DropZone::setFrameArea(const QRect& area) {
+    setGeometry(area.adjusted(0, -shadowMargin, 0, shadowMargin));
 }
 
 void DropZone::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double width = m_isTargeted ? targetedBorder : border;
-    painter.setBrush(QColor(40, 40, 40, 235));
-    painter.setPen(QPen(m_isTargeted ? palette().color(QPalette::Highlight) : QColor(255, 255, 255, 71),
-                        width, Qt::DashLine));
+    const QRectF frame = QRectF(rect()).adjusted(sidePadding, shadowMargin, -sidePadding, -shadowMargin);
+    paintShadow(painter, frame);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.setBrush(Theme::dropZoneMaterial());
+    painter.drawRoundedRect(frame, cornerRadius, cornerRadius);
+
+    const double width = m_isTargeted ? targetedBorderWidth : borderWidth;
+    QPen pen(m_isTargeted ? Theme::withOpacity(accentOnMaterial(palette()), targetedBorderOpacity)
+                          : Theme::onDark(borderOpacity),
+             width);
+    pen.setDashPattern({dash / width, gap / width});
+    pen.setCapStyle(Qt::FlatCap);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
     const double inset = width / 2;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), cornerRadius,
-                            cornerRadius);
+    painter.drawRoundedRect(frame.adjusted(inset, inset, -inset, -inset), cornerRadius - inset,
+                            cornerRadius - inset);
 }
 
 }  // namespace vellmora

@@ -1,27 +1,38 @@
 #pragma once
 
+#include "ui/SymbolView.h"
+#include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
-#include <QLabel>
 #include <QWidget>
 
 namespace vellmora {
 
-/// The framed invitation to drop a PDF.
+/// The framed invitation to drop a PDF. The widget is larger than the frame that it shows: `shadowMargin`
+/// above and below and `sidePadding` left and right leave room for the frame's shadow.
 class DropZone : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr int sidePadding = 18;
+    static constexpr int shadowMargin = 26;
+
     DropZone(const Theme& theme, QWidget* parent);
 
     /// True while a drag hovers over the window.
     void setTargeted(bool isTargeted);
 
+    /// Height of the frame without the room for its shadow.
+    int frameHeight() const { return sizeHint().height() - 2 * shadowMargin; }
+    /// Puts the zone's frame, side padding included, into `area`.
+    void setFrameArea(const QRect& area);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QLabel* m_title;
+    SymbolView* m_symbol;
+    TextLabel* m_title;
     bool m_isTargeted = false;
 };
 

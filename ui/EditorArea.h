@@ -1,18 +1,22 @@
 #pragma once
 
 #include "ui/DropZone.h"
+#include "ui/EmptyState.h"
 #include "ui/Theme.h"
 
 #include <QWidget>
 
 namespace vellmora {
 
-/// The right part of the window: the page editor when a document is open, else an empty state that invites a
-/// drop.
+/// The right part of the window, in layers: the page editor when a document is open, else the empty state;
+/// and over the editor a drop zone while a drag hovers.
 class EditorArea : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr int overlayMaximumWidth = 440;
+    static constexpr int overlayPadding = 24;
+
     struct Data {
         bool hasDocument = false;
         bool isPDFDropTargeted = false;
@@ -24,17 +28,18 @@ public:
     void setEditor(QWidget* editor);
     void setData(const Data& newData);
 
+    EmptyState& emptyState() { return *m_emptyState; }
+    DropZone& overlay() { return *m_overlay; }
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QWidget* makeEmptyState(const Theme& theme);
     void layOut();
 
     QWidget* m_editor = nullptr;
-    DropZone* m_emptyZone = nullptr;
-    QWidget* m_emptyState;
+    EmptyState* m_emptyState;
     DropZone* m_overlay;
 };
 

@@ -1,19 +1,12 @@
 #include "ui/MainWindow.h"
 
+#include "ui/Divider.h"
+
 #include <QDropEvent>
-#include <QFrame>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
 namespace vellmora {
-
-static QFrame* makeDivider(QFrame::Shape shape, QWidget* parent) {
-    auto* line = new QFrame(parent);
-    line->setFrameShape(shape);
-    line->setFrameShadow(QFrame::Plain);
-    line->setForegroundRole(QPalette::Mid);
-    return line;
-}
 
 MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
     : m_callbacks(callbacks),
@@ -21,18 +14,18 @@ MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
       m_sidebar(new Sidebar(callbacks.sidebar, theme, this)),
       m_editorArea(new EditorArea(theme, this)) {
     setWindowTitle(QStringLiteral("Vellmora"));
-    setMinimumSize(Theme::minimumWindowWidth, Theme::minimumWindowHeight);
+    setMinimumSize(minimumContentSize);
     setAcceptDrops(true);
 
     auto* stack = new QVBoxLayout(this);
     stack->setContentsMargins({});
     stack->setSpacing(0);
     stack->addWidget(m_commandBar);
-    stack->addWidget(makeDivider(QFrame::HLine, this));
+    stack->addWidget(new Divider(Qt::Horizontal, this));
     auto* workRow = new QHBoxLayout;
     workRow->setSpacing(0);
     workRow->addWidget(m_sidebar);
-    workRow->addWidget(makeDivider(QFrame::VLine, this));
+    workRow->addWidget(new Divider(Qt::Vertical, this));
     workRow->addWidget(m_editorArea, 1);
     stack->addLayout(workRow, 1);
 }

@@ -18,9 +18,11 @@ class MainWindow : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr QSize minimumContentSize{1220, 800};
+
     struct Callbacks {
         QList<Command> commands;
-        Sidebar::Callbacks sidebar;
+        SidebarCallbacks sidebar;
         std::function<void(bool)> onDropTargeted;
         /// True where the drop is accepted.
         std::function<bool(const ItemProviders&)> onDrop;

@@ -1,20 +1,89 @@
 #include "ui/Sidebar.h"
 
+#include "ui/GuideBox.h"
+#include "ui/ThinScrollBar.h"
+
+#include <QEvent>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace vellmora {
 
-Sidebar::Sidebar(const Callbacks& callbacks, const Theme& theme, QWidget* parent)
-    : QWidget(parent), m_library(new LibraryList(callbacks.library, theme, this)) {
-    setFixedWidth(Theme::sidebarWidth);
-    auto* stack = new QVBoxLayout(this);
-    constexpr int padding = Theme::sidebarPadding;
-    stack->setContentsMargins(padding, padding, padding, padding);
-    stack->addWidget(m_library);
+Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget* parent)
+    : QScrollArea(parent),
+      m_thumbnails(new Thumbnails(this)),
+      m_column(new QWidget(this)),
+      m_statistics(new StatisticsBox(theme, m_column)),
+      m_active(new ActiveStampBox(callbacks, *m_thumbnails, theme, m_column)),
+      m_recents(new RecentsBox(callbacks, *m_thumbnails, theme, m_column)),
+      m_library(new LibraryBox(callbacks, *m_thumbnails, theme, m_column)) {
+    setFixedWidth(columnWidth);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBar(new ThinScrollBar(this));
+    setFocusPolicy(Qt::NoFocus);
+
+    auto* stack = new QVBoxLayout(m_column);
+    stack->setContentsMargins(padding, padding, 0, padding);
+    stack->setSpacing(boxSpacing);
+    auto* guide = new GuideBox(theme, m_column);
+    for (QWidget* box :
+         std::initializer_list<QWidget*>{m_statistics, m_active, m_recents, m_library, guide}) {
+        box->setFixedWidth(columnWidth - 2 * padding);
+        stack->addWidget(box);
+    }
+    stack->addStretch();
+    setWidget(m_column);
+    setWidgetResizable(true);
+    m_library->grid().installEventFilter(this);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &Sidebar::showTilesInSight);
+    applyPalette();
 }
 
-void Sidebar::setData(const Data& newData) {
-    m_library->setData(newData.library);
+void Sidebar::applyPalette() {
+    QPalette ground;
+    ground.setColor(QPalette::Window, Theme::controlBackground(QPalette()));
+    viewport()->setPalette(ground);
+    viewport()->setAutoFillBackground(true);
+}
+
+void Sidebar::changeEvent(QEvent* event) {
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        applyPalette();
+}
+
+void Sidebar::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    showTilesInSight();
+}
+
+/// The grid moves where a box above it comes, goes or grows.
+bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(this, &Sidebar::showTilesInSight, Qt::QueuedConnection);
+    return QScrollArea::eventFilter(watched, event);
+}
+
+void Sidebar::showTilesInSight() {
+    PresetGrid& grid = m_library->grid();
+    const int top = grid.mapFrom(viewport(), QPoint(0, 0)).y();
+    grid.setVisibleSpan(top, top + viewport()->height());
+}
+
+void Sidebar::setFigures(const WorkspaceFigures& figures) {
+    if (figures == m_figures)
+        return;
+    m_figures = figures;
+    m_statistics->setFigures(figures);
+    m_active->setHasDocument(figures.hasDocument);
+}
+
+void Sidebar::setLibrary(const LibraryContent& library) {
+    m_statistics->setLibraryCount(library.presets.size());
+    m_active->setPreset(library.selectedPreset);
+    m_recents->setPresets(library.recentPresets, library.selectedPresetID);
+    m_library->setPresets(library.presets, library.selectedPresetID);
 }
 
 }  // namespace vellmora

@@ -1,30 +1,46 @@
 #pragma once
 
-#include "ui/LibraryList.h"
+#include "ui/ActiveStampBox.h"
+#include "ui/LibraryBox.h"
+#include "ui/RecentsBox.h"
+#include "ui/SidebarData.h"
+#include "ui/StatisticsBox.h"
 #include "ui/Theme.h"
 
-#include <QWidget>
+#include <QScrollArea>
 
 namespace vellmora {
 
-/// The left column of the window.
-class Sidebar : public QWidget {
+/// The left column of the window: five boxes, scrolled vertically.
+class Sidebar : public QScrollArea {
     Q_OBJECT
 
 public:
-    struct Data {
-        LibraryList::Data library;
-    };
-    struct Callbacks {
-        LibraryList::Callbacks library;
-    };
+    static constexpr int columnWidth = 330;
+    static constexpr int padding = 16;
+    static constexpr int boxSpacing = 16;
 
-    Sidebar(const Callbacks& callbacks, const Theme& theme, QWidget* parent);
+    Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget* parent);
 
-    void setData(const Data& newData);
+    void setFigures(const WorkspaceFigures& figures);
+    void setLibrary(const LibraryContent& library);
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    LibraryList* m_library;
+    void applyPalette();
+    void showTilesInSight();
+
+    Thumbnails* m_thumbnails;
+    QWidget* m_column;
+    StatisticsBox* m_statistics;
+    ActiveStampBox* m_active;
+    RecentsBox* m_recents;
+    LibraryBox* m_library;
+    WorkspaceFigures m_figures;
 };
 
 }  // namespace vellmora

@@ -1,22 +1,89 @@
 #include "ui/Theme.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace vellmora {
 
-static QColor withAlpha(QColor color, float alpha) {
-    color.setAlphaF(alpha);
-    return color;
+namespace {
+
+constexpr double readableContrast = 4.5;
+
+double linear(double channel) {
+    return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
 }
 
-QColor Theme::editorBackground() {
-    return withAlpha(Qt::black, 0.92F);
+double luminance(const QColor& color) {
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+/// `share` of `top` over an opaque ground.
+QColor mixed(const QColor& top, const QColor& ground, double share) {
+    const auto channel = [share](int a, int b) {
+        return static_cast<int>(std::lround(a * share + b * (1 - share)));
+    };
+    return {channel(top.red(), ground.red()), channel(top.green(), ground.green()),
+            channel(top.blue(), ground.blue())};
+}
+
+QColor textOver(const QPalette& palette, QPalette::ColorRole ground, double share) {
+    return mixed(Theme::text(palette), palette.color(QPalette::Active, ground), share);
+}
+
+}  // namespace
+
+double Theme::contrast(const QColor& a, const QColor& b) {
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor Theme::readable(const QColor& color, const QColor& ground) {
+    const QColor goal = contrast(Qt::white, ground) > contrast(Qt::black, ground) ? Qt::white : Qt::black;
+    QColor result = color;
+    for (double share = 0; contrast(result, ground) < readableContrast && share < 1; share += 0.02)
+        result = mixed(goal, color, share);
+    return result;
 }
 
 QColor Theme::secondaryText(const QPalette& palette) {
-    return withAlpha(palette.color(QPalette::WindowText), 0.68F);
+    return readable(textOver(palette, QPalette::Base, 0.66), boxBackground(palette));
 }
 
-QColor Theme::secondaryTextOnDark() {
-    return withAlpha(Qt::white, 0.72F);
+QColor Theme::commandBarBackground(const QPalette& palette) {
+    return textOver(palette, QPalette::Window, 0.02);
+}
+
+QColor Theme::divider(const QPalette& palette) {
+    return textOver(palette, QPalette::Base, 0.16);
+}
+
+QColor Theme::boxBackground(const QPalette& palette) {
+    return textOver(palette, QPalette::Base, 0.035);
+}
+
+QColor Theme::buttonBackground(const QPalette& palette) {
+    return textOver(palette, QPalette::Base, 0.11);
+}
+
+QColor Theme::editorBackground() {
+    return black(0.92);
+}
+
+QColor Theme::dropZoneMaterial() {
+    return {38, 38, 40, 236};
+}
+
+QColor Theme::onDark(double opacity) {
+    return withOpacity(Qt::white, opacity);
+}
+
+QColor Theme::black(double opacity) {
+    return withOpacity(Qt::black, opacity);
+}
+
+QColor Theme::withOpacity(QColor color, double opacity) {
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
 }
 
 }  // namespace vellmora

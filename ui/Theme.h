@@ -2,41 +2,60 @@
 
 #include "platform/fonts/SystemFonts.h"
 
+#include <utility>
+
 #include <QColor>
 #include <QFont>
 #include <QPalette>
 
 namespace vellmora {
 
-/// The one place for the window's fonts, colours and sizes. Sizes in view points.
+/// The one place for the window's fonts and colours, and for the sizes that more than one view needs. Sizes
+/// in view points. Colours follow the palette that is handed in, light or dark.
 class Theme {
 public:
     explicit Theme(SystemFonts fonts) : m_fonts(std::move(fonts)) {}
 
-    static constexpr int minimumWindowWidth = 1220;
-    static constexpr int minimumWindowHeight = 800;
-    static constexpr int sidebarWidth = 330;
-    static constexpr int sidebarPadding = 16;
-    static constexpr int commandBarPadding = 12;
-    static constexpr int emptyStateSpacing = 18;
-    static constexpr int dropZoneMaxWidth = 420;
-    static constexpr int dropOverlayMaxWidth = 440;
-    static constexpr int dropOverlayPadding = 24;
+    static constexpr QFont::Weight regular = QFont::Normal;
+    static constexpr QFont::Weight medium = QFont::Medium;
+    static constexpr QFont::Weight semibold = QFont::DemiBold;
 
-    static constexpr double controlTextSize = 13;
-    static constexpr double statusTextSize = 12;
-    static constexpr double emptyStateTitleSize = 15;
-    static constexpr double dropZoneTitleSize = 18;
-    static constexpr double dropZoneSubtitleSize = 12;
+    static constexpr double bodySize = 13;
+    static constexpr double titleSize = 15;
 
-    QFont font(double size, QFont::Weight weight = QFont::Normal) const { return m_fonts.font(size, weight); }
+    QFont font(double size, QFont::Weight weight = regular) const { return m_fonts.font(size, weight); }
 
-    /// Black at 92 %, over whatever the window shows behind the editor area.
-    static QColor editorBackground();
-    /// Dimmed text on the window's own background.
+    /// Contrast of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").
+    static double contrast(const QColor& a, const QColor& b);
+    /// `color` made lighter or darker until it has a contrast of at least 4.5 : 1 to `ground`.
+    static QColor readable(const QColor& color, const QColor& ground);
+
+    // Of the active window's colours throughout: an inactive window and a disabled control keep theirs.
+    static QColor text(const QPalette& palette) {
+        return palette.color(QPalette::Active, QPalette::WindowText);
+    }
     static QColor secondaryText(const QPalette& palette);
-    /// Dimmed text on the dark editor area.
-    static QColor secondaryTextOnDark();
+    static QColor accent(const QPalette& palette) {
+        return palette.color(QPalette::Active, QPalette::Highlight);
+    }
+
+    /// Ground of the sidebar: the system's control background.
+    static QColor controlBackground(const QPalette& palette) {
+        return palette.color(QPalette::Active, QPalette::Base);
+    }
+    /// Ground of the command bar: the window's, a little set apart.
+    static QColor commandBarBackground(const QPalette& palette);
+    static QColor divider(const QPalette& palette);
+    static QColor boxBackground(const QPalette& palette);
+    static QColor buttonBackground(const QPalette& palette);
+
+    /// The editor area lies on black and drop zones on a dark material in light and dark alike.
+    static QColor editorBackground();
+    static QColor dropZoneMaterial();
+    static QColor onDark(double opacity);
+
+    static QColor black(double opacity);
+    static QColor withOpacity(QColor color, double opacity);
 
 private:
     SystemFonts m_fonts;

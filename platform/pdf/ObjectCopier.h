@@ -13,7 +13,7 @@ public:
 
     /// The object's counterpart in the output. References to pages become null: a page brings only what it
     /// draws.
-    QPDFObjectHandle copy(QPDFObjectHandle object) { return copy(std::move(object), maxNesting); }
+    QPDFObjectHandle copy(const QPDFObjectHandle& object) { return copy(object, maxNesting); }
 
 private:
     static constexpr int maxNesting = 200;  ///< of direct objects within one another

@@ -1,5 +1,6 @@
 #include "platform/text/Dates.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 #include <QTimeZone>
 
@@ -22,12 +23,17 @@ std::optional<QDateTime> parseInternetDateTime(const QString& text) {
     const int minutes = match.captured(5).toInt();
     if (!day.isValid() || !time.isValid() || hours > 23 || minutes > 59)
         return std::nullopt;
-    const qint64 offset = (hours * 60 + minutes) * 60 * (match.captured(3) == QStringLiteral("-") ? -1 : 1);
+    const qint64 offset = qint64{60} * (hours * 60 + minutes) * (match.captured(3) == QStringLiteral("-") ? -1 : 1);
     return QDateTime(day, time, QTimeZone::utc()).addSecs(-offset);
 }
 
 QString germanDateText(const QDateTime& date) {
     return date.toLocalTime().toString(QStringLiteral("dd.MM.yyyy"));
+}
+
+QString germanAbbreviatedDateText(const QDateTime& date) {
+    static const QLocale german(QLocale::German, QLocale::Germany);
+    return german.toString(date.toLocalTime(), QStringLiteral("d. MMM yyyy"));
 }
 
 }  // namespace vellmora

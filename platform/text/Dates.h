@@ -17,4 +17,7 @@ std::optional<QDateTime> parseInternetDateTime(const QString& text);
 /// Two-digit day, two-digit month and four-digit year in the user's time zone, for example 07.03.2025.
 QString germanDateText(const QDateTime& date);
 
+/// Day, abbreviated month and year in the user's time zone, for example "17. Mai 2024".
+QString germanAbbreviatedDateText(const QDateTime& date);
+
 }  // namespace vellmora

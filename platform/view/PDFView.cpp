@@ -21,6 +21,7 @@ constexpr int wheelNotch = 120;   // the toolkit's unit: eighths of a degree
 PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_renderer(renderer) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(QStringLiteral("Seitenansicht"));
 }
 
 void PDFView::setAutoScales(bool autoScales) {

@@ -82,10 +82,9 @@ protected:
 TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     open("Vertrag.pdf");
     EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
-    auto& list = *shown->window().findChild<LibraryList*>();
-    const QRect second = list.visualItemRect(list.item(1));
-    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, second.center());
-    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, second.center());
+    PresetTile& second = *shown->window().findChildren<PresetTile*>().at(1);
+    QTest::mouseClick(&second, Qt::LeftButton, {}, {60, 60});
+    QTest::mouseDClick(&second, Qt::LeftButton, {}, {60, 60});
     settle();
     const QUuid used = content().stampLibrary().selectedPreset()->id;
     ASSERT_EQ(content().totalStampCount(), 1);

@@ -39,15 +39,15 @@ protected:
         writeFile(workspace.metadataFile(), json);
     }
     static QByteArray entry(const char* id, const char* name, const char* file) {
-        return QByteArray("{\"id\": \"") + id + "\", \"displayName\": \"" + name + "\", \"fileName\": \"" +
-               file + "\", \"createdAt\": \"2024-01-01T00:00:00Z\"}";
+        return QByteArray(R"({"id": ")") + id + R"(", "displayName": ")" + name + R"(", "fileName": ")" +
+               file + R"(", "createdAt": "2024-01-01T00:00:00Z"})";
     }
 
     TestWorkspace workspace;
 };
 
-constexpr char firstID[] = "6BA7B810-9DAD-11D1-80B4-00C04FD430C1";
-constexpr char secondID[] = "6BA7B810-9DAD-11D1-80B4-00C04FD430C2";
+constexpr const char* firstID = "6BA7B810-9DAD-11D1-80B4-00C04FD430C1";
+constexpr const char* secondID = "6BA7B810-9DAD-11D1-80B4-00C04FD430C2";
 
 }  // namespace
 
@@ -141,7 +141,7 @@ TEST_F(StampLibraryTest, EntriesWhoseFileIsGoneAreDroppedAtTheNextStart) {
 }
 
 TEST_F(StampLibraryTest, AnUnreadableFileYieldsTheBuiltinsAndIsKeptAsideOnce) {
-    for (const QByteArray& content : {QByteArray("{}"), QByteArray("[{\"id\": \"broken")}) {
+    for (const QByteArray& content : {QByteArray("{}"), QByteArray(R"([{"id": "broken)")}) {
         writeMetadata(content);
         EXPECT_EQ(workspace.makeLibrary()->presets().size(), 5);
         EXPECT_EQ(stored().size(), 5);

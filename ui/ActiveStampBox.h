@@ -1,0 +1,38 @@
+#pragma once
+
+#include "ui/Button.h"
+#include "ui/GroupBox.h"
+#include "ui/PictureView.h"
+#include "ui/SidebarData.h"
+#include "ui/TextLabel.h"
+
+namespace vellmora {
+
+/// The stamp that the next insert uses, large; or a hint where there is none or its picture cannot be loaded.
+class ActiveStampBox : public GroupBox {
+    Q_OBJECT
+
+public:
+    ActiveStampBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
+                   QWidget* parent);
+
+    void setPreset(const std::optional<StampPreset>& preset);
+    void setHasDocument(bool hasDocument);
+
+private:
+    QWidget* makeStamp(Thumbnails& thumbnails, const Theme& theme);
+    QWidget* makeHint(const Theme& theme);
+    void showStamp(bool isLoadable);
+
+    SidebarCallbacks m_callbacks;
+    std::optional<StampPreset> m_preset;
+    PictureView* m_picture = nullptr;
+    TextLabel* m_name = nullptr;
+    QWidget* m_builtinMark = nullptr;
+    Button* m_insert = nullptr;
+    Button* m_remove = nullptr;
+    QWidget* m_stamp;
+    QWidget* m_hint;
+};
+
+}  // namespace vellmora

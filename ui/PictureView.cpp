@@ -1,0 +1,69 @@
+#include "ui/PictureView.h"
+
+#include "ui/Theme.h"
+
+#include <QPainter>
+
+namespace vellmora {
+
+PictureView::PictureView(const Style& style, Thumbnails& thumbnails, QWidget* parent)
+    : QWidget(parent), m_style(style), m_thumbnails(thumbnails) {
+    setFixedHeight(style.frameHeight + 2 * style.padding);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    connect(&thumbnails, &Thumbnails::changed, this, &PictureView::thumbnailChanged);
+}
+
+void PictureView::setSource(const PictureSource& source) {
+    if (source.version == m_source.version && !source.version.isEmpty())
+        return;
+    m_source = source;
+    m_shown = {};
+    update();
+}
+
+QSize PictureView::wantedPixels() const {
+    const QSizeF frame(width() - 2 * m_style.padding, m_style.frameHeight);
+    return (frame * devicePixelRatioF()).toSize();
+}
+
+void PictureView::thumbnailChanged(const QString& version) {
+    if (version != m_source.version)
+        return;
+    update();
+    if (onLoaded)
+        onLoaded(isKnownToBeMissing(m_source));
+}
+
+void PictureView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::black(m_style.opacity));
+    painter.drawRoundedRect(rect(), m_style.radius, m_style.radius);
+
+    const QRectF frame =
+        QRectF(rect()).adjusted(m_style.padding, m_style.padding, -m_style.padding, -m_style.padding);
+    const Thumbnails::Thumbnail thumbnail = m_thumbnails.thumbnail(m_source, wantedPixels());
+    if (thumbnail.state == Thumbnails::State::missing) {
+        const double side = m_style.symbolSize;
+        const QRectF square(frame.center() - QPointF(side, side) / 2, QSizeF(side, side));
+        drawSymbol(painter, Symbol::photo, square, Theme::secondaryText(palette()));
+        return;
+    }
+    if (thumbnail.state == Thumbnails::State::ready)
+        m_shown = thumbnail.picture;
+    if (m_shown.isNull())
+        return;
+    // Pixel for pixel where the picture was made for this size: its corner lies on a device pixel.
+    const double ratio = devicePixelRatioF();
+    const QSizeF size = QSizeF(m_shown.size()).scaled(frame.size(), Qt::KeepAspectRatio);
+    const bool isExact = thumbnail.state == Thumbnails::State::ready;
+    const QSizeF shownSize = isExact ? QSizeF(m_shown.size()) / ratio : size;
+    const QPointF offset =
+        frame.topLeft() + QPointF(frame.width() - shownSize.width(), frame.height() - shownSize.height()) / 2;
+    const QPointF snapped(qRound(offset.x() * ratio) / ratio, qRound(offset.y() * ratio) / ratio);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !isExact);
+    painter.drawPixmap(QRectF(snapped, shownSize), m_shown, QRectF(m_shown.rect()));
+}
+
+}  // namespace vellmora

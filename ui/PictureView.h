@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ui/Symbols.h"
+#include "ui/Thumbnails.h"
+
+#include <functional>
+
+#include <QWidget>
+
+namespace vellmora {
+
+/// A picture scaled to fit into its frame, on a tinted rounded ground; a symbol where there is no picture.
+class PictureView : public QWidget {
+    Q_OBJECT
+
+public:
+    struct Style {
+        int padding;        ///< between the ground's edge and the picture's frame
+        int frameHeight;    ///< of the picture; the view is higher by the padding
+        double radius;      ///< of the ground's corners
+        double opacity;     ///< of the ground's black
+        double symbolSize;  ///< of the symbol that stands for a missing picture
+    };
+
+    PictureView(const Style& style, Thumbnails& thumbnails, QWidget* parent);
+
+    void setSource(const PictureSource& source);
+
+    /// True only where the picture was looked for and not found.
+    bool isKnownToBeMissing(const PictureSource& source) const {
+        return m_thumbnails.isKnownToBeMissing(source);
+    }
+
+    /// Called when a picture turns out to be there or missing.
+    std::function<void(bool isMissing)> onLoaded;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void thumbnailChanged(const QString& version);
+    QSize wantedPixels() const;
+
+    Style m_style;
+    Thumbnails& m_thumbnails;
+    PictureSource m_source;
+    QPixmap m_shown;  ///< stays until a picture of another size is there
+};
+
+}  // namespace vellmora

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "ui/PresetTile.h"
+
+#include <functional>
+#include <optional>
+
+#include <QHash>
+#include <QList>
+#include <QWidget>
+
+namespace vellmora {
+
+/// The library as a grid of tiles: as many columns of equal width as fit, at least 120 points wide each. Only
+/// tiles in sight (and a row more on either side) are made, however large the library is.
+class PresetGrid : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int minimumColumnWidth = 120;
+    static constexpr int spacing = 10;
+
+    struct Data {
+        QList<StampPreset> presets;
+        std::optional<QUuid> selectedPresetID;
+    };
+    using PictureOf = std::function<PictureSource(const StampPreset&)>;
+
+    PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thumbnails& thumbnails,
+               const Theme& theme, QWidget* parent);
+
+    void setData(const Data& newData);
+    /// Which part of the grid is in sight, in its own coordinates.
+    void setVisibleSpan(int top, int bottom);
+
+    /// Null for an entry whose tile is out of sight.
+    PresetTile* tile(const QUuid& id) const { return m_tiles.value(id); }
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+    QSize sizeHint() const override { return {minimumColumnWidth, heightForWidth(width())}; }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    struct Row {
+        int top;
+        int height;
+    };
+    static int columnCount(int width);
+    int columnWidth(int width) const;
+    QList<Row> layOutRows(int width) const;
+    void updateRows();
+    enum class Refresh { newTiles, allTiles };
+    void showTiles(Refresh refresh);
+    void place(qsizetype index, Refresh refresh);
+    void updateTabOrder(qsizetype first, qsizetype last);
+    std::optional<qsizetype> focusedIndex() const;
+
+    PresetItem::Callbacks m_callbacks;
+    PictureOf m_pictureOf;
+    Thumbnails& m_thumbnails;
+    Theme m_theme;
+    Data m_data;
+    QList<Row> m_rows;
+    int m_visibleTop = 0;
+    int m_visibleBottom = 0;
+    QHash<QUuid, PresetTile*> m_tiles;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,73 @@
+#include "ui/PresetItem.h"
+
+#include <QAccessible>
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace vellmora {
+
+PresetItem::PresetItem(const Look& look, const Callbacks& callbacks, QWidget* parent)
+    : QWidget(parent), m_look(look), m_callbacks(callbacks) {
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+void PresetItem::setData(const Data& newData) {
+    const bool isSelectionChanged = newData.isSelected != m_data.isSelected;
+    m_data = newData;
+    setAccessibleName(newData.preset.displayName);
+    if (!isSelectionChanged)
+        return;
+    update();
+    QAccessible::State changed;
+    changed.selected = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
+}
+
+void PresetItem::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor accent = Theme::accent(palette());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isSelected() ? Theme::withOpacity(accent, m_look.selectedOpacity)
+                                  : Theme::black(m_look.unselectedOpacity));
+    painter.drawRoundedRect(rect(), m_look.radius, m_look.radius);
+    if (isSelected() && m_look.borderWidth > 0) {
+        const double inset = m_look.borderWidth / 2;
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(accent, m_look.borderWidth));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), m_look.radius - inset,
+                                m_look.radius - inset);
+    }
+    m_focusRing.paint(painter, rect(), m_look.radius, palette());
+}
+
+void PresetItem::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        select();
+}
+
+void PresetItem::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Space:
+        case Qt::Key_Select:
+            return select();
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return insert();
+        default:
+            return QWidget::keyPressEvent(event);
+    }
+}
+
+void PresetItem::focusInEvent(QFocusEvent* event) {
+    m_focusRing.focusIn(*event);
+    update();
+}
+
+void PresetItem::focusOutEvent(QFocusEvent* event) {
+    m_focusRing.focusOut(*event);
+    update();
+}
+
+}  // namespace vellmora

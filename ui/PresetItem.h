@@ -1,0 +1,62 @@
+#pragma once
+
+#include "library/StampPreset.h"
+#include "platform/image/PictureSource.h"
+#include "ui/FocusRing.h"
+#include "ui/Theme.h"
+
+#include <functional>
+
+#include <QWidget>
+
+namespace vellmora {
+
+/// What tile and row have in common: an entry of the library that is selected with a click, the Space key or
+/// an assistive tool, and inserted with the Return key, as an item of any list.
+class PresetItem : public QWidget {
+    Q_OBJECT
+
+public:
+    struct Data {
+        StampPreset preset;
+        PictureSource picture;
+        bool isSelected = false;
+    };
+    struct Callbacks {
+        std::function<void(const StampPreset&)> onSelect;
+        std::function<void(const StampPreset&)> onInsert;
+        std::function<void(const StampPreset&)> onDelete;  ///< empty where entries cannot be deleted here
+    };
+    struct Look {
+        double radius;
+        double selectedOpacity;    ///< of the accent
+        double unselectedOpacity;  ///< of black
+        double borderWidth;        ///< in the accent when selected; 0 where there is none
+    };
+
+    PresetItem(const Look& look, const Callbacks& callbacks, QWidget* parent);
+
+    const StampPreset& preset() const { return m_data.preset; }
+    bool isSelected() const { return m_data.isSelected; }
+    virtual void setData(const Data& newData);
+
+    bool canDelete() const { return bool(m_callbacks.onDelete); }
+    void select() { m_callbacks.onSelect(m_data.preset); }
+    void insert() { m_callbacks.onInsert(m_data.preset); }
+    void remove() { m_callbacks.onDelete(m_data.preset); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    Look m_look;
+    Callbacks m_callbacks;
+    Data m_data;
+    FocusRing m_focusRing;
+};
+
+}  // namespace vellmora

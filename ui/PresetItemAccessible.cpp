@@ -1,0 +1,56 @@
+#include "ui/PresetItemAccessible.h"
+
+#include "ui/PresetItem.h"
+
+#include <QAccessibleWidget>
+
+namespace vellmora {
+
+namespace {
+
+const QString selectAction = QStringLiteral("Auswählen");
+const QString insertAction = QStringLiteral("Einfügen");
+const QString deleteAction = QStringLiteral("Löschen");
+
+class PresetItemAccessible : public QAccessibleWidget {
+public:
+    explicit PresetItemAccessible(PresetItem* item)
+        : QAccessibleWidget(item, QAccessible::ListItem), m_item(item) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.selectable = true;
+        state.selected = m_item->isSelected();
+        return state;
+    }
+    QStringList actionNames() const override {
+        QStringList names{selectAction, insertAction};
+        if (m_item->canDelete())
+            names.append(deleteAction);
+        return names;
+    }
+    void doAction(const QString& name) override {
+        if (name == selectAction)
+            m_item->select();
+        else if (name == insertAction)
+            m_item->insert();
+        else if (name == deleteAction && m_item->canDelete())
+            m_item->remove();
+    }
+
+private:
+    PresetItem* m_item;
+};
+
+QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+    auto* item = qobject_cast<PresetItem*>(object);
+    return item ? new PresetItemAccessible(item) : nullptr;
+}
+
+}  // namespace
+
+void installPresetItemAccessibility() {
+    QAccessible::installFactory(makeInterface);
+}
+
+}  // namespace vellmora

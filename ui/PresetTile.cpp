@@ -1,0 +1,88 @@
+#include "ui/PresetTile.h"
+
+#include <QHBoxLayout>
+#include <QMouseEvent>
+#include <QVBoxLayout>
+
+namespace vellmora {
+
+namespace {
+
+constexpr int padding = 10;
+constexpr int spacing = 8;
+constexpr int lineSpacing = 3;
+constexpr int buttonSpacing = 6;
+constexpr int maximumNameLines = 2;
+constexpr double nameSize = 12;
+constexpr double badgeSize = 10;
+
+constexpr PresetItem::Look look{14, 0.16, 0.035, 1.5};
+constexpr PictureView::Style pictureStyle{8, 84, 12, 0.06, 24};
+
+QFont nameFont(const Theme& theme) {
+    return theme.font(nameSize, Theme::semibold);
+}
+
+QFont badgeFont(const Theme& theme) {
+    return theme.font(badgeSize, Theme::medium);
+}
+
+}  // namespace
+
+PresetTile::PresetTile(const Callbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
+                       QWidget* parent)
+    : PresetItem(look, callbacks, parent),
+      m_picture(new PictureView(pictureStyle, thumbnails, this)),
+      m_name(new TextLabel({}, nameFont(theme), Theme::text, this)),
+      m_badge(new TextLabel(QStringLiteral("Standard"), badgeFont(theme), Theme::secondaryText, this)),
+      m_insert(
+          new Button(QStringLiteral("Einfügen"), Button::Look::prominent, Button::Size::small, theme, this)),
+      m_delete(new Button(Symbol::trash, {}, Button::Look::destructive, Button::Size::small, theme, this)) {
+    m_name->setMaximumLines(maximumNameLines);
+    connect(m_insert, &Button::clicked, this, &PresetTile::insert);
+    connect(m_delete, &Button::clicked, this, &PresetTile::remove);
+
+    auto* stack = new QVBoxLayout(this);
+    stack->setContentsMargins(padding, padding, padding, padding);
+    stack->setSpacing(spacing);
+    stack->addWidget(m_picture);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(lineSpacing);
+    texts->addWidget(m_name);
+    texts->addWidget(m_badge);
+    stack->addLayout(texts);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonSpacing);
+    buttons->addWidget(m_insert);
+    buttons->addWidget(m_delete);
+    buttons->addStretch();
+    stack->addLayout(buttons);
+    stack->addStretch();
+}
+
+void PresetTile::setData(const Data& newData) {
+    PresetItem::setData(newData);
+    const QString& name = newData.preset.displayName;
+    m_picture->setSource(newData.picture);
+    m_name->setText(name);
+    m_badge->setVisible(newData.preset.isBuiltin());
+    m_insert->setAccessibleName(name + QStringLiteral(" einfügen"));
+    m_delete->setAccessibleName(name + QStringLiteral(" löschen"));
+}
+
+int PresetTile::heightFor(const StampPreset& preset, int width, const Theme& theme) {
+    const QFont name = nameFont(theme);
+    int texts = TextLabel::lineCount(preset.displayName, name, width - 2 * padding, maximumNameLines) *
+                QFontMetrics(name).height();
+    if (preset.isBuiltin())
+        texts += lineSpacing + QFontMetrics(badgeFont(theme)).height();
+    return 2 * padding + pictureStyle.frameHeight + 2 * pictureStyle.padding + spacing + texts + spacing +
+           Button::heightOf(Button::Size::small);
+}
+
+void PresetTile::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        insert();
+}
+
+}  // namespace vellmora

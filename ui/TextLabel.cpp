@@ -1,0 +1,109 @@
+#include "ui/TextLabel.h"
+
+#include <utility>
+
+#include <QPainter>
+#include <QStyle>
+#include <QTextLayout>
+
+namespace vellmora {
+
+namespace {
+
+/// Breaks the text into lines of this width; stops where `maximum` lines are full.
+void breakLines(QTextLayout& layout, double width, int maximum) {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    for (int i = 0; i < maximum; ++i) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(width);
+    }
+    layout.endLayout();
+}
+
+/// The text's lines; the last one holds all the rest, cut off to the width.
+QStringList elidedLines(const QString& text, const QFont& font, double width, int maximum) {
+    QTextLayout layout(text, font);
+    breakLines(layout, width, maximum);
+    QStringList lines;
+    for (int i = 0; i < layout.lineCount(); ++i) {
+        const QTextLine line = layout.lineAt(i);
+        const bool isLast = i + 1 == maximum;
+        lines.append(isLast ? text.mid(line.textStart()) : text.mid(line.textStart(), line.textLength()));
+    }
+    if (lines.size() == maximum)
+        lines.last() = QFontMetricsF(font).elidedText(lines.last(), Qt::ElideRight, width);
+    return lines;
+}
+
+}  // namespace
+
+TextLabel::TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent)
+    : QLabel(text, parent), m_color(std::move(color)) {
+    setTextFormat(Qt::PlainText);
+    setFont(font);
+}
+
+void TextLabel::setColor(Color color) {
+    m_color = std::move(color);
+    update();
+}
+
+void TextLabel::setMaximumLines(int lines) {
+    m_maximumLines = lines;
+    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    policy.setHeightForWidth(lines > 1);
+    setSizePolicy(policy);
+}
+
+void TextLabel::setWraps() {
+    setWordWrap(true);
+}
+
+int TextLabel::lineCount(const QString& text, const QFont& font, double width, int maximum) {
+    if (QFontMetricsF(font).horizontalAdvance(text) <= width)
+        return 1;
+    QTextLayout layout(text, font);
+    breakLines(layout, width, maximum);
+    return qMax(1, layout.lineCount());
+}
+
+QSize TextLabel::sizeHint() const {
+    if (m_maximumLines == 0)
+        return QLabel::sizeHint();
+    return {fontMetrics().horizontalAdvance(text()), fontMetrics().height()};
+}
+
+int TextLabel::heightForWidth(int width) const {
+    if (m_maximumLines == 0)
+        return QLabel::heightForWidth(width);
+    return lineCount(text(), font(), width, m_maximumLines) * fontMetrics().height();
+}
+
+QSize TextLabel::minimumSizeHint() const {
+    return m_maximumLines == 0 ? QLabel::minimumSizeHint() : QSize(0, sizeHint().height());
+}
+
+void TextLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setFont(font());
+    painter.setPen(m_color(palette()));
+    if (m_maximumLines == 0) {
+        const int wrapping = wordWrap() ? Qt::TextWordWrap : Qt::TextSingleLine;
+        painter.drawText(contentsRect(), static_cast<int>(alignment()) | wrapping, text());
+        return;
+    }
+    const QStringList lines = elidedLines(text().simplified(), font(), width(), m_maximumLines);
+    const int lineHeight = fontMetrics().height();
+    const int top = (height() - lineHeight * static_cast<int>(lines.size())) / 2;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const QRect line(0, top + static_cast<int>(i) * lineHeight, width(), lineHeight);
+        painter.drawText(line, static_cast<int>(alignment()) | Qt::TextSingleLine, lines[i]);
+    }
+}
+
+}  // namespace vellmora

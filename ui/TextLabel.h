@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+
+#include <QLabel>
+
+namespace vellmora {
+
+/// A text in a colour of the theme, which follows the palette.
+class TextLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    using Color = std::function<QColor(const QPalette&)>;
+
+    TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
+
+    void setColor(Color color);
+    /// Breaks lines at the label's width, and cuts the last of `lines` off with an ellipsis. The label is as
+    /// wide as its place then. 0 (the default): one line that is never cut off.
+    void setMaximumLines(int lines);
+    /// Breaks lines, as many as are needed.
+    void setWraps();
+
+    /// How many lines the text takes in this width, at most `maximum`.
+    static int lineCount(const QString& text, const QFont& font, double width, int maximum);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override { return m_maximumLines > 1 || wordWrap(); }
+    int heightForWidth(int width) const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Color m_color;
+    int m_maximumLines = 0;
+};
+
+}  // namespace vellmora
