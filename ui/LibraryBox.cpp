@@ -30,6 +30,7 @@ LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails
                                  Theme::secondaryText, this));
     content().addLayout(row);
     content().addWidget(m_emptyText);
+    m_grid->setAccessibleName(QStringLiteral("Stempel der Bibliothek"));
     content().addWidget(m_grid);
 }
 

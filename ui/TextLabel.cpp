@@ -55,7 +55,7 @@ void TextLabel::setColor(Color color) {
 
 void TextLabel::setMaximumLines(int lines) {
     m_maximumLines = lines;
-    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     policy.setHeightForWidth(lines > 1);
     setSizePolicy(policy);
 }

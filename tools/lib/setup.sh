@@ -46,13 +46,15 @@ install_missing() {
         apt-get install --yes --no-install-recommends "${missing[@]}" </dev/null
 }
 
+# build_preset PRESET [TARGET…]: all targets where none is named.
 # Configures where that was not done yet; later changes to the build files are noticed by the build itself.
 build_preset() {
     local preset=$1
+    shift
     if [[ ! -f build/$preset/build.ninja ]]; then
         say "Configuring build/$preset"
         cmake --preset "$preset"
     fi
     say "Building build/$preset"
-    cmake --build --preset "$preset"
+    cmake --build --preset "$preset" ${*:+--target "$@"}
 }

@@ -1,5 +1,8 @@
-#include "ui/PresetItemAccessible.h"
+#include "ui/Accessibility.h"
 
+#include "ui/GroupBox.h"
+#include "ui/MainWindow.h"
+#include "ui/PresetGrid.h"
 #include "ui/PresetItem.h"
 
 #include <QAccessibleWidget>
@@ -43,13 +46,20 @@ private:
 };
 
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-    auto* item = qobject_cast<PresetItem*>(object);
-    return item ? new PresetItemAccessible(item) : nullptr;
+    if (auto* item = qobject_cast<PresetItem*>(object))
+        return new PresetItemAccessible(item);
+    if (auto* grid = qobject_cast<PresetGrid*>(object))
+        return new QAccessibleWidget(grid, QAccessible::List);
+    if (auto* box = qobject_cast<GroupBox*>(object))
+        return new QAccessibleWidget(box, QAccessible::Grouping);
+    if (auto* window = qobject_cast<MainWindow*>(object))
+        return new QAccessibleWidget(window, QAccessible::Window);
+    return nullptr;
 }
 
 }  // namespace
 
-void installPresetItemAccessibility() {
+void installAccessibility() {
     QAccessible::installFactory(makeInterface);
 }
 
