@@ -34,6 +34,12 @@ LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails
     content().addWidget(m_grid);
 }
 
+void LibraryBox::setBoxWidth(int width) {
+    setFixedWidth(width);
+    m_grid->setFixedWidth(width - 2 * padding);
+    m_grid->resize(m_grid->minimumWidth(), m_grid->height());
+}
+
 void LibraryBox::setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID) {
     m_emptyText->setVisible(presets.isEmpty());
     m_grid->setVisible(!presets.isEmpty());

@@ -18,6 +18,9 @@ public:
     void setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID);
     PresetGrid& grid() { return *m_grid; }
 
+    /// Width of the whole box; to be set before its presets.
+    void setBoxWidth(int width);
+
 private:
     TextLabel* m_emptyText;
     PresetGrid* m_grid;

@@ -14,46 +14,37 @@ PresetGrid::PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thu
       m_callbacks(std::move(callbacks)),
       m_pictureOf(std::move(pictureOf)),
       m_thumbnails(thumbnails),
-      m_theme(theme) {
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
-}
+      m_theme(theme) {}
 
 int PresetGrid::columnCount(int width) {
     return std::max(1, (width + spacing) / (minimumColumnWidth + spacing));
 }
 
-int PresetGrid::columnWidth(int width) const {
+int PresetGrid::columnWidth(int width) {
     const int columns = columnCount(width);
     return (width - (columns - 1) * spacing) / columns;
 }
 
 /// A row is as high as its highest tile.
-QList<PresetGrid::Row> PresetGrid::layOutRows(int width) const {
-    const int columns = columnCount(width);
-    const int tileWidth = columnWidth(width);
+QList<PresetGrid::Row> PresetGrid::layOutRows() const {
+    const int columns = columnCount(width());
+    PresetTile::Heights heights(columnWidth(width()), m_theme);
     QList<Row> rows;
     int top = 0;
     for (qsizetype first = 0; first < m_data.presets.size(); first += columns) {
         int height = 0;
         const qsizetype end = std::min(first + columns, m_data.presets.size());
         for (qsizetype i = first; i < end; ++i)
-            height = std::max(height, PresetTile::heightFor(m_data.presets[i], tileWidth, m_theme));
+            height = std::max(height, heights.of(m_data.presets[i]));
         rows.append({top, height});
         top += height + spacing;
     }
     return rows;
 }
 
-int PresetGrid::heightForWidth(int width) const {
-    const QList<Row> rows = width == this->width() ? m_rows : layOutRows(width);
-    return rows.isEmpty() ? 0 : rows.last().top + rows.last().height;
-}
-
 void PresetGrid::updateRows() {
-    m_rows = layOutRows(width());
-    updateGeometry();
+    m_rows = layOutRows();
+    setFixedHeight(m_rows.isEmpty() ? 0 : m_rows.last().top + m_rows.last().height);
     showTiles(Refresh::allTiles);
 }
 

@@ -36,10 +36,6 @@ public:
     /// Null for an entry whose tile is out of sight.
     PresetTile* tile(const QUuid& id) const { return m_tiles.value(id); }
 
-    bool hasHeightForWidth() const override { return true; }
-    int heightForWidth(int width) const override;
-    QSize sizeHint() const override { return {minimumColumnWidth, heightForWidth(width())}; }
-
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -50,8 +46,8 @@ private:
         int height;
     };
     static int columnCount(int width);
-    int columnWidth(int width) const;
-    QList<Row> layOutRows(int width) const;
+    static int columnWidth(int width);
+    QList<Row> layOutRows() const;
     void updateRows();
     enum class Refresh { newTiles, allTiles };
     void showTiles(Refresh refresh);

@@ -70,12 +70,15 @@ void PresetTile::setData(const Data& newData) {
     m_delete->setAccessibleName(name + QStringLiteral(" löschen"));
 }
 
-int PresetTile::heightFor(const StampPreset& preset, int width, const Theme& theme) {
-    const QFont name = nameFont(theme);
-    int texts = TextLabel::lineCount(preset.displayName, name, width - 2 * padding, maximumNameLines) *
-                QFontMetrics(name).height();
-    if (preset.isBuiltin())
-        texts += lineSpacing + QFontMetrics(badgeFont(theme)).height();
+PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
+    : m_names(nameFont(theme)),
+      m_nameWidth(tileWidth - 2 * padding),
+      m_nameLine(QFontMetrics(nameFont(theme)).height()),
+      m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()) {}
+
+int PresetTile::Heights::of(const StampPreset& preset) {
+    const int nameLines = m_names.fits(preset.displayName, m_nameWidth) ? 1 : maximumNameLines;
+    const int texts = nameLines * m_nameLine + (preset.isBuiltin() ? m_badge : 0);
     return 2 * padding + pictureStyle.frameHeight + 2 * pictureStyle.padding + spacing + texts + spacing +
            Button::heightOf(Button::Size::small);
 }

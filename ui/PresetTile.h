@@ -4,6 +4,7 @@
 #include "ui/PictureView.h"
 #include "ui/PresetItem.h"
 #include "ui/TextLabel.h"
+#include "ui/TextWidths.h"
 
 namespace vellmora {
 
@@ -16,8 +17,18 @@ public:
 
     void setData(const Data& newData) override;
 
-    /// Height of a tile that is `width` wide.
-    static int heightFor(const StampPreset& preset, int width, const Theme& theme);
+    /// Heights of tiles of one width, for thousands of them.
+    class Heights {
+    public:
+        Heights(int tileWidth, const Theme& theme);
+        int of(const StampPreset& preset);
+
+    private:
+        TextWidths m_names;
+        double m_nameWidth;
+        int m_nameLine;
+        int m_badge;
+    };
 
     Button& insertButton() { return *m_insert; }
     Button& deleteButton() { return *m_delete; }

@@ -32,6 +32,7 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
         box->setFixedWidth(columnWidth - 2 * padding);
         stack->addWidget(box);
     }
+    m_library->setBoxWidth(columnWidth - 2 * padding);
     stack->addStretch();
     setWidget(m_column);
     setWidgetResizable(true);

@@ -67,6 +67,8 @@ void TextLabel::setWraps() {
 int TextLabel::lineCount(const QString& text, const QFont& font, double width, int maximum) {
     if (QFontMetricsF(font).horizontalAdvance(text) <= width)
         return 1;
+    if (maximum <= 2)
+        return maximum;
     QTextLayout layout(text, font);
     breakLines(layout, width, maximum);
     return qMax(1, layout.lineCount());

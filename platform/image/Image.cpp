@@ -20,6 +20,10 @@ constexpr double maxPixelStretch = 4;
 
 constexpr int bytesPerPixel = 4;
 
+/// The toolkit's measure of how little time the lossless compression takes: stands for the fastest level of
+/// zlib.
+constexpr int fastQuality = 85;
+
 const QByteArray pngFormat = QByteArrayLiteral("png");
 const QByteArray jpegFormat = QByteArrayLiteral("jpeg");
 
@@ -95,6 +99,7 @@ QByteArray Image::pngRepresentation() const {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     QImageWriter writer(&buffer, pngFormat);
+    writer.setQuality(fastQuality);
     if (!writer.write(m_pixels))
         return {};
     return bytes;

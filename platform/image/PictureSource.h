@@ -2,10 +2,10 @@
 
 #include "platform/image/Image.h"
 
-#include <QString>
-
 #include <functional>
 #include <optional>
+
+#include <QString>
 
 namespace vellmora {
 
