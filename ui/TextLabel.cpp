@@ -3,8 +3,8 @@
 #include <utility>
 
 #include <QPainter>
-#include <QStyle>
 #include <QTextLayout>
+#include <QtMath>
 
 namespace vellmora {
 
@@ -75,9 +75,9 @@ int TextLabel::lineCount(const QString& text, const QFont& font, double width, i
 }
 
 QSize TextLabel::sizeHint() const {
-    if (m_maximumLines == 0)
+    if (wordWrap())
         return QLabel::sizeHint();
-    return {fontMetrics().horizontalAdvance(text()), fontMetrics().height()};
+    return {qCeil(QFontMetricsF(font()).horizontalAdvance(text())), fontMetrics().height()};
 }
 
 int TextLabel::heightForWidth(int width) const {
@@ -87,7 +87,9 @@ int TextLabel::heightForWidth(int width) const {
 }
 
 QSize TextLabel::minimumSizeHint() const {
-    return m_maximumLines == 0 ? QLabel::minimumSizeHint() : QSize(0, sizeHint().height());
+    if (wordWrap())
+        return QLabel::minimumSizeHint();
+    return m_maximumLines == 0 ? sizeHint() : QSize(0, sizeHint().height());
 }
 
 void TextLabel::paintEvent(QPaintEvent*) {

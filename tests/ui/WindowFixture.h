@@ -1,0 +1,70 @@
+#pragma once
+
+#include "tests/support/EventLoop.h"
+#include "tests/support/TestImages.h"
+#include "ui/Accessibility.h"
+#include "ui/MainWindow.h"
+
+#include <gtest/gtest.h>
+
+namespace vellmora::test {
+
+/// The window with a library of a given size; keeps what is called.
+class WindowFixture : public testing::Test {
+protected:
+    WindowFixture() {
+        window.resize(MainWindow::minimumContentSize);
+        window.show();
+        settle();
+    }
+
+    /// The first entries are the recent ones; the first is selected.
+    void showLibrary(int count, int recents, bool isBuiltin = false) {
+        LibraryContent library;
+        for (int i = 0; i < count; ++i) {
+            StampPreset preset;
+            preset.displayName = QStringLiteral("Stempel %1").arg(i);
+            preset.createdAt = QDateTime(QDate(2024, 5, 17), QTime(12, 0));
+            if (isBuiltin)
+                preset.builtinKey = preset.displayName;
+            library.presets.append(preset);
+        }
+        library.recentPresets = library.presets.mid(0, recents);
+        if (count > 0) {
+            library.selectedPreset = library.presets.first();
+            library.selectedPresetID = library.selectedPreset->id;
+        }
+        window.sidebar().setLibrary(library);
+        settle();
+    }
+
+    MainWindow::Callbacks callbacks() {
+        MainWindow::Callbacks result;
+        result.commands = {{QStringLiteral("Erster"), {}, [] {}}, {QStringLiteral("Zweiter"), {}, [] {}}};
+        const auto note = [this](const char* what) {
+            return [this, what](const StampPreset& p) {
+                calls.append(QString::fromLatin1(what) + p.displayName);
+            };
+        };
+        const auto pictureOf = [this](const StampPreset& preset) -> PictureSource {
+            return {preset.id.toString(), [this]() -> std::optional<Image> {
+                        ++decodes;
+                        return isPictureReadable ? std::optional(Image(plainImage(40, 20, Qt::red)))
+                                                 : std::nullopt;
+                    }};
+        };
+        result.sidebar = {note("select "), note("insert "), note("delete "), [] {}, pictureOf};
+        result.onDropTargeted = [](bool) {};
+        result.onDrop = [](const ItemProviders&) { return true; };
+        return result;
+    }
+
+    // Before the window: what was asked of it earlier is kept.
+    const bool isAccessible = (installAccessibility(), true);
+    QStringList calls;
+    std::atomic<bool> isPictureReadable = true;
+    std::atomic<int> decodes = 0;
+    MainWindow window{callbacks(), Theme(SystemFonts::load())};
+};
+
+}  // namespace vellmora::test
