@@ -3,7 +3,8 @@
 #include "ui/GuideBox.h"
 #include "ui/ThinScrollBar.h"
 
-#include <QEvent>
+#include <QCursor>
+#include <QMoveEvent>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -30,6 +31,7 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
     for (QWidget* box :
          std::initializer_list<QWidget*>{m_statistics, m_active, m_recents, m_library, guide}) {
         box->setFixedWidth(columnWidth - 2 * padding);
+        box->installEventFilter(this);
         stack->addWidget(box);
     }
     m_library->setBoxWidth(columnWidth - 2 * padding);
@@ -59,11 +61,22 @@ void Sidebar::resizeEvent(QResizeEvent* event) {
     showTilesInSight();
 }
 
-/// The grid moves where a box above it comes, goes or grows.
 bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Move || event->type() == QEvent::Resize)
+    const bool isGrid = watched == &m_library->grid();
+    if (isGrid && (event->type() == QEvent::Move || event->type() == QEvent::Resize))
         QMetaObject::invokeMethod(this, &Sidebar::showTilesInSight, Qt::QueuedConnection);
+    else if (watched->parent() == m_column && event->type() == QEvent::Move)
+        keepUnderMouse(*qobject_cast<QWidget*>(watched), *static_cast<QMoveEvent*>(event));
     return QScrollArea::eventFilter(watched, event);
+}
+
+/// A click may make a box above grow. What is under the mouse stays there all the same, so that the second
+/// click of a double click meets what the first one met.
+void Sidebar::keepUnderMouse(const QWidget& box, const QMoveEvent& move) {
+    const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
+    const QRect before(m_column->mapTo(viewport(), move.oldPos()), box.size());
+    if (viewport()->rect().contains(mouse) && before.contains(mouse))
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + move.pos().y() - move.oldPos().y());
 }
 
 void Sidebar::showTilesInSight() {

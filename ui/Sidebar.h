@@ -32,6 +32,7 @@ protected:
 
 private:
     void applyPalette();
+    void keepUnderMouse(const QWidget& box, const QMoveEvent& move);
     void showTilesInSight();
 
     Thumbnails* m_thumbnails;

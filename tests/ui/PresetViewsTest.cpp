@@ -106,3 +106,21 @@ TEST_F(PresetViewsTest, ARefreshWithTheSameLibraryKeepsTheTilesAndDecodesNothing
     EXPECT_EQ(tiles(), before);
     EXPECT_EQ(decodes, decoded);
 }
+
+/// Selecting a built-in stamp makes the box above grow; the tile that was clicked stays under the mouse.
+TEST_F(PresetViewsTest, WhatIsUnderTheMouseStaysThereWhenABoxAboveGrows) {
+    showLibrary(20, 0);
+    QScrollBar& bar = *window.sidebar().verticalScrollBar();
+    bar.setValue(300);
+    settle();
+    EXPECT_EQ(bar.value(), 300) << "scrolling itself is not undone";
+    QWidget& viewport = *window.sidebar().viewport();
+    const auto gridTop = [&] { return window.findChild<PresetGrid*>()->mapTo(&viewport, QPoint(0, 0)).y(); };
+    QCursor::setPos(viewport.mapToGlobal(QPoint(100, 600)));
+    if (QCursor::pos() != viewport.mapToGlobal(QPoint(100, 600)))
+        GTEST_SKIP() << "this display has no mouse to set";
+    const int before = gridTop();
+    showLibrary(20, 3);
+    EXPECT_EQ(gridTop(), before);
+    EXPECT_GT(bar.value(), 300);
+}
