@@ -41,7 +41,7 @@ std::shared_ptr<const StampPicture> StampPictures::picture(const QByteArray& ima
     const std::optional<Image> image = Image::fromData(imageData);
     if (!image)
         return nullptr;
-    const auto picture = std::make_shared<const StampPicture>(image->pixels());
+    auto picture = std::make_shared<const StampPicture>(image->pixels());
     m_entries.insert(address, {imageData, picture});
     return picture;
 }

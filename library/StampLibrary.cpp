@@ -51,7 +51,8 @@ PictureSource StampLibrary::pictureSource(const StampPreset& preset) const {
     const QFileInfo file(path);
     if (path.isEmpty() || !file.exists())
         return {};
-    const QString version = QStringLiteral("%1 %2 %3").arg(path).arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size());
+    const QString version =
+        QStringLiteral("%1 %2 %3").arg(path).arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size());
     return {version, [path] { return Image::fromFile(path); }};
 }
 

@@ -2,6 +2,8 @@
 
 #include "ui/SymbolView.h"
 
+#include <utility>
+
 #include <QHBoxLayout>
 
 namespace vellmora {
@@ -39,10 +41,10 @@ QWidget* makeBuiltinMark(const Theme& theme, QWidget* parent) {
 
 }  // namespace
 
-ActiveStampBox::ActiveStampBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
+ActiveStampBox::ActiveStampBox(SidebarCallbacks callbacks, Thumbnails& thumbnails, const Theme& theme,
                                QWidget* parent)
     : GroupBox(QStringLiteral("Aktiver Stempel"), theme, parent),
-      m_callbacks(callbacks),
+      m_callbacks(std::move(callbacks)),
       m_stamp(makeStamp(thumbnails, theme)),
       m_hint(makeHint(theme)) {
     content().addWidget(m_stamp);

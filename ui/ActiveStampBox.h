@@ -13,8 +13,7 @@ class ActiveStampBox : public GroupBox {
     Q_OBJECT
 
 public:
-    ActiveStampBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
-                   QWidget* parent);
+    ActiveStampBox(SidebarCallbacks callbacks, Thumbnails& thumbnails, const Theme& theme, QWidget* parent);
 
     void setPreset(const std::optional<StampPreset>& preset);
     void setHasDocument(bool hasDocument);

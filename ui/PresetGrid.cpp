@@ -9,12 +9,12 @@
 namespace vellmora {
 
 PresetGrid::PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thumbnails& thumbnails,
-                       const Theme& theme, QWidget* parent)
+                       Theme theme, QWidget* parent)
     : QWidget(parent),
       m_callbacks(std::move(callbacks)),
       m_pictureOf(std::move(pictureOf)),
       m_thumbnails(thumbnails),
-      m_theme(theme) {}
+      m_theme(std::move(theme)) {}
 
 int PresetGrid::columnCount(int width) {
     return std::max(1, (width + spacing) / (minimumColumnWidth + spacing));
@@ -137,7 +137,7 @@ void PresetGrid::keyPressEvent(QKeyEvent* event) {
     const auto focused = focusedIndex();
     if (step == steps.constEnd() || !focused)
         return QWidget::keyPressEvent(event);
-    const qsizetype next = *focused + step->first + step->second * columnCount(width());
+    const qsizetype next = *focused + step->first + qsizetype{step->second} * columnCount(width());
     if (next < 0 || next >= m_data.presets.size())
         return;
     // Focus scrolls a tile into sight, and what is in sight has its neighbours made.

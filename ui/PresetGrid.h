@@ -26,8 +26,8 @@ public:
     };
     using PictureOf = std::function<PictureSource(const StampPreset&)>;
 
-    PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thumbnails& thumbnails,
-               const Theme& theme, QWidget* parent);
+    PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thumbnails& thumbnails, Theme theme,
+               QWidget* parent);
 
     void setData(const Data& newData);
     /// Which part of the grid is in sight, in its own coordinates.

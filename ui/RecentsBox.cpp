@@ -1,5 +1,7 @@
 #include "ui/RecentsBox.h"
 
+#include <utility>
+
 namespace vellmora {
 
 namespace {
@@ -8,12 +10,11 @@ constexpr int rowSpacing = 6;
 
 }
 
-RecentsBox::RecentsBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
-                       QWidget* parent)
+RecentsBox::RecentsBox(SidebarCallbacks callbacks, Thumbnails& thumbnails, Theme theme, QWidget* parent)
     : GroupBox(QStringLiteral("Zuletzt verwendet"), theme, parent),
-      m_callbacks(callbacks),
+      m_callbacks(std::move(callbacks)),
       m_thumbnails(thumbnails),
-      m_theme(theme) {
+      m_theme(std::move(theme)) {
     content().setSpacing(rowSpacing);
 }
 

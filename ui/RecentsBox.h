@@ -11,8 +11,7 @@ class RecentsBox : public GroupBox {
     Q_OBJECT
 
 public:
-    RecentsBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
-               QWidget* parent);
+    RecentsBox(SidebarCallbacks callbacks, Thumbnails& thumbnails, Theme theme, QWidget* parent);
 
     void setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID);
 

@@ -15,10 +15,10 @@ namespace vellmora {
 
 namespace {
 
-const char prefix[] = ".vellmora-";
+constexpr QLatin1String prefix(".vellmora-");
 
 QByteArray nameTemplate(const QString& folder) {
-    return QFile::encodeName(folder) + '/' + prefix + "XXXXXX";
+    return QFile::encodeName(folder + QLatin1Char('/') + prefix + QStringLiteral("XXXXXX"));
 }
 
 /// Locks a new item. False where another program's clearing got hold of it between its creation and now.
@@ -63,7 +63,7 @@ TemporaryDirectory createTemporaryDirectory(const QString& folder) {
 }
 
 void removeStaleTemporaryItems(const QString& folder) {
-    const auto entries = QDir(folder).entryInfoList({QString::fromLatin1(prefix) + QStringLiteral("??????")},
+    const auto entries = QDir(folder).entryInfoList({prefix + QStringLiteral("??????")},
                                                     QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     for (const QFileInfo& entry : entries) {
         const QByteArray name = QFile::encodeName(entry.filePath());

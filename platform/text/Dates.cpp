@@ -23,7 +23,8 @@ std::optional<QDateTime> parseInternetDateTime(const QString& text) {
     const int minutes = match.captured(5).toInt();
     if (!day.isValid() || !time.isValid() || hours > 23 || minutes > 59)
         return std::nullopt;
-    const qint64 offset = qint64{60} * (hours * 60 + minutes) * (match.captured(3) == QStringLiteral("-") ? -1 : 1);
+    const qint64 offset =
+        qint64{60} * (hours * 60 + minutes) * (match.captured(3) == QStringLiteral("-") ? -1 : 1);
     return QDateTime(day, time, QTimeZone::utc()).addSecs(-offset);
 }
 

@@ -122,7 +122,8 @@ TEST_F(ContentViewTest, DropsThatAreNoPdfFilesAreAnswered) {
 }
 
 TEST_F(ContentViewTest, ADropMayBeDeliveredOnAnyThreadAndMayFail) {
-    const auto deliver = [&](std::optional<QByteArray> data, std::optional<ItemLoadError> error) {
+    const auto deliver = [&](const std::optional<QByteArray>& data,
+                             const std::optional<ItemLoadError>& error) {
         EXPECT_TRUE(content.handlePDFDrop({std::make_shared<ThreadedProvider>(data, error)}));
         settle();
         return status();

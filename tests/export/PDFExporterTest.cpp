@@ -148,7 +148,7 @@ TEST_F(PDFExporterTest, EmbedsEachDistinctPictureOnce) {
     for (QPDFObjectHandle object : pdf.getAllObjects())
         pictures += object.isStreamOfType("/XObject", "/Image") ? 1 : 0;
     EXPECT_EQ(pictures, 2);
-    EXPECT_LT(readFile(path("out.pdf")).size(), pages(50).bytes().size() + 50 * 300 + 2000);
+    EXPECT_LT(readFile(path("out.pdf")).size(), pages(50).bytes().size() + qsizetype{50} * 300 + 2000);
 }
 
 TEST_F(PDFExporterTest, AFailedSaveLeavesTheTargetAndNoLitter) {

@@ -16,7 +16,7 @@ namespace {
 /// library.
 class Output {
 public:
-    explicit Output(const QByteArray& bytes) : m_bytes(bytes) {
+    explicit Output(QByteArray bytes) : m_bytes(std::move(bytes)) {
         m_pdf.processMemoryFile("output", m_bytes.constData(), static_cast<size_t>(m_bytes.size()));
     }
     QPDFObjectHandle page(size_t index = 0) { return m_pdf.getAllPages().at(index); }

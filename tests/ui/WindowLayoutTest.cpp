@@ -76,11 +76,12 @@ TEST_F(WindowLayoutTest, StatisticsShowTheFiguresInRows) {
     window.sidebar().setFigures({QStringLiteral("3 / 12"), 7, 2, true});
     showLibrary(5, 0);
     int y = 0;
-    const std::pair<const char*, const char*> rows[] = {{"Seite", "3 / 12"},
-                                                        {"Stempel gesamt", "7"},
-                                                        {"Aktuelle Seite", "2"},
-                                                        {"Bibliothek", "5"},
-                                                        {"Speicherort", "Application Support"}};
+    const std::initializer_list<std::pair<const char*, const char*>> rows{
+        {"Seite", "3 / 12"},
+        {"Stempel gesamt", "7"},
+        {"Aktuelle Seite", "2"},
+        {"Bibliothek", "5"},
+        {"Speicherort", "Application Support"}};
     for (const auto& [title, value] : rows) {
         const QRect left = inBox(label(title));
         const QRect right = inBox(label(value));
