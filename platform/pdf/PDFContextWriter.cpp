@@ -172,7 +172,17 @@ void PDFContext::Writer::endPage() {
     m_page = {};
 }
 
+/// Pictures of the source that were not compressed there stay as they are: trying costs seconds and gains
+/// little.
+void PDFContext::Writer::leavePicturesAlone() {
+    for (QPDFObjectHandle object : m_output.getAllObjects()) {
+        if (object.isStreamOfType("", "/Image"))
+            object.setFilterOnWrite(false);
+    }
+}
+
 void PDFContext::Writer::write() {
+    leavePicturesAlone();
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     ConsumerPipeline pipeline(m_consumer);

@@ -39,6 +39,7 @@ private:
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
     QPDFObjectHandle contentStream(const std::string& content);
     void setMediaBox(const Rect& box);
+    void leavePicturesAlone();
 
     PDFDataConsumer& m_consumer;
     QPDF m_output;
