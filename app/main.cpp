@@ -1,7 +1,7 @@
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
 #include "platform/panels/DialogFilePanels.h"
-#include "platform/pdf/render/QtPdfRenderer.h"
+#include "platform/pdf/render/ProcessRenderer.h"
 
 using namespace vellmora;
 
@@ -9,7 +9,7 @@ int main(int argc, char** argv) {
     VellmoraApp app(argc, argv);
     const SystemFonts fonts = SystemFonts::load();
     DialogFilePanels panels;
-    QtPdfRenderer renderer;
+    ProcessRenderer renderer(ProcessRenderer::installedProgram());
 
     auto library = std::make_unique<StampLibrary>(
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});

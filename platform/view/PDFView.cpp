@@ -16,6 +16,9 @@ namespace {
 constexpr double pageMargin = 8;  // view points around a page that fits
 constexpr int wheelNotch = 120;   // the toolkit's unit: eighths of a degree
 
+const QString unavailableText = QStringLiteral(
+    "Diese Seite kann nicht angezeigt werden.\nStempeln und speichern lässt sie sich trotzdem.");
+
 }  // namespace
 
 PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_renderer(renderer) {
@@ -71,6 +74,7 @@ void PDFView::showPage(std::optional<qsizetype> pageIndex) {
     m_currentPage = pageIndex;
     m_drawing = pageIndex ? makePageDrawing(*m_document, *pageIndex) : QByteArray();
     m_picture = {};
+    m_isUnavailable = m_currentPage && m_drawing.isEmpty();
     m_requestedSize = {};
     m_offset = {};
     ++m_pageTurn;
@@ -103,10 +107,29 @@ void PDFView::requestPicture(QSize pixelSize) {
     const auto deliver = [view = QPointer<PDFView>(this), pixelSize, turn = m_pageTurn](const QImage& image) {
         if (!view || view->m_pageTurn != turn || view->m_requestedSize != pixelSize)
             return;
-        view->m_picture = QPixmap::fromImage(image);
-        view->update();
+        view->takePicture(image);
     };
     m_renderer.render({m_drawing, pixelSize}, deliver);
+}
+
+void PDFView::takePicture(const QImage& image) {
+    m_isUnavailable = image.isNull();
+    m_picture = QPixmap::fromImage(image);
+    update();
+}
+
+void PDFView::paintPage(QPainter& painter, const PageGeometry& geometry) const {
+    const QRectF frame = toToolkit(geometry.frame(), height());
+    if (!m_picture.isNull()) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, m_picture.size() != geometry.pixelSize());
+        painter.drawPixmap(frame, m_picture, QRectF(m_picture.rect()));
+        return;
+    }
+    painter.fillRect(frame, Qt::white);
+    if (m_isUnavailable) {
+        painter.setPen(Qt::darkGray);
+        painter.drawText(frame, Qt::AlignCenter | Qt::TextWordWrap, unavailableText);
+    }
 }
 
 void PDFView::paintEvent(QPaintEvent*) {
@@ -115,13 +138,7 @@ void PDFView::paintEvent(QPaintEvent*) {
     const auto geometry = geometryOfPage();
     if (!geometry)
         return;
-    const QRectF frame = toToolkit(geometry->frame(), height());
-    if (m_picture.isNull()) {
-        painter.fillRect(frame, Qt::white);
-    } else {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, m_picture.size() != geometry->pixelSize());
-        painter.drawPixmap(frame, m_picture, QRectF(m_picture.rect()));
-    }
+    paintPage(painter, *geometry);
     requestPicture(geometry->pixelSize());
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 
+#include <QPainter>
 #include <QPixmap>
 #include <QPointer>
 #include <QWidget>
@@ -63,6 +64,8 @@ private:
     void turnPages(qsizetype count);
     void showPage(std::optional<qsizetype> pageIndex);
     void requestPicture(QSize pixelSize);
+    void takePicture(const QImage& image);
+    void paintPage(QPainter& painter, const PageGeometry& geometry) const;
 
     PageRenderer& m_renderer;
     std::shared_ptr<const PDFDocument> m_document;
@@ -73,10 +76,11 @@ private:
     Point m_offset;
     int m_wheelTravel = 0;  ///< in eighths of a degree since the last page was turned
 
-    QByteArray m_drawing;    ///< of the current page
-    QPixmap m_picture;       ///< of the current page; may be of another size than is wanted
-    QSize m_requestedSize;   ///< of the picture that was asked for last
-    quint64 m_pageTurn = 0;  ///< tells pictures of a page that is gone from those of the page on screen
+    QByteArray m_drawing;          ///< of the current page
+    QPixmap m_picture;             ///< of the current page; may be of another size than is wanted
+    QSize m_requestedSize;         ///< of the picture that was asked for last
+    bool m_isUnavailable = false;  ///< the current page cannot be rendered
+    quint64 m_pageTurn = 0;        ///< tells pictures of a page that is gone from those of the page on screen
 };
 
 }  // namespace vellmora

@@ -1,5 +1,5 @@
 #include "app/ContentWindow.h"
-#include "platform/pdf/render/QtPdfRenderer.h"
+#include "platform/pdf/render/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
@@ -73,7 +73,7 @@ protected:
     }
 
     TestWorkspace workspace;
-    QtPdfRenderer renderer;
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     std::unique_ptr<ContentWindow> shown;
 };
 

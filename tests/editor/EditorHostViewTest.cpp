@@ -1,5 +1,5 @@
 #include "editor/EditorHostView.h"
-#include "platform/pdf/render/QtPdfRenderer.h"
+#include "platform/pdf/render/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestPdf.h"
@@ -29,7 +29,7 @@ protected:
         return visible;
     }
 
-    QtPdfRenderer renderer;
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     EditorHostView host{renderer, nullptr};
     std::shared_ptr<const PDFDocument> document = pages(3).document();
     QList<qsizetype> shownPages;

@@ -1,5 +1,5 @@
 #include "editor/PDFEditorView.h"
-#include "platform/pdf/render/QtPdfRenderer.h"
+#include "platform/pdf/render/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestPdf.h"
@@ -27,7 +27,7 @@ protected:
     QProperty<StampsByPage> stampsByPage;
     QProperty<qsizetype> currentPageIndex{0};
     QProperty<std::optional<QUuid>> selectedStampID;
-    QtPdfRenderer renderer;
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     PDFEditorView bridge{&pdfDocument, &stampsByPage, &currentPageIndex, &selectedStampID};
     std::unique_ptr<EditorHostView> host;
 };

@@ -1,4 +1,4 @@
-#include "platform/pdf/render/QtPdfRenderer.h"
+#include "platform/pdf/render/ProcessRenderer.h"
 #include "platform/view/PDFView.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
@@ -27,7 +27,7 @@ protected:
     }
     QColor pixel(int x, int y) { return view.grab().toImage().pixelColor(x, y); }
 
-    QtPdfRenderer renderer;
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     PDFView view{renderer, nullptr};
 };
 

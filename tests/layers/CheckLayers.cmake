@@ -11,6 +11,7 @@ set(allowed_library library platform)
 set(allowed_export export library platform)
 set(allowed_editor editor library platform)
 set(allowed_ui ui library platform)
+set(allowed_renderer renderer platform)
 set(allowed_app app ui editor export library platform)
 
 # Folders whose code must not know widgets, nor the platform's folders that do.
@@ -18,7 +19,7 @@ set(withoutWidgets "^(library|export|platform/(error|geometry|files|defaults|tim
 set(platformWithWidgets "^platform/(view/PDFView|panels/DialogFilePanels)")
 # The libraries behind the platform, and where alone they are called.
 set(pdfLibraryFolder "^platform/pdf/[^/]+$")
-set(engineFolder "^platform/pdf/render/")
+set(engineFolder "^renderer/")
 
 set(wrong "")
 
@@ -39,14 +40,14 @@ function(is_widget_header include result)
     endforeach()
 endfunction()
 
-foreach(layer IN ITEMS platform library export editor ui app)
+foreach(layer IN ITEMS platform renderer library export editor ui app)
     file(GLOB_RECURSE files RELATIVE ${ROOT} ${ROOT}/${layer}/*.h ${ROOT}/${layer}/*.cpp)
     foreach(file IN LISTS files)
         file(STRINGS ${ROOT}/${file} includes REGEX "^[ \t]*#[ \t]*include")
         foreach(line IN LISTS includes)
             string(REGEX REPLACE "^[^<\"]*[<\"]([^>\"]+)[>\"].*$" "\\1" include "${line}")
             string(REGEX REPLACE "/.*$" "" first "${include}")
-            if(first MATCHES "^(app|ui|editor|export|library|platform|tests|tools)$" AND NOT first IN_LIST allowed_${layer})
+            if(first MATCHES "^(app|ui|editor|export|library|platform|renderer|tests|tools)$" AND NOT first IN_LIST allowed_${layer})
                 report(${file} ${include})
             endif()
             is_widget_header(${include} isWidget)

@@ -15,15 +15,16 @@ struct PageRenderRequest {
 };
 
 /// Turns page drawings into pixels. An interface, since the engine behind it is what hostile files break: it
-/// need not live in this process.
+/// does not live in this process.
 class PageRenderer {
 public:
-    /// Called once on the main thread: the page on white, `pixelSize` large; a null image where the drawing
-    /// cannot be rendered.
+    /// Called at most once, on the main thread: the page on white, `pixelSize` large; a null image where the
+    /// drawing cannot be rendered.
     using Completion = std::function<void(const QImage&)>;
 
     virtual ~PageRenderer() = default;
-    /// Returns at once; `completion` runs on a later turn of the event loop.
+    /// Returns at once; `completion` runs on a later turn of the event loop. The newest request is served
+    /// first, and one that many newer ones have overtaken is dropped.
     virtual void render(const PageRenderRequest& request, Completion completion) = 0;
 };
 

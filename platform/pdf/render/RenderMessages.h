@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vellmora {
+
+/// What the program and its renderer process say to each other, a packet each, over a socket of the kind that
+/// keeps packets apart (SOCK_SEQPACKET). Both run on one machine and come from one build, so the layout is
+/// that of memory.
+
+/// Comes with two file descriptors: the page's drawing (a PDF of one page), and where the pixels go (32 bits
+/// each, as QImage::Format_RGB32 has them, rows without gaps).
+struct RenderRequestMessage {
+    std::uint64_t drawingSize;
+    std::int32_t width;
+    std::int32_t height;
+};
+
+struct RenderReplyMessage {
+    std::uint32_t isRendered;  ///< 0 where the drawing cannot be rendered
+};
+
+/// The renderer process finds its end of the socket here.
+inline constexpr int rendererSocket = 3;
+
+/// Largest picture that is asked for, in pixels.
+inline constexpr std::int64_t maxRenderedPixels = std::int64_t{64} << 20;
+
+}  // namespace vellmora

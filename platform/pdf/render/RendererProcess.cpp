@@ -1,0 +1,83 @@
+#include "platform/pdf/render/RendererProcess.h"
+
+#include <array>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <utility>
+
+#include <QFile>
+
+namespace vellmora {
+
+namespace {
+
+/// Starts the program with `socket` as its descriptor `rendererSocket`; nothing where it cannot be started.
+std::optional<pid_t> spawn(const QString& program, int socket) {
+    QByteArray path = QFile::encodeName(program);
+    std::array<char*, 2> arguments{path.data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, socket, rendererSocket);
+    pid_t pid = 0;
+    const int error = ::posix_spawn(&pid, path.constData(), &actions, nullptr, arguments.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    return error == 0 ? std::optional(pid) : std::nullopt;
+}
+
+}  // namespace
+
+RendererProcess::RendererProcess(pid_t pid, FileDescriptor socket)
+    : m_pid(pid), m_socket(std::move(socket)) {}
+
+std::unique_ptr<RendererProcess> RendererProcess::start(const QString& program) {
+    std::array<int, 2> ends{};
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
+        return nullptr;
+    FileDescriptor ours(ends[0]);
+    FileDescriptor theirs(ends[1]);
+    // Where it is that very number already, duplicating it onto itself would leave it closed at the program's
+    // start.
+    if (theirs.get() == rendererSocket)
+        theirs = FileDescriptor(::fcntl(theirs.get(), F_DUPFD_CLOEXEC, rendererSocket + 1));
+    const std::optional<pid_t> pid = spawn(program, theirs.get());
+    if (!pid)
+        return nullptr;
+    return std::unique_ptr<RendererProcess>(new RendererProcess(*pid, std::move(ours)));
+}
+
+RendererProcess::~RendererProcess() {
+    // Also ends a process that was stopped; it is gone at once, so the wait is short.
+    ::kill(m_pid, SIGKILL);
+    ::waitpid(m_pid, nullptr, 0);
+}
+
+bool RendererProcess::send(const RenderRequestMessage& request, int drawing, int pixels) {
+    const std::array<int, 2> descriptors{drawing, pixels};
+    RenderRequestMessage copy = request;
+    iovec part{&copy, sizeof copy};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof descriptors)> control{};
+    msghdr message{};
+    message.msg_iov = &part;
+    message.msg_iovlen = 1;
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    cmsghdr* header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = SOL_SOCKET;
+    header->cmsg_type = SCM_RIGHTS;
+    header->cmsg_len = CMSG_LEN(sizeof descriptors);
+    std::memcpy(CMSG_DATA(header), descriptors.data(), sizeof descriptors);
+    return ::sendmsg(m_socket.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT) == sizeof copy;
+}
+
+std::optional<RenderReplyMessage> RendererProcess::receive() {
+    RenderReplyMessage reply{};
+    if (::recv(m_socket.get(), &reply, sizeof reply, MSG_DONTWAIT) != sizeof reply)
+        return std::nullopt;
+    return reply;
+}
+
+}  // namespace vellmora

@@ -1,0 +1,90 @@
+#include "platform/pdf/PageDrawing.h"
+#include "platform/pdf/render/ProcessRenderer.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+
+#include <csignal>
+
+#include <QTest>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+class ProcessRendererTest : public testing::Test {
+protected:
+    static QByteArray redPage() {
+        PdfBuilder source;
+        source.page("/MediaBox [0 0 100 100]", filledRect("1 0 0", "0 0 50 100"));
+        return makePageDrawing(*source.document(), 0);
+    }
+    /// What the renderer answers; nothing where it does not in time.
+    std::optional<QImage> render(const QByteArray& drawing, QSize size = {200, 200}) {
+        std::optional<QImage> answer;
+        renderer.render({drawing, size}, [&](const QImage& image) { answer = image; });
+        EXPECT_FALSE(answer) << "answered on a later turn only";
+        [[maybe_unused]] const bool isThere = QTest::qWaitFor([&] { return answer.has_value(); }, 10000);
+        return answer;
+    }
+    bool rendersRedPage() {
+        const auto page = render(redPage());
+        return page && isClose(page->pixelColor(50, 100), Qt::red) &&
+               isClose(page->pixelColor(150, 100), Qt::white);
+    }
+
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER), std::chrono::milliseconds(1500)};
+};
+
+}  // namespace
+
+TEST_F(ProcessRendererTest, RendersInAnotherProcess) {
+    ASSERT_TRUE(renderer.processID());
+    EXPECT_NE(*renderer.processID(), ::getpid());
+    EXPECT_TRUE(rendersRedPage());
+    EXPECT_TRUE(rendersRedPage());
+}
+
+TEST_F(ProcessRendererTest, AnswersWhatCannotBeRenderedAndGoesOn) {
+    EXPECT_TRUE(render("no pdf")->isNull());
+    EXPECT_TRUE(render({})->isNull());
+    EXPECT_TRUE(render(redPage(), {1000000, 1000000})->isNull());
+    EXPECT_TRUE(rendersRedPage());
+}
+
+TEST_F(ProcessRendererTest, SurvivesTheDeathOfTheProcessAtAnyMoment) {
+    for (int i = 0; i < 20; ++i) {
+        std::optional<QImage> answer;
+        renderer.render({redPage(), {600, 600}}, [&](const QImage& image) { answer = image; });
+        QTest::qWait(i % 4);
+        ::kill(*renderer.processID(), SIGKILL);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); })) << "killed after " << i % 4 << " ms";
+        ASSERT_TRUE(rendersRedPage());
+    }
+}
+
+TEST_F(ProcessRendererTest, AProcessThatHangsIsKilledAndReplaced) {
+    const pid_t stopped = *renderer.processID();
+    ::kill(stopped, SIGSTOP);
+    EXPECT_TRUE(render(redPage())->isNull());
+    EXPECT_NE(*renderer.processID(), stopped);
+    EXPECT_NE(::kill(stopped, 0), 0) << "gone and reaped";
+    EXPECT_TRUE(rendersRedPage());
+}
+
+TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
+    ProcessRenderer broken(QStringLiteral("/does/not/exist"));
+    std::optional<QImage> answer;
+    broken.render({redPage(), {10, 10}}, [&](const QImage& image) { answer = image; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
+    EXPECT_TRUE(answer->isNull());
+}
+
+TEST_F(ProcessRendererTest, TheNewestRequestIsServedFirst) {
+    QList<int> order;
+    for (int i = 0; i < 3; ++i)
+        renderer.render({redPage(), {50, 50}}, [&order, i](const QImage&) { order.append(i); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 3; }));
+    EXPECT_EQ(order, (QList<int>{2, 1, 0}));
+}
