@@ -47,7 +47,8 @@ std::optional<Request> receiveRequest() {
 
 bool serve(const Request& request) {
     const size_t drawingSize = request.message.drawingSize;
-    const QSize size(request.message.width, request.message.height);
+    const QRect part(request.message.x, request.message.y, request.message.width, request.message.height);
+    const QSize size = part.size();
     const auto pixelBytes =
         static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) * sizeof(QRgb);
     void* drawing = ::mmap(nullptr, drawingSize, PROT_READ, MAP_SHARED, request.drawing.get(), 0);
@@ -56,7 +57,8 @@ bool serve(const Request& request) {
     if (drawing != MAP_FAILED && pixels != MAP_FAILED) {
         QImage target(static_cast<uchar*>(pixels), size.width(), size.height(), QImage::Format_RGB32);
         const auto length = static_cast<qsizetype>(drawingSize);
-        isRendered = renderPage(QByteArray::fromRawData(static_cast<const char*>(drawing), length), target);
+        isRendered = renderPage(QByteArray::fromRawData(static_cast<const char*>(drawing), length),
+                                QSize(request.message.pageWidth, request.message.pageHeight), part, target);
     }
     if (drawing != MAP_FAILED)
         ::munmap(drawing, drawingSize);

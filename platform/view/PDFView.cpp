@@ -1,30 +1,34 @@
 #include "platform/view/PDFView.h"
 
-#include "platform/pdf/PageDrawing.h"
-
-#include <cmath>
+#include <algorithm>
+#include <limits>
 #include <utility>
-
-#include <QKeyEvent>
-#include <QPainter>
-#include <QWheelEvent>
 
 namespace vellmora {
 
 namespace {
 
 constexpr double pageMargin = 8;  // view points around a page that fits
-constexpr int wheelNotch = 120;   // the toolkit's unit: eighths of a degree
+
+/// How far a page can be zoomed, as multiples of the scale at which it fits.
+constexpr double smallestZoom = 0.5;
+constexpr double largestZoom = 12;
+
+/// A page with more pixels than this is rendered in parts.
+constexpr qint64 maxWholePagePixels = qint64{12} << 20;
+/// How much more than what is in sight a part covers, as a share of the view on each side.
+constexpr double partAllowance = 0.3;
 
 const QString unavailableText = QStringLiteral(
     "Diese Seite kann nicht angezeigt werden.\nStempeln und speichern lässt sie sich trotzdem.");
 
 }  // namespace
 
-PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_renderer(renderer) {
+PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_pictures(renderer, nullptr) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(QStringLiteral("Seitenansicht"));
+    connect(&m_pictures, &PagePictures::changed, this, [this] { update(); });
 }
 
 void PDFView::setAutoScales(bool autoScales) {
@@ -39,28 +43,65 @@ void PDFView::setBackgroundColor(const QColor& color) {
     update();
 }
 
+Rect PDFView::shownBox() const {
+    return m_document->page(*m_currentPage)->bounds(DisplayBox::cropBox);
+}
+
+double PDFView::fittingScale() const {
+    return PageGeometry::fittingScale(shownBox(), viewSize(), pageMargin);
+}
+
 double PDFView::scaleFactor() const {
-    if (!m_autoScales || !m_currentPage)
-        return m_fixedScale;
-    const Rect box = m_document->page(*m_currentPage)->bounds(DisplayBox::cropBox);
-    return PageGeometry::fittingScale(box, {double(width()), double(height())}, pageMargin);
+    return m_autoScales && m_currentPage ? fittingScale() : m_fixedScale;
 }
 
 void PDFView::setScaleFactor(double scale) {
     m_autoScales = false;
     m_fixedScale = scale;
+    if (m_currentPage)
+        m_fixedScale = std::clamp(scale, smallestZoom * fittingScale(), largestZoom * fittingScale());
+    m_offset = clampedOffset(m_offset);
     update();
     Q_EMIT scaleChanged();
 }
 
+void PDFView::zoom(double factor, Point anchor) {
+    if (!m_currentPage)
+        return;
+    const double before = scaleFactor();
+    m_autoScales = false;
+    m_fixedScale = std::clamp(before * factor, smallestZoom * fittingScale(), largestZoom * fittingScale());
+    const double growth = m_fixedScale / before;
+    // The anchor's distance from the page's centre grows with the page.
+    const double dx = anchor.x - centre().x - m_offset.x;
+    const double dy = anchor.y - centre().y - m_offset.y;
+    setScrollOffset({m_offset.x + dx * (1 - growth), m_offset.y + dy * (1 - growth)});
+}
+
+/// How far the page can be scrolled from its middle to either side.
+Point PDFView::scrollRange() const {
+    const Rect box = shownBox();
+    const double scale = scaleFactor();
+    return {std::max(0.0, (box.width * scale - width()) / 2 + pageMargin),
+            std::max(0.0, (box.height * scale - height()) / 2 + pageMargin)};
+}
+
+Point PDFView::clampedOffset(Point offset) const {
+    if (!m_currentPage || m_autoScales)
+        return {};
+    const Point range = scrollRange();
+    return {std::clamp(offset.x, -range.x, range.x), std::clamp(offset.y, -range.y, range.y)};
+}
+
 void PDFView::setScrollOffset(Point offset) {
-    m_offset = offset;
+    m_offset = clampedOffset(offset);
     update();
     Q_EMIT scaleChanged();
 }
 
 void PDFView::setDocument(std::shared_ptr<const PDFDocument> document) {
     m_document = std::move(document);
+    m_pictures.setDocument(m_document);
     const bool hasPages = m_document && m_document->pageCount() > 0;
     showPage(hasPages ? std::optional<qsizetype>(0) : std::nullopt);
 }
@@ -72,12 +113,11 @@ void PDFView::goTo(qsizetype pageIndex) {
 
 void PDFView::showPage(std::optional<qsizetype> pageIndex) {
     m_currentPage = pageIndex;
-    m_drawing = pageIndex ? makePageDrawing(*m_document, *pageIndex) : QByteArray();
-    m_picture = {};
-    m_isUnavailable = m_currentPage && m_drawing.isEmpty();
-    m_requestedSize = {};
-    m_offset = {};
-    ++m_pageTurn;
+    m_wheelTravel = 0;
+    if (pageIndex)
+        m_pictures.setCentre(*pageIndex);
+    // A page is read from its top.
+    m_offset = clampedOffset({m_offset.x, -std::numeric_limits<double>::max()});
     update();
     Q_EMIT pageChanged();
 }
@@ -85,9 +125,7 @@ void PDFView::showPage(std::optional<qsizetype> pageIndex) {
 std::optional<PageGeometry> PDFView::geometryOfPage() const {
     if (!m_currentPage)
         return std::nullopt;
-    const Rect box = m_document->page(*m_currentPage)->bounds(DisplayBox::cropBox);
-    const PageGeometry::View view{{double(width()), double(height())}, devicePixelRatioF()};
-    return PageGeometry(box, view, scaleFactor(), m_offset);
+    return PageGeometry(shownBox(), {viewSize(), devicePixelRatioF()}, scaleFactor(), m_offset);
 }
 
 Rect PDFView::convertFromPage(const Rect& pageRect) const {
@@ -100,36 +138,61 @@ Rect PDFView::convertToPage(const Rect& viewRect) const {
     return geometry ? geometry->toPage(viewRect) : Rect{};
 }
 
-void PDFView::requestPicture(QSize pixelSize) {
-    if (pixelSize == m_requestedSize || m_drawing.isEmpty())
-        return;
-    m_requestedSize = pixelSize;
-    const auto deliver = [view = QPointer<PDFView>(this), pixelSize, turn = m_pageTurn](const QImage& image) {
-        if (!view || view->m_pageTurn != turn || view->m_requestedSize != pixelSize)
-            return;
-        view->takePicture(image);
-    };
-    m_renderer.render({m_drawing, pixelSize}, deliver);
+/// The whole page, or of a very large one the part in sight and some more.
+PagePictures::Wish PDFView::wishFor(const PageGeometry& geometry) const {
+    const QSize full = geometry.pixelSize();
+    const QRect whole(QPoint(0, 0), full);
+    if (qint64(full.width()) * full.height() <= maxWholePagePixels)
+        return {full, whole};
+    const double ratio = devicePixelRatioF();
+    const QRectF frame = toToolkit(geometry.frame(), height());
+    const QRectF inSight((QPointF(0, 0) - frame.topLeft()) * ratio, QSizeF(size()) * ratio);
+    const PagePictures::Wish shown = m_pictures.picture(*m_currentPage).shows;
+    if (shown.fullSize == full && shown.part.contains(inSight.toAlignedRect().intersected(whole)))
+        return shown;
+    const double dx = inSight.width() * partAllowance;
+    const double dy = inSight.height() * partAllowance;
+    return {full, inSight.adjusted(-dx, -dy, dx, dy).toAlignedRect().intersected(whole)};
 }
 
-void PDFView::takePicture(const QImage& image) {
-    m_isUnavailable = image.isNull();
-    m_picture = QPixmap::fromImage(image);
-    update();
+/// The page on screen; once it is there, its neighbours, so that turning the page shows them at once.
+void PDFView::requestPictures(const PageGeometry& geometry) {
+    const PagePictures::Wish wish = wishFor(geometry);
+    m_pictures.request(*m_currentPage, wish);
+    const PagePictures::Picture shown = m_pictures.picture(*m_currentPage);
+    if (!m_autoScales || !(shown.shows == wish))
+        return;
+    for (const qsizetype neighbour : {*m_currentPage - 1, *m_currentPage + 1}) {
+        const std::optional<PDFPage> page = m_document->page(neighbour);
+        if (!page)
+            continue;
+        const Rect box = page->bounds(DisplayBox::cropBox);
+        const double scale = PageGeometry::fittingScale(box, viewSize(), pageMargin);
+        const QSize size = PageGeometry(box, {viewSize(), devicePixelRatioF()}, scale).pixelSize();
+        m_pictures.request(neighbour, {size, QRect(QPoint(0, 0), size)});
+    }
 }
 
 void PDFView::paintPage(QPainter& painter, const PageGeometry& geometry) const {
     const QRectF frame = toToolkit(geometry.frame(), height());
-    if (!m_picture.isNull()) {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, m_picture.size() != geometry.pixelSize());
-        painter.drawPixmap(frame, m_picture, QRectF(m_picture.rect()));
-        return;
-    }
     painter.fillRect(frame, Qt::white);
-    if (m_isUnavailable) {
+    const PagePictures::Picture picture = m_pictures.picture(*m_currentPage);
+    if (picture.isUnavailable) {
         painter.setPen(Qt::darkGray);
         painter.drawText(frame, Qt::AlignCenter | Qt::TextWordWrap, unavailableText);
+        return;
     }
+    if (picture.pixmap.isNull())
+        return;
+    // Where the picture lies on the page, as it is scaled now; exactly pixel for pixel where it was made for
+    // this scale.
+    const double sx = frame.width() / picture.shows.fullSize.width();
+    const double sy = frame.height() / picture.shows.fullSize.height();
+    const QRectF part(picture.shows.part);
+    const QRectF target(frame.x() + part.x() * sx, frame.y() + part.y() * sy, part.width() * sx,
+                        part.height() * sy);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, picture.shows.fullSize != geometry.pixelSize());
+    painter.drawPixmap(target, picture.pixmap, QRectF(picture.pixmap.rect()));
 }
 
 void PDFView::paintEvent(QPaintEvent*) {
@@ -139,52 +202,12 @@ void PDFView::paintEvent(QPaintEvent*) {
     if (!geometry)
         return;
     paintPage(painter, *geometry);
-    requestPicture(geometry->pixelSize());
+    requestPictures(*geometry);
 }
 
 void PDFView::resizeEvent(QResizeEvent*) {
+    m_offset = clampedOffset(m_offset);
     Q_EMIT scaleChanged();
-}
-
-void PDFView::turnPages(qsizetype count) {
-    if (!m_currentPage)
-        return;
-    goTo(qBound<qsizetype>(0, *m_currentPage + count, m_document->pageCount() - 1));
-}
-
-void PDFView::wheelEvent(QWheelEvent* event) {
-    const int travel = event->angleDelta().y();
-    if ((travel > 0) != (m_wheelTravel > 0))
-        m_wheelTravel = 0;
-    m_wheelTravel += travel;
-    const int notches = m_wheelTravel / wheelNotch;
-    m_wheelTravel -= notches * wheelNotch;
-    turnPages(-notches);
-    event->accept();
-}
-
-void PDFView::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_PageDown:
-        case Qt::Key_Down:
-        case Qt::Key_Right:
-            turnPages(1);
-            break;
-        case Qt::Key_PageUp:
-        case Qt::Key_Up:
-        case Qt::Key_Left:
-            turnPages(-1);
-            break;
-        case Qt::Key_Home:
-            goTo(0);
-            break;
-        case Qt::Key_End:
-            if (m_document)
-                goTo(m_document->pageCount() - 1);
-            break;
-        default:
-            QWidget::keyPressEvent(event);
-    }
 }
 
 }  // namespace vellmora

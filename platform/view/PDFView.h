@@ -1,20 +1,22 @@
 #pragma once
 
 #include "platform/pdf/PDFDocument.h"
-#include "platform/pdf/render/PageRenderer.h"
 #include "platform/view/PageGeometry.h"
+#include "platform/view/PagePictures.h"
 
 #include <memory>
 #include <optional>
 
 #include <QPainter>
-#include <QPixmap>
-#include <QPointer>
 #include <QWidget>
 
 namespace vellmora {
 
-/// Shows one page of a document at a time. The wheel and the arrow and page keys turn the pages.
+/// Shows one page of a document at a time, fitted or zoomed.
+///
+/// The wheel scrolls within a page that is larger than the view, and turns to the next page at its edge; with
+/// Ctrl it zooms about the pointer, as a pinch does. Arrow and page keys, Space, Home and End do what they do
+/// in any page view; a menu under the right mouse button has the rest.
 ///
 /// View space is measured in view points from the view's lower left corner, y upwards.
 class PDFView : public QWidget {
@@ -26,14 +28,20 @@ public:
 
     /// True: the page is scaled to fit the view, also when the view is resized. The default is false.
     void setAutoScales(bool autoScales);
+    bool autoScales() const { return m_autoScales; }
     void setBackgroundColor(const QColor& color);
 
     /// View points for each point of the page.
     double scaleFactor() const;
-    /// Shows the page at a fixed scale from now on; `autoScales` ends.
+    /// Shows the page at a fixed scale from now on; `autoScales` ends. The scale is kept within sensible
+    /// limits.
     void setScaleFactor(double scale);
-    /// How far the page lies from the view's centre, in view points.
+    /// The same, with what is at `anchor` (view space) staying there.
+    void zoom(double factor, Point anchor);
+    /// How far the page's centre lies from the view's, in view points; kept so that no edge of a page larger
+    /// than the view comes further in than its margin.
     void setScrollOffset(Point offset);
+    Point scrollOffset() const { return m_offset; }
 
     const std::shared_ptr<const PDFDocument>& document() const { return m_document; }
     /// Shows the first page where there is one. Notifies of a page change.
@@ -54,20 +62,32 @@ Q_SIGNALS:
     void scaleChanged();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    Size viewSize() const { return {double(width()), double(height())}; }
+    Point centre() const { return {width() / 2.0, height() / 2.0}; }
+    Rect shownBox() const;
+    double fittingScale() const;
+    Point clampedOffset(Point offset) const;
+    Point scrollRange() const;
     std::optional<PageGeometry> geometryOfPage() const;
-    void turnPages(qsizetype count);
+
+    bool turnPage(int direction);
+    bool scrollBy(double dx, double dy);
+    void scrollOrTurn(double dy);
+    void wheelTurn(int angle);
     void showPage(std::optional<qsizetype> pageIndex);
-    void requestPicture(QSize pixelSize);
-    void takePicture(const QImage& image);
+
+    PagePictures::Wish wishFor(const PageGeometry& geometry) const;
+    void requestPictures(const PageGeometry& geometry);
     void paintPage(QPainter& painter, const PageGeometry& geometry) const;
 
-    PageRenderer& m_renderer;
     std::shared_ptr<const PDFDocument> m_document;
     std::optional<qsizetype> m_currentPage;
     QColor m_backgroundColor = Qt::black;
@@ -75,12 +95,7 @@ private:
     double m_fixedScale = 1;
     Point m_offset;
     int m_wheelTravel = 0;  ///< in eighths of a degree since the last page was turned
-
-    QByteArray m_drawing;          ///< of the current page
-    QPixmap m_picture;             ///< of the current page; may be of another size than is wanted
-    QSize m_requestedSize;         ///< of the picture that was asked for last
-    bool m_isUnavailable = false;  ///< the current page cannot be rendered
-    quint64 m_pageTurn = 0;        ///< tells pictures of a page that is gone from those of the page on screen
+    PagePictures m_pictures;
 };
 
 }  // namespace vellmora

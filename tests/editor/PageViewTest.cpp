@@ -4,6 +4,8 @@
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
+#include <cmath>
+
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
@@ -20,9 +22,8 @@ protected:
         view.setAutoScales(true);
         view.show();
     }
-    void wheel(int angle) {
-        QWheelEvent event({10, 10}, {10, 10}, {}, {0, angle}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
-                          false);
+    void wheel(int angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier, QPointF at = {10, 10}) {
+        QWheelEvent event(at, at, {}, {0, angle}, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&view, &event);
     }
     QColor pixel(int x, int y) { return view.grab().toImage().pixelColor(x, y); }
@@ -114,6 +115,99 @@ TEST_F(PDFViewTest, KeysAndWheelTurnPagesWithinTheDocument) {
     EXPECT_EQ(view.currentPageIndex(), 1);
     wheel(120);
     EXPECT_EQ(view.currentPageIndex(), 0);
+}
+
+TEST_F(PDFViewTest, AnEventOfManyNotchesTurnsOnePage) {
+    view.setDocument(pages(9).document());
+    wheel(-480);
+    EXPECT_EQ(view.currentPageIndex(), 1);
+}
+
+TEST_F(PDFViewTest, ZoomsAboutThePointerWithinLimits) {
+    view.setDocument(PdfBuilder().page("/MediaBox [0 0 400 600]").document());
+    const QPointF pointer(420, 300);
+    const Point anchor = fromToolkit(pointer, view.height());
+    const Rect before = view.convertToPage({anchor.x, anchor.y, 0, 0});
+    const double fitting = view.scaleFactor();
+    for (int i = 0; i < 4; ++i)
+        wheel(120, Qt::ControlModifier, pointer);
+    EXPECT_NEAR(view.scaleFactor(), fitting * std::pow(1.25, 4), 1e-9);
+    EXPECT_TRUE(isNear(view.convertToPage({anchor.x, anchor.y, 0, 0}), before, 1.0))
+        << "what is under the pointer stays";
+    for (int i = 0; i < 60; ++i)
+        wheel(120, Qt::ControlModifier, pointer);
+    EXPECT_NEAR(view.scaleFactor(), fitting * 12, 1e-9);
+    view.setAutoScales(true);
+    EXPECT_EQ(view.scaleFactor(), fitting);
+    EXPECT_EQ(view.scrollOffset(), (Point{0, 0}));
+}
+
+TEST_F(PDFViewTest, AZoomedPageScrollsAndTurnsAtItsEdges) {
+    view.setDocument(pages(3).document());
+    view.setScaleFactor(view.scaleFactor() * 2);
+    view.setScrollOffset({0, -10000});
+    const double top = view.scrollOffset().y;
+    wheel(-120);
+    EXPECT_EQ(view.scrollOffset().y, top + 60);
+    EXPECT_EQ(view.currentPageIndex(), 0);
+    while (view.currentPageIndex() == 0)
+        wheel(-120);
+    EXPECT_EQ(view.currentPageIndex(), 1);
+    EXPECT_EQ(view.scrollOffset().y, top) << "a page is read from its top";
+    wheel(120);
+    EXPECT_EQ(view.currentPageIndex(), 0);
+    EXPECT_EQ(view.scrollOffset().y, -top) << "and come upon backwards from its end";
+    QTest::keyClick(&view, Qt::Key_Space);
+    EXPECT_EQ(view.currentPageIndex(), 1);
+    QTest::keyClick(&view, Qt::Key_PageDown);
+    EXPECT_EQ(view.currentPageIndex(), 1) << "scrolls first";
+    EXPECT_GT(view.scrollOffset().y, top);
+}
+
+TEST_F(PDFViewTest, IsSharpAtEveryZoomAndRendersOnlyWhatIsInSight) {
+    PdfBuilder source;
+    source.page("/MediaBox [0 0 200 200]", filledRect("1 0 0", "100 100 0.5 0.5"));
+    view.setDocument(source.document());
+    view.setScaleFactor(1000);
+    EXPECT_NEAR(view.scaleFactor(), 584.0 / 200 * 12, 1e-9);
+    const Rect dot = view.convertFromPage({100, 100, 0.5, 0.5});
+    const QPoint middle = toToolkit(dot, view.height()).center().toPoint();
+    const int edge = qRound(toToolkit(dot, view.height()).right());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isClose(pixel(edge - 2, middle.y()), Qt::red); }));
+    EXPECT_TRUE(isClose(pixel(middle.x(), middle.y()), Qt::red));
+    EXPECT_TRUE(isClose(pixel(edge + 2, middle.y()), Qt::white))
+        << "half a point is 17 pixels wide, with a sharp edge";
+}
+
+TEST_F(PDFViewTest, TheNextPageIsThereBeforeItIsTurnedTo) {
+    PdfBuilder source;
+    source.page({}, filledRect("1 0 0", "0 0 595 842")).page({}, filledRect("0 0 1", "0 0 595 842"));
+    view.setDocument(source.document());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isClose(pixel(300, 400), Qt::red); }));
+    QTest::qWait(200);
+    QTest::keyClick(&view, Qt::Key_PageDown);
+    EXPECT_TRUE(isClose(pixel(300, 400), Qt::blue)) << "painted at once, without a turn of the event loop";
+}
+
+TEST_F(PDFViewTest, SaysQuietlyWhenAPageCannotBeShown) {
+    ProcessRenderer broken{QStringLiteral("/does/not/exist")};
+    PDFView unlucky(broken, nullptr);
+    unlucky.resize(600, 800);
+    unlucky.setAutoScales(true);
+    unlucky.setDocument(pages(2).document());
+    const auto inkOf = [&] {
+        const QImage image = unlucky.grab().toImage();
+        int ink = 0;
+        for (int x = 100; x < 500; ++x) {
+            for (int y = 360; y < 440; ++y)
+                ink += image.pixelColor(x, y).lightness() < 200 ? 1 : 0;
+        }
+        return ink;
+    };
+    EXPECT_EQ(inkOf(), 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return inkOf() > 100; })) << "a notice in the page's place";
+    QTest::keyClick(&unlucky, Qt::Key_PageDown);
+    EXPECT_EQ(unlucky.currentPageIndex(), 1);
 }
 
 TEST_F(PDFViewTest, NotifiesOfScaleChangesAndKeepsAFixedScale) {

@@ -23,7 +23,8 @@ protected:
     /// What the renderer answers; nothing where it does not in time.
     std::optional<QImage> render(const QByteArray& drawing, QSize size = {200, 200}) {
         std::optional<QImage> answer;
-        renderer.render({drawing, size}, [&](const QImage& image) { answer = image; });
+        renderer.render(PageRenderRequest::whole(drawing, size),
+                        [&](const QImage& image) { answer = image; });
         EXPECT_FALSE(answer) << "answered on a later turn only";
         [[maybe_unused]] const bool isThere = QTest::qWaitFor([&] { return answer.has_value(); }, 10000);
         return answer;
@@ -56,7 +57,8 @@ TEST_F(ProcessRendererTest, AnswersWhatCannotBeRenderedAndGoesOn) {
 TEST_F(ProcessRendererTest, SurvivesTheDeathOfTheProcessAtAnyMoment) {
     for (int i = 0; i < 20; ++i) {
         std::optional<QImage> answer;
-        renderer.render({redPage(), {600, 600}}, [&](const QImage& image) { answer = image; });
+        renderer.render(PageRenderRequest::whole(redPage(), {600, 600}),
+                        [&](const QImage& image) { answer = image; });
         QTest::qWait(i % 4);
         ::kill(*renderer.processID(), SIGKILL);
         ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); })) << "killed after " << i % 4 << " ms";
@@ -76,15 +78,40 @@ TEST_F(ProcessRendererTest, AProcessThatHangsIsKilledAndReplaced) {
 TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
     ProcessRenderer broken(QStringLiteral("/does/not/exist"));
     std::optional<QImage> answer;
-    broken.render({redPage(), {10, 10}}, [&](const QImage& image) { answer = image; });
+    broken.render(PageRenderRequest::whole(redPage(), {10, 10}),
+                  [&](const QImage& image) { answer = image; });
     ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
     EXPECT_TRUE(answer->isNull());
+}
+
+TEST_F(ProcessRendererTest, RendersAPartAsItLooksInTheWhole) {
+    for (const char* rotation : {"", "/Rotate 90"}) {
+        PdfBuilder source;
+        source.page(std::string("/MediaBox [20 30 120 180] ") + rotation,
+                    filledRect("0 0 1", "30 40 20 30") + filledRect("0 1 0", "70.3 90.7 33 44"));
+        const QByteArray drawing = makePageDrawing(*source.document(), 0);
+        const QSize size = std::string(rotation).empty() ? QSize(1600, 2400) : QSize(2400, 1600);
+        const QRect part(700, 600, 840, 700);
+        const QImage whole = *render(drawing, size);
+        std::optional<QImage> answer;
+        renderer.render({drawing, size, part}, [&](const QImage& image) { answer = image; });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
+        ASSERT_EQ(answer->size(), part.size());
+        int differing = 0;
+        for (int y = 0; y < part.height(); ++y) {
+            for (int x = 0; x < part.width(); ++x)
+                differing +=
+                    isClose(answer->pixelColor(x, y), whole.pixelColor(part.x() + x, part.y() + y)) ? 0 : 1;
+        }
+        EXPECT_LT(differing, part.width() * 2) << rotation;
+    }
 }
 
 TEST_F(ProcessRendererTest, TheNewestRequestIsServedFirst) {
     QList<int> order;
     for (int i = 0; i < 3; ++i)
-        renderer.render({redPage(), {50, 50}}, [&order, i](const QImage&) { order.append(i); });
+        renderer.render(PageRenderRequest::whole(redPage(), {50, 50}),
+                        [&order, i](const QImage&) { order.append(i); });
     ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 3; }));
     EXPECT_EQ(order, (QList<int>{2, 1, 0}));
 }

@@ -4,21 +4,27 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QRect>
 #include <QSize>
 
 namespace vellmora {
 
-/// A page drawing (a PDF of one page) and how large it is wanted.
+/// A page drawing (a PDF of one page), how large the whole page is wanted, and which part of it.
 struct PageRenderRequest {
     QByteArray drawing;
     QSize pixelSize;
+    QRect part;  ///< in pixels of the whole page, inside it
+
+    static PageRenderRequest whole(const QByteArray& drawing, QSize size) {
+        return {drawing, size, {{0, 0}, size}};
+    }
 };
 
 /// Turns page drawings into pixels. An interface, since the engine behind it is what hostile files break: it
 /// does not live in this process.
 class PageRenderer {
 public:
-    /// Called at most once, on the main thread: the page on white, `pixelSize` large; a null image where the
+    /// Called at most once, on the main thread: the part of the page on white; a null image where the
     /// drawing cannot be rendered.
     using Completion = std::function<void(const QImage&)>;
 

@@ -58,9 +58,11 @@ void ProcessRenderer::serveNext() {
 }
 
 bool ProcessRenderer::begin(Waiting work) {
-    const QSize size = work.request.pixelSize;
-    const qint64 pixelCount = qint64(size.width()) * size.height();
-    if (size.isEmpty() || pixelCount > maxRenderedPixels || work.request.drawing.isEmpty())
+    const QSize page = work.request.pixelSize;
+    const QRect part = work.request.part;
+    const qint64 pixelCount = qint64(part.width()) * part.height();
+    if (part.isEmpty() || !QRect(QPoint(0, 0), page).contains(part) || pixelCount > maxRenderedPixels ||
+        work.request.drawing.isEmpty())
         return false;
     const auto drawingSize = static_cast<size_t>(work.request.drawing.size());
     SharedMemory drawing(drawingSize);
@@ -68,7 +70,8 @@ bool ProcessRenderer::begin(Waiting work) {
     if (!drawing.isValid() || !pixels->isValid())
         return false;
     std::memcpy(drawing.bytes(), work.request.drawing.constData(), drawingSize);
-    const RenderRequestMessage message{drawingSize, size.width(), size.height()};
+    const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
+                                       part.y(),    part.width(), part.height()};
     if (!m_process || !m_process->send(message, drawing.descriptor(), pixels->descriptor())) {
         startProcess();
         if (!m_process || !m_process->send(message, drawing.descriptor(), pixels->descriptor()))
@@ -86,7 +89,7 @@ void ProcessRenderer::takeReply() {
         return processEnded();
     QImage image;
     if (reply->isRendered) {
-        const QSize size = m_job->work.request.pixelSize;
+        const QSize size = m_job->work.request.part.size();
         const qsizetype rowLength = qsizetype{size.width()} * qsizetype{sizeof(QRgb)};
         // A copy: the other process could still write to the memory.
         image = QImage(m_job->pixels->bytes(), size.width(), size.height(), rowLength, QImage::Format_RGB32)
@@ -95,8 +98,8 @@ void ProcessRenderer::takeReply() {
     finish(image);
 }
 
-/// The process is gone or talks nonsense. It may have been dying before it was given the page, so the page is tried once
-/// more.
+/// The process is gone or talks nonsense. It may have been dying before it was given the page, so the page is
+/// tried once more.
 void ProcessRenderer::processEnded() {
     if (!m_job || m_job->work.isSecondTry)
         return giveUp();

@@ -12,6 +12,10 @@ namespace vellmora {
 /// each, as QImage::Format_RGB32 has them, rows without gaps).
 struct RenderRequestMessage {
     std::uint64_t drawingSize;
+    std::int32_t pageWidth;  ///< of the whole page, in pixels
+    std::int32_t pageHeight;
+    std::int32_t x;  ///< the part that is wanted, in pixels of the whole page
+    std::int32_t y;
     std::int32_t width;
     std::int32_t height;
 };
