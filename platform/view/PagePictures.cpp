@@ -43,6 +43,10 @@ void PagePictures::take(qsizetype pageIndex, const Wish& wish, const QImage& ima
 
 void PagePictures::setCentre(qsizetype pageIndex) {
     m_centre = pageIndex;
+    // The renderer may have dropped what was asked for ahead of time: it is asked for again.
+    const auto page = m_pages.find(pageIndex);
+    if (page != m_pages.end() && page->picture.shows != page->wanted)
+        page->wanted = {};
     keepWithinBudget();
 }
 

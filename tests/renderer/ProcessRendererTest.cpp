@@ -75,6 +75,18 @@ TEST_F(ProcessRendererTest, AProcessThatHangsIsKilledAndReplaced) {
     EXPECT_TRUE(rendersRedPage());
 }
 
+TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForANewerOneAndIsTriedAgain) {
+    std::optional<QImage> slow;
+    renderer.render(PageRenderRequest::whole(redPage(), {300, 300}),
+                    [&](const QImage& image) { slow = image; });
+    QTest::qWait(0);
+    ::kill(*renderer.processID(), SIGSTOP);
+    QTest::qWait(900);
+    EXPECT_TRUE(rendersRedPage()) << "before the limit of the one that hangs";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return slow.has_value(); }));
+    EXPECT_FALSE(slow->isNull());
+}
+
 TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
     ProcessRenderer broken(QStringLiteral("/does/not/exist"));
     std::optional<QImage> answer;

@@ -42,7 +42,7 @@ void ProcessRenderer::render(const PageRenderRequest& request, Completion comple
         m_waiting.pop_front();
     m_waiting.push_back({request, std::move(completion), false});
     if (m_job && m_job->age.hasExpired(patience.count()))
-        QMetaObject::invokeMethod(this, &ProcessRenderer::giveUp, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &ProcessRenderer::makeWay, Qt::QueuedConnection);
     else
         QMetaObject::invokeMethod(this, &ProcessRenderer::serveNext, Qt::QueuedConnection);
 }
@@ -109,6 +109,17 @@ void ProcessRenderer::processEnded() {
     m_limit.stop();
     replaceProcess();
     m_waiting.push_back(std::move(again));
+    serveNext();
+}
+
+/// Puts off a page that takes long, for newer ones; it has its full time when they are done.
+void ProcessRenderer::makeWay() {
+    if (!m_job || m_waiting.empty())
+        return;
+    m_waiting.push_front(std::move(m_job->work));
+    m_job.reset();
+    m_limit.stop();
+    replaceProcess();
     serveNext();
 }
 

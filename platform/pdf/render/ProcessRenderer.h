@@ -55,6 +55,7 @@ private:
     bool begin(Waiting work);
     void takeReply();
     void processEnded();
+    void makeWay();
     void replaceProcess();
     void giveUp();
     void finish(const QImage& image);
