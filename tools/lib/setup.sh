@@ -10,6 +10,7 @@ build_packages=(
     libgtest-dev
     poppler-utils mupdf-tools qpdf
 )
+# A virtual display, for the guided tour and the tests in the real window.
 tour_packages=(xvfb openbox xdotool dbus-daemon at-spi2-core python3-gi imagemagick poppler-utils)
 wayland_packages=(qt6-wayland)
 

@@ -48,7 +48,13 @@ class VirtualDesktop:
         self.env["DBUS_SESSION_BUS_ADDRESS"] = self.spawn_telling(
             lambda fd: ["dbus-daemon", "--session", "--nofork", "--print-address=" + fd])
         self.spawn(["openbox", "--sm-disable"])
-        wait_for(lambda: self.run("xdotool", "get_desktop", check=False).returncode == 0, "the window manager")
+        wait_for(self.has_window_manager, "the window manager")
+
+    def has_window_manager(self):
+        """It is started again where it ended: now and then it finds the display not ready yet."""
+        if self.processes[-1].poll() is not None:
+            self.spawn(["openbox", "--sm-disable"])
+        return self.run("xdotool", "get_desktop", check=False).returncode == 0
 
     def spawn(self, command, **options):
         with open(self.folder / (Path(command[0]).name + ".log"), "wb") as log:
