@@ -33,9 +33,6 @@ public:
     /// Which part of the grid is in sight, in its own coordinates.
     void setVisibleSpan(int top, int bottom);
 
-    /// Null for an entry whose tile is out of sight.
-    PresetTile* tile(const QUuid& id) const { return m_tiles.value(id); }
-
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

@@ -48,11 +48,6 @@ TextLabel::TextLabel(const QString& text, const QFont& font, Color color, QWidge
     setFont(font);
 }
 
-void TextLabel::setColor(Color color) {
-    m_color = std::move(color);
-    update();
-}
-
 void TextLabel::setMaximumLines(int lines) {
     m_maximumLines = lines;
     QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -64,16 +59,6 @@ void TextLabel::setWraps() {
     setWordWrap(true);
 }
 
-int TextLabel::lineCount(const QString& text, const QFont& font, double width, int maximum) {
-    if (QFontMetricsF(font).horizontalAdvance(text) <= width)
-        return 1;
-    if (maximum <= 2)
-        return maximum;
-    QTextLayout layout(text, font);
-    breakLines(layout, width, maximum);
-    return qMax(1, layout.lineCount());
-}
-
 QSize TextLabel::sizeHint() const {
     if (wordWrap())
         return QLabel::sizeHint();
@@ -83,7 +68,8 @@ QSize TextLabel::sizeHint() const {
 int TextLabel::heightForWidth(int width) const {
     if (m_maximumLines == 0)
         return QLabel::heightForWidth(width);
-    return lineCount(text(), font(), width, m_maximumLines) * fontMetrics().height();
+    const bool fitsOneLine = QFontMetricsF(font()).horizontalAdvance(text()) <= width;
+    return (fitsOneLine ? 1 : m_maximumLines) * fontMetrics().height();
 }
 
 QSize TextLabel::minimumSizeHint() const {

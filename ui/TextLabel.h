@@ -15,15 +15,11 @@ public:
 
     TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
 
-    void setColor(Color color);
     /// Breaks lines at the label's width, and cuts the last of `lines` off with an ellipsis. The label is as
     /// wide as its place then. 0 (the default): one line that is never cut off.
     void setMaximumLines(int lines);
     /// Breaks lines, as many as are needed.
     void setWraps();
-
-    /// How many lines the text takes in this width, at most `maximum`.
-    static int lineCount(const QString& text, const QFont& font, double width, int maximum);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -28,7 +28,6 @@ public:
 
     /// True: the page is scaled to fit the view, also when the view is resized. The default is false.
     void setAutoScales(bool autoScales);
-    bool autoScales() const { return m_autoScales; }
     void setBackgroundColor(const QColor& color);
 
     /// View points for each point of the page.

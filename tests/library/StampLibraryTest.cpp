@@ -145,18 +145,18 @@ TEST_F(StampLibraryTest, AnUnreadableFileYieldsTheBuiltinsAndIsKeptAsideOnce) {
         writeMetadata(content);
         EXPECT_EQ(workspace.makeLibrary()->presets().size(), 5);
         EXPECT_EQ(stored().size(), 5);
-        const QDir folder(workspace.libraryFolder());
+        const QDir folder(workspace.storeFolder());
         const QStringList kept = folder.entryList({QStringLiteral("*.unlesbar-*.json")});
         ASSERT_EQ(kept.size(), 1);
         EXPECT_EQ(readFile(folder.filePath(kept.first())), content);
-        QDir(workspace.libraryFolder()).removeRecursively();
+        QDir(workspace.storeFolder()).removeRecursively();
     }
 }
 
 TEST_F(StampLibraryTest, FileNamesThatLeaveTheFolderAreNeverFollowed) {
     writeMetadata("[" + entry(firstID, "Ausbruch", "../geheim.png") + ", " + entry(secondID, "Leer", "") +
                   "]");
-    writeFile(workspace.libraryFolder() + QStringLiteral("/geheim.png"), plainPng(2, 2, Qt::red));
+    writeFile(workspace.storeFolder() + QStringLiteral("/geheim.png"), plainPng(2, 2, Qt::red));
     const auto library = workspace.makeLibrary();
     EXPECT_TRUE(userNames(*library).isEmpty());
     EXPECT_FALSE(library->image({QUuid::createUuid(), {}, QStringLiteral("../geheim.png"), {}, {}, {}}));

@@ -28,9 +28,9 @@ public:
 
     QString path(const QString& name) const { return m_folder.filePath(name); }
     QUrl url(const QString& name) const { return QUrl::fromLocalFile(path(name)); }
-    QString libraryFolder() const { return path(QStringLiteral("data/Vellmora")); }
-    QString stampsFolder() const { return libraryFolder() + QStringLiteral("/Stamps"); }
-    QString metadataFile() const { return libraryFolder() + QStringLiteral("/stamp-library.json"); }
+    QString storeFolder() const { return path(QStringLiteral("data/Vellmora")); }
+    QString stampsFolder() const { return storeFolder() + QStringLiteral("/Stamps"); }
+    QString metadataFile() const { return storeFolder() + QStringLiteral("/stamp-library.json"); }
     Folders folders() const;
 
     /// A library as a new start of the program makes it.
