@@ -114,6 +114,8 @@ bool filterSystemCalls(bool canOpenFiles) {
                                           SCMP_SYS(restart_syscall),
                                           SCMP_SYS(set_robust_list),
                                           SCMP_SYS(eventfd2),
+                                          SCMP_SYS(pipe),
+                                          SCMP_SYS(pipe2),
                                           SCMP_SYS(rseq)});
     isComplete = isComplete && allowThreads(filter);
     if (canOpenFiles) {

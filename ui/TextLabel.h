@@ -16,7 +16,7 @@ public:
     TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
 
     /// Breaks lines at the label's width, and cuts the last of `lines` off with an ellipsis. The label is as
-    /// wide as its place then. 0 (the default): one line that is never cut off.
+    /// wide as its place then. `lines` is 1 or 2; 0 (the default): one line that is never cut off.
     void setMaximumLines(int lines);
     /// Breaks lines, as many as are needed.
     void setWraps();
