@@ -20,6 +20,55 @@ constexpr rlim_t memoryLimit = rlim_t{3} << 30;
 constexpr std::initializer_list<const char*> fontFolders{
     "/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/X11/fonts", "/usr/share/ghostscript/fonts"};
 
+/// What a process needs that computes, waits and answers over the socket that it has.
+constexpr std::initializer_list<int> callsOfDrawing{SCMP_SYS(read),
+                                                    SCMP_SYS(pread64),
+                                                    SCMP_SYS(write),
+                                                    SCMP_SYS(writev),
+                                                    SCMP_SYS(close),
+                                                    SCMP_SYS(fstat),
+                                                    SCMP_SYS(lseek),
+                                                    SCMP_SYS(fcntl),
+                                                    SCMP_SYS(recvmsg),
+                                                    SCMP_SYS(sendto),
+                                                    SCMP_SYS(sendmsg),
+                                                    SCMP_SYS(poll),
+                                                    SCMP_SYS(ppoll),
+                                                    SCMP_SYS(mmap),
+                                                    SCMP_SYS(munmap),
+                                                    SCMP_SYS(mremap),
+                                                    SCMP_SYS(mprotect),
+                                                    SCMP_SYS(madvise),
+                                                    SCMP_SYS(brk),
+                                                    SCMP_SYS(futex),
+                                                    SCMP_SYS(rt_sigaction),
+                                                    SCMP_SYS(rt_sigprocmask),
+                                                    SCMP_SYS(rt_sigreturn),
+                                                    SCMP_SYS(sigaltstack),
+                                                    SCMP_SYS(exit),
+                                                    SCMP_SYS(exit_group),
+                                                    SCMP_SYS(clock_gettime),
+                                                    SCMP_SYS(clock_nanosleep),
+                                                    SCMP_SYS(nanosleep),
+                                                    SCMP_SYS(gettimeofday),
+                                                    SCMP_SYS(getpid),
+                                                    SCMP_SYS(gettid),
+                                                    SCMP_SYS(getrandom),
+                                                    SCMP_SYS(sched_yield),
+                                                    SCMP_SYS(sched_getaffinity),
+                                                    SCMP_SYS(sysinfo),
+                                                    SCMP_SYS(restart_syscall),
+                                                    SCMP_SYS(set_robust_list),
+                                                    SCMP_SYS(eventfd2),
+                                                    SCMP_SYS(pipe),
+                                                    SCMP_SYS(pipe2),
+                                                    SCMP_SYS(rseq)};
+
+constexpr std::initializer_list<int> callsOfReadingFonts{
+    SCMP_SYS(open),       SCMP_SYS(openat),   SCMP_SYS(newfstatat), SCMP_SYS(stat),
+    SCMP_SYS(lstat),      SCMP_SYS(statx),    SCMP_SYS(access),     SCMP_SYS(faccessat),
+    SCMP_SYS(faccessat2), SCMP_SYS(readlink), SCMP_SYS(getdents64)};
+
 void limit(__rlimit_resource resource, rlim_t value) {
     const rlimit both{value, value};
     ::setrlimit(resource, &both);
@@ -75,56 +124,9 @@ bool filterSystemCalls(bool canOpenFiles) {
     scmp_filter_ctx filter = ::seccomp_init(SCMP_ACT_ERRNO(EPERM));
     if (!filter)
         return false;
-    bool isComplete = allowCalls(filter, {SCMP_SYS(read),
-                                          SCMP_SYS(pread64),
-                                          SCMP_SYS(write),
-                                          SCMP_SYS(writev),
-                                          SCMP_SYS(close),
-                                          SCMP_SYS(fstat),
-                                          SCMP_SYS(lseek),
-                                          SCMP_SYS(fcntl),
-                                          SCMP_SYS(recvmsg),
-                                          SCMP_SYS(sendto),
-                                          SCMP_SYS(sendmsg),
-                                          SCMP_SYS(poll),
-                                          SCMP_SYS(ppoll),
-                                          SCMP_SYS(mmap),
-                                          SCMP_SYS(munmap),
-                                          SCMP_SYS(mremap),
-                                          SCMP_SYS(mprotect),
-                                          SCMP_SYS(madvise),
-                                          SCMP_SYS(brk),
-                                          SCMP_SYS(futex),
-                                          SCMP_SYS(rt_sigaction),
-                                          SCMP_SYS(rt_sigprocmask),
-                                          SCMP_SYS(rt_sigreturn),
-                                          SCMP_SYS(sigaltstack),
-                                          SCMP_SYS(exit),
-                                          SCMP_SYS(exit_group),
-                                          SCMP_SYS(clock_gettime),
-                                          SCMP_SYS(clock_nanosleep),
-                                          SCMP_SYS(nanosleep),
-                                          SCMP_SYS(gettimeofday),
-                                          SCMP_SYS(getpid),
-                                          SCMP_SYS(gettid),
-                                          SCMP_SYS(getrandom),
-                                          SCMP_SYS(sched_yield),
-                                          SCMP_SYS(sched_getaffinity),
-                                          SCMP_SYS(sysinfo),
-                                          SCMP_SYS(restart_syscall),
-                                          SCMP_SYS(set_robust_list),
-                                          SCMP_SYS(eventfd2),
-                                          SCMP_SYS(pipe),
-                                          SCMP_SYS(pipe2),
-                                          SCMP_SYS(rseq)});
-    isComplete = isComplete && allowThreads(filter);
-    if (canOpenFiles) {
-        isComplete =
-            isComplete &&
-            allowCalls(filter, {SCMP_SYS(open), SCMP_SYS(openat), SCMP_SYS(newfstatat), SCMP_SYS(stat),
-                                SCMP_SYS(lstat), SCMP_SYS(statx), SCMP_SYS(access), SCMP_SYS(faccessat),
-                                SCMP_SYS(faccessat2), SCMP_SYS(readlink), SCMP_SYS(getdents64)});
-    }
+    bool isComplete = allowCalls(filter, callsOfDrawing) && allowThreads(filter);
+    if (canOpenFiles)
+        isComplete = isComplete && allowCalls(filter, callsOfReadingFonts);
     const bool isLoaded = isComplete && ::seccomp_load(filter) == 0;
     ::seccomp_release(filter);
     return isLoaded;
