@@ -1,13 +1,15 @@
 #include "ui/PresetItem.h"
 
+#include <utility>
+
 #include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
 
 namespace vellmora {
 
-PresetItem::PresetItem(const Look& look, const Callbacks& callbacks, QWidget* parent)
-    : QWidget(parent), m_look(look), m_callbacks(callbacks) {
+PresetItem::PresetItem(const Look& look, Callbacks callbacks, QWidget* parent)
+    : QWidget(parent), m_look(look), m_callbacks(std::move(callbacks)) {
     setFocusPolicy(Qt::StrongFocus);
 }
 

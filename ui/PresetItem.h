@@ -34,7 +34,7 @@ public:
         double borderWidth;        ///< in the accent when selected; 0 where there is none
     };
 
-    PresetItem(const Look& look, const Callbacks& callbacks, QWidget* parent);
+    PresetItem(const Look& look, Callbacks callbacks, QWidget* parent);
 
     const StampPreset& preset() const { return m_data.preset; }
     bool isSelected() const { return m_data.isSelected; }
