@@ -15,7 +15,11 @@ void EditorArea::setEditor(QWidget* editor) {
     layOut();
 }
 
+/// Called with every step of a drag, which changes nothing here.
 void EditorArea::setData(const Data& newData) {
+    if (newData == m_data)
+        return;
+    m_data = newData;
     if (m_editor)
         m_editor->setVisible(newData.hasDocument);
     m_emptyState->setVisible(!newData.hasDocument);

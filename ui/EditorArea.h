@@ -20,6 +20,7 @@ public:
     struct Data {
         bool hasDocument = false;
         bool isPDFDropTargeted = false;
+        bool operator==(const Data&) const = default;
     };
 
     EditorArea(const Theme& theme, QWidget* parent);
@@ -38,6 +39,7 @@ protected:
 private:
     void layOut();
 
+    Data m_data;
     QWidget* m_editor = nullptr;
     EmptyState* m_emptyState;
     DropZone* m_overlay;
