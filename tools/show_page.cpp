@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
     const auto request = PageRenderRequest::whole(makePageDrawing(*document, index), QSize(width, height));
     const QImage image = renderAndWait(renderer, request);
     const double first = milliseconds(timer);
-    if (image.isNull() || !image.save(words[4], "PNG"))
+    if (image.isNull() || !image.save(words[4]))
         return 4;
     timer.restart();
     renderAndWait(renderer, request);

@@ -1,0 +1,122 @@
+"""Pages as pixels: independent renderers, and how far two pictures of a page are apart."""
+import re
+import subprocess
+from pathlib import Path
+
+import numpy
+
+RENDER_SECONDS = 30
+GAUSSIAN = [0.0044, 0.0540, 0.2420, 0.3991, 0.2420, 0.0540, 0.0044]
+TYPICAL_EDGE = 800  # pixels on the longer side of the largest page
+
+# A page that shows its crop box is compared with one that has the media box only: the output gets the boxes of
+# the source for it. Arguments: source, output, file to write.
+CARRY_CROP_BOXES = """
+function inherited(page, key) {
+    for (var node = page, depth = 0; node && !node.isNull() && depth < 100; node = node.get("Parent"), depth++) {
+        var value = node.get(key);
+        if (value && !value.isNull()) return value;
+    }
+    return null;
+}
+var source = new PDFDocument(scriptArgs[0]), output = new PDFDocument(scriptArgs[1]);
+for (var i = 0; i < Math.min(source.countPages(), output.countPages()); i++) {
+    var box = inherited(source.findPage(i), "CropBox");
+    if (!box || !box.isArray() || box.length != 4) continue;
+    var numbers = [];
+    for (var k = 0; k < 4; k++) numbers.push(box.get(k).asNumber());
+    if (numbers[0] != numbers[2] && numbers[1] != numbers[3]) output.findPage(i).put("CropBox", numbers);
+}
+output.save(scriptArgs[2], "");
+"""
+
+
+class NotRendered(Exception):
+    pass
+
+
+def run(command, seconds=RENDER_SECONDS):
+    try:
+        return subprocess.run(command, capture_output=True, timeout=seconds, check=False)
+    except subprocess.TimeoutExpired as error:
+        raise NotRendered(f"{command[0]}: longer than {seconds} s") from error
+
+
+def read_pixels(path):
+    """A binary PPM or PGM as an array of rows, pixels, channels."""
+    data = Path(path).read_bytes()
+    fields, at = [], 0
+    while len(fields) < 4:
+        end = min(i for i in (data.find(c, at) for c in b" \n\t") if i >= 0) if at < len(data) else at
+        fields.append(data[at:end])
+        at = end + 1
+    channels = 3 if fields[0] == b"P6" else 1
+    width, height = int(fields[1]), int(fields[2])
+    return numpy.frombuffer(data, numpy.uint8, width * height * channels, at).reshape(height, width, channels)
+
+
+def carry_crop_boxes(source, output, target, folder):
+    script = folder / "crop.js"
+    script.write_text(CARRY_CROP_BOXES)
+    run(["mutool", "run", str(script), str(source), str(output), str(target)])
+    return target if target.exists() else output
+
+
+def resolution(pdf):
+    """Dots per inch at which the largest page has a typical size."""
+    edges = [1.0]
+    for line in run(["pdfinfo", "-l", "-1", str(pdf)]).stdout.decode(errors="replace").splitlines():
+        size = re.match(r"Page .*size: *([\d.]+) x ([\d.]+)", line)
+        edges += [float(edge) for edge in size.groups()] if size else []
+    return max(2, min(300, round(TYPICAL_EDGE / max(edges) * 72))) if max(edges) > 1 else 72
+
+
+def is_turned(pdf, page):
+    """By a quarter or three: poppler's options for width and height mean the page before it is turned."""
+    text = run(["pdfinfo", "-f", str(page), "-l", str(page), str(pdf)]).stdout.decode(errors="replace")
+    return re.search(r"Page .*rot: *(90|270)$", text, re.MULTILINE) is not None
+
+
+def poppler(pdf, folder, last, dpi, size=None):
+    """Pictures of pages 1 to `last` by number: media boxes, or the crop box of page `last` at a size."""
+    if size and is_turned(pdf, last):
+        size = size[::-1]
+    scale = ["-cropbox", "-scale-to-x", str(size[0]), "-scale-to-y", str(size[1])] if size else ["-r", str(dpi)]
+    run(["pdftoppm", "-q", *scale, "-f", str(last if size else 1), "-l", str(last), str(pdf), str(folder / "p")])
+    return {int(file.stem.rpartition("-")[2]): file for file in folder.glob("p-*.ppm")}
+
+
+def mupdf(pdf, folder, last, dpi, size=None):
+    """Pictures of pages 1 to `last` by number, or of page `last` at a size; crop boxes."""
+    scale = ["-w", str(size[0]), "-h", str(size[1]), "-f"] if size else ["-r", str(dpi)]
+    run(["mutool", "draw", "-q", "-c", "rgb", *scale, "-F", "ppm", "-o", str(folder / "m-%d.ppm"), str(pdf),
+         f"{last if size else 1}-{last}"])
+    return {int(file.stem.rpartition("-")[2]): file for file in folder.glob("m-*.ppm")}
+
+
+RENDERERS = {"poppler": poppler, "mupdf": mupdf}
+
+
+def softened(pixels):
+    """In grey and blurred by one pixel (standard deviation): engines place the edges of shapes differently."""
+    grey = pixels.astype(numpy.float32).mean(axis=2)
+    for axis in (0, 1):
+        size = grey.shape[axis]
+        wide = numpy.pad(grey, [(3, 3) if axis == k else (0, 0) for k in (0, 1)], mode="edge")
+        grey = sum(weight * wide.take(range(k, k + size), axis) for k, weight in enumerate(GAUSSIAN))
+    return grey[:, :, None]
+
+
+def compare(first, second, soft=False):
+    """The verdict, the share of pixels that are clearly off, and the mean difference."""
+    if first.shape != second.shape:
+        return "differing", 1.0, 255.0
+    if soft:
+        first, second = softened(first), softened(second)
+    apart = numpy.abs(first.astype(numpy.float32) - second)
+    off = float((apart.max(axis=2) > 32).mean())
+    mean = float(apart.mean())
+    if mean == 0:
+        return "identical", off, mean
+    within = off <= 0.001 and (soft or mean <= 0.5)
+    return "within" if within else "differing", off, mean
