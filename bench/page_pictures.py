@@ -97,9 +97,15 @@ def mupdf(pdf, folder, last, dpi, size=None):
 RENDERERS = {"poppler": poppler, "mupdf": mupdf}
 
 
-def softened(pixels):
-    """In grey and blurred by one pixel (standard deviation): engines place the edges of shapes differently."""
-    grey = pixels.astype(numpy.float32).mean(axis=2)
+def shrunk(grey, factor):
+    height, width = (edge // factor * factor for edge in grey.shape)
+    return grey[:height, :width].reshape(height // factor, factor, width // factor, factor).mean(axis=(1, 3))
+
+
+def softened(pixels, factor):
+    """In grey, shrunk, and blurred by one pixel (standard deviation): engines hint glyphs and place the edges of
+    shapes differently."""
+    grey = shrunk(pixels.astype(numpy.float32).mean(axis=2), factor)
     for axis in (0, 1):
         size = grey.shape[axis]
         wide = numpy.pad(grey, [(3, 3) if axis == k else (0, 0) for k in (0, 1)], mode="edge")
@@ -107,16 +113,16 @@ def softened(pixels):
     return grey[:, :, None]
 
 
-def compare(first, second, soft=False):
+def compare(first, second, soften_by=0):
     """The verdict, the share of pixels that are clearly off, and the mean difference."""
     if first.shape != second.shape:
         return "differing", 1.0, 255.0
-    if soft:
-        first, second = softened(first), softened(second)
+    if soften_by:
+        first, second = softened(first, soften_by), softened(second, soften_by)
     apart = numpy.abs(first.astype(numpy.float32) - second)
     off = float((apart.max(axis=2) > 32).mean())
     mean = float(apart.mean())
     if mean == 0:
         return "identical", off, mean
-    within = off <= 0.001 and (soft or mean <= 0.5)
+    within = off <= 0.001 and (soften_by or mean <= 0.5)
     return "within" if within else "differing", off, mean

@@ -11,9 +11,11 @@ class ObjectCopier {
 public:
     explicit ObjectCopier(QPDF& output) : m_output(output) {}
 
-    /// The object's counterpart in the output. References to pages become null: a page brings only what it
-    /// draws.
+    /// The object's counterpart in the output; of a new object that belongs to no file, a copy. References to
+    /// pages become null: a page brings only what it draws.
     QPDFObjectHandle copy(const QPDFObjectHandle& object) { return copy(object, maxNesting); }
+
+    QPDF& output() { return m_output; }
 
 private:
     static constexpr int maxNesting = 200;  ///< of direct objects within one another

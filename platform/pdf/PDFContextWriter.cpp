@@ -1,9 +1,10 @@
 #include "platform/pdf/PDFContextWriter.h"
 
-#include "platform/pdf/Annotations.h"
 #include "platform/pdf/ContentText.h"
+#include "platform/pdf/OutputStreams.h"
 #include "platform/pdf/PageForm.h"
 #include "platform/pdf/PictureObject.h"
+#include "platform/pdf/annotations/Annotations.h"
 
 #include <exception>
 
@@ -88,7 +89,7 @@ void PDFContext::Writer::setMediaBox(const Rect& box) {
 }
 
 void PDFContext::Writer::beginPage(const Rect& mediaBox) {
-    m_page = {emptyDictionary(), emptyDictionary(), {}, {}};
+    m_page = {emptyDictionary(), emptyDictionary(), emptyDictionary(), {}, {}};
     m_page.dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
     m_page.dictionary.replaceKey("/Parent", m_pages);
     setMediaBox(mediaBox);
@@ -98,9 +99,9 @@ void PDFContext::Writer::drawPage(const PDFSource& source, qsizetype index, Disp
     const SourcePage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
     attempt([&] { carryPageAttributes(page, box); });
-    attempt([&] { carryOptionalContent(source); });
+    attempt([&] { carryDocumentAttributes(source); });
     attempt([&] { drawContent(page); });
-    attempt([&] { drawAnnotations(page); });
+    attempt([&] { drawAnnotations(source, page); });
 }
 
 void PDFContext::Writer::carryPageAttributes(const SourcePage& page, DisplayBox box) {
@@ -116,27 +117,40 @@ void PDFContext::Writer::carryPageAttributes(const SourcePage& page, DisplayBox 
         m_page.dictionary.replaceKey("/Group", m_copier.copy(group));
 }
 
-void PDFContext::Writer::carryOptionalContent(const PDFSource& source) {
-    QPDFObjectHandle layers = source.catalog().getKey("/OCProperties");
+/// Its layers, and what its colours are meant for.
+void PDFContext::Writer::carryDocumentAttributes(const PDFSource& source) {
     QPDFObjectHandle root = m_output.getRoot();
-    if (layers.isDictionary() && !root.hasKey("/OCProperties"))
-        root.replaceKey("/OCProperties", m_copier.copy(layers));
+    for (const char* key : {"/OCProperties", "/OutputIntents"}) {
+        QPDFObjectHandle value = source.catalog().getKey(key);
+        if (!value.isNull() && !root.hasKey(key))
+            root.replaceKey(key, m_copier.copy(value));
+    }
 }
 
 void PDFContext::Writer::drawContent(const SourcePage& page) {
     paint("/P", makePageForm(m_output, m_copier, page), {});
 }
 
-void PDFContext::Writer::drawAnnotations(const SourcePage& page) {
-    int number = 0;
-    for (const AnnotationAppearance& appearance : visibleAppearances(page)) {
+void PDFContext::Writer::drawAnnotations(const PDFSource& source, const SourcePage& page) {
+    for (const Annotation& annotation : visibleAnnotations(page)) {
         attempt([&] {
-            QPDFObjectHandle form = m_copier.copy(appearance.form);
-            form.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-            paint("/A" + std::to_string(number), form, appearance.matrix);
-            ++number;
+            if (const auto appearance = makeAppearance(annotation, source, page, m_copier))
+                paintAnnotation(*appearance, annotation.entry("/OC"));
         });
     }
+}
+
+/// An annotation of a layer is painted as marked content of that layer.
+void PDFContext::Writer::paintAnnotation(const AnnotationAppearance& appearance, QPDFObjectHandle layer) {
+    const std::string name = "/A" + std::to_string(m_page.annotationCount++);
+    if (!layer.isDictionary()) {
+        paint(name, appearance.form, appearance.matrix);
+        return;
+    }
+    m_page.layers.replaceKey(name, m_copier.copy(layer));
+    m_page.content += "/OC " + name + " BDC\n";
+    paint(name, appearance.form, appearance.matrix);
+    m_page.content += "EMC\n";
 }
 
 PDFContext::Picture PDFContext::Writer::addPicture(const QImage& pixels) {
@@ -166,23 +180,16 @@ QPDFObjectHandle PDFContext::Writer::contentStream(const std::string& content) {
 void PDFContext::Writer::endPage() {
     QPDFObjectHandle resources = emptyDictionary();
     resources.replaceKey("/XObject", m_page.objects);
+    if (!m_page.layers.getKeys().empty())
+        resources.replaceKey("/Properties", m_page.layers);
     m_page.dictionary.replaceKey("/Resources", resources);
     m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
     m_kids.appendItem(m_output.makeIndirectObject(m_page.dictionary));
     m_page = {};
 }
 
-/// Pictures of the source that were not compressed there stay as they are: trying costs seconds and gains
-/// little.
-void PDFContext::Writer::leavePicturesAlone() {
-    for (QPDFObjectHandle object : m_output.getAllObjects()) {
-        if (object.isStreamOfType("", "/Image"))
-            object.setFilterOnWrite(false);
-    }
-}
-
 void PDFContext::Writer::write() {
-    leavePicturesAlone();
+    attempt([&] { prepareStreams(m_output); });
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     ConsumerPipeline pipeline(m_consumer);

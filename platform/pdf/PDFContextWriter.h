@@ -12,6 +12,8 @@
 
 namespace vellmora {
 
+struct AnnotationAppearance;
+
 /// The output file of a context while it is put together.
 class PDFContext::Writer {
 public:
@@ -28,18 +30,20 @@ private:
     struct OpenPage {
         QPDFObjectHandle dictionary;
         QPDFObjectHandle objects;  ///< the page's XObject resources
+        QPDFObjectHandle layers;  ///< the page's property lists, by the names of the objects that are on them
         QTransform fromPageSpace;
         std::string content;
+        int annotationCount = 0;
     };
 
     void drawContent(const SourcePage& page);
-    void drawAnnotations(const SourcePage& page);
+    void drawAnnotations(const PDFSource& source, const SourcePage& page);
+    void paintAnnotation(const AnnotationAppearance& appearance, QPDFObjectHandle layer);
     void carryPageAttributes(const SourcePage& page, DisplayBox box);
-    void carryOptionalContent(const PDFSource& source);
+    void carryDocumentAttributes(const PDFSource& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
     QPDFObjectHandle contentStream(const std::string& content);
     void setMediaBox(const Rect& box);
-    void leavePicturesAlone();
 
     PDFDataConsumer& m_consumer;
     QPDF m_output;

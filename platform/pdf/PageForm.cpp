@@ -1,5 +1,7 @@
 #include "platform/pdf/PageForm.h"
 
+#include "platform/pdf/PageResources.h"
+
 #include <utility>
 #include <vector>
 
@@ -11,20 +13,6 @@ namespace {
 
 /// Half a pixel of a thin line may lie outside of the box at its edge.
 constexpr double edgeAllowance = 2;
-
-std::vector<QPDFObjectHandle> contentStreams(QPDFObjectHandle page) {
-    QPDFObjectHandle contents = page.getKey("/Contents");
-    if (contents.isStream())
-        return {contents};
-    std::vector<QPDFObjectHandle> streams;
-    if (contents.isArray()) {
-        for (QPDFObjectHandle item : contents.aitems()) {
-            if (item.isStream())
-                streams.push_back(item);
-        }
-    }
-    return streams;
-}
 
 /// Delivers the bytes of one stream as they stand in the file.
 class RawStream : public QPDFObjectHandle::StreamDataProvider {
@@ -72,8 +60,8 @@ void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPD
 QPDFObjectHandle makePageForm(QPDF& output, ObjectCopier& copier, const SourcePage& page) {
     const Rect box = page.orientation.mediaBox().insetBy(-edgeAllowance);
     QPDFObjectHandle form = output.newStream();
-    QPDFObjectHandle resources = page.resources;
-    provideContent(form, copier, contentStreams(page.dictionary));
+    QPDFObjectHandle resources = resourcesInUse(page);
+    provideContent(form, copier, contentStreamsOf(page));
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));

@@ -1,0 +1,117 @@
+#include "platform/pdf/FormDrawing.h"
+
+#include "platform/pdf/ContentText.h"
+
+namespace vellmora {
+
+void FormDrawing::add(std::initializer_list<double> operands, const char* operation) {
+    for (const double operand : operands)
+        m_content += pdfNumber(operand) + ' ';
+    m_content += operation;
+    m_content += '\n';
+}
+
+bool FormDrawing::setColor(const std::vector<double>& components, const char* const (&operators)[3]) {
+    const char* operation = nullptr;
+    switch (components.size()) {
+        case 1:
+            operation = operators[0];
+            break;
+        case 3:
+            operation = operators[1];
+            break;
+        case 4:
+            operation = operators[2];
+            break;
+        default:
+            return false;
+    }
+    for (const double component : components)
+        m_content += pdfNumber(component) + ' ';
+    add({}, operation);
+    return true;
+}
+
+bool FormDrawing::setFillColor(const std::vector<double>& components) {
+    return setColor(components, {"g", "rg", "k"});
+}
+
+bool FormDrawing::setStrokeColor(const std::vector<double>& components) {
+    return setColor(components, {"G", "RG", "K"});
+}
+
+void FormDrawing::setLine(double width, const std::vector<double>& dashes) {
+    add({width}, "w");
+    if (dashes.empty())
+        return;
+    m_content += "[ ";
+    for (const double dash : dashes)
+        m_content += pdfNumber(dash) + ' ';
+    m_content += "] 0 d\n";
+}
+
+void FormDrawing::setBlending(double opacity, const char* blendMode) {
+    const std::string mode = std::string("/") + blendMode;
+    if (opacity >= 1 && mode == "/Normal")
+        return;
+    QPDFObjectHandle state = QPDFObjectHandle::newDictionary();
+    state.replaceKey("/CA", QPDFObjectHandle::newReal(opacity, 4));
+    state.replaceKey("/ca", QPDFObjectHandle::newReal(opacity, 4));
+    state.replaceKey("/BM", QPDFObjectHandle::newName(mode));
+    m_states.replaceKey("/G0", state);
+    m_content += "/G0 gs\n";
+}
+
+void FormDrawing::ellipse(const Rect& rect) {
+    constexpr double arc = 0.5522847498;  // control points of a quarter circle: 4 (√2 − 1) / 3
+    const double dx = rect.width / 2 * arc;
+    const double dy = rect.height / 2 * arc;
+    const double x = rect.midX();
+    const double y = rect.midY();
+    moveTo({rect.maxX(), y});
+    curveTo({rect.maxX(), y + dy}, {x + dx, rect.maxY()}, {x, rect.maxY()});
+    curveTo({x - dx, rect.maxY()}, {rect.minX(), y + dy}, {rect.minX(), y});
+    curveTo({rect.minX(), y - dy}, {x - dx, rect.minY()}, {x, rect.minY()});
+    curveTo({x + dx, rect.minY()}, {rect.maxX(), y - dy}, {rect.maxX(), y});
+    closePath();
+}
+
+void FormDrawing::polyline(const std::vector<Point>& points) {
+    for (size_t i = 0; i < points.size(); ++i) {
+        if (i == 0)
+            moveTo(points[i]);
+        else
+            lineTo(points[i]);
+    }
+}
+
+void FormDrawing::paintPath(bool fill, bool stroke) {
+    if (fill)
+        add({}, stroke ? "B" : "f");
+    else
+        add({}, stroke ? "S" : "n");
+}
+
+void FormDrawing::addFont(const std::string& name, const QPDFObjectHandle& font) {
+    m_fonts.replaceKey(name, font);
+}
+
+QPDFObjectHandle FormDrawing::finish(const Rect& box, const QTransform& matrix) {
+    QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
+    resources.replaceKey("/Font", m_fonts);
+    resources.replaceKey("/ExtGState", m_states);
+    QPDFObjectHandle form = m_output.newStream(m_content);
+    QPDFObjectHandle dictionary = form.getDict();
+    dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
+    dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+    dictionary.replaceKey("/BBox", QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(
+                                       box.minX(), box.minY(), box.maxX(), box.maxY())));
+    if (!matrix.isIdentity())
+        dictionary.replaceKey("/Matrix", QPDFObjectHandle::newArray(QPDFObjectHandle::Matrix(
+                                             matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(),
+                                             matrix.dx(), matrix.dy())));
+    dictionary.replaceKey("/Resources", resources);
+    return form;
+}
+
+}  // namespace vellmora

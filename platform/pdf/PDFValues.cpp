@@ -1,0 +1,45 @@
+#include "platform/pdf/PDFValues.h"
+
+#include <cmath>
+
+namespace vellmora {
+
+std::vector<double> numbersOf(QPDFObjectHandle array) {
+    std::vector<double> numbers;
+    if (!array.isArray())
+        return numbers;
+    for (QPDFObjectHandle item : array.aitems()) {
+        double number = 0;
+        if (!item.getValueAsNumber(number) || !std::isfinite(number))
+            return {};
+        numbers.push_back(number);
+    }
+    return numbers;
+}
+
+double numberOr(QPDFObjectHandle object, double fallback) {
+    double number = 0;
+    return object.getValueAsNumber(number) && std::isfinite(number) ? number : fallback;
+}
+
+std::optional<Rect> rectangleOf(const QPDFObjectHandle& array) {
+    const std::vector<double> edges = numbersOf(array);
+    if (edges.size() != 4)
+        return std::nullopt;
+    return rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
+}
+
+QTransform matrixOf(const QPDFObjectHandle& array) {
+    const std::vector<double> m = numbersOf(array);
+    return m.size() == 6 ? QTransform(m[0], m[1], m[2], m[3], m[4], m[5]) : QTransform();
+}
+
+std::vector<Point> pointsOf(const QPDFObjectHandle& array) {
+    const std::vector<double> numbers = numbersOf(array);
+    std::vector<Point> points;
+    for (size_t i = 0; i + 1 < numbers.size(); i += 2)
+        points.push_back({numbers[i], numbers[i + 1]});
+    return points;
+}
+
+}  // namespace vellmora

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/geometry/Rect.h"
+#include "platform/pdf/Qpdf.h"
+
+#include <optional>
+#include <vector>
+
+namespace vellmora {
+
+// Values of a file in numbers. What is damaged counts as absent.
+
+/// All numbers of an array; empty where it is none or holds anything else.
+std::vector<double> numbersOf(QPDFObjectHandle array);
+
+double numberOr(QPDFObjectHandle object, double fallback);
+
+/// The rectangle between two opposite corners, in whatever order they come; it may be empty.
+std::optional<Rect> rectangleOf(const QPDFObjectHandle& array);
+
+/// The identity where the array is no matrix.
+QTransform matrixOf(const QPDFObjectHandle& array);
+
+/// The x and y of each point in turn.
+std::vector<Point> pointsOf(const QPDFObjectHandle& array);
+
+}  // namespace vellmora

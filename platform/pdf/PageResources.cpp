@@ -1,0 +1,123 @@
+#include "platform/pdf/PageResources.h"
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <qpdf/Pl_String.hh>
+
+namespace vellmora {
+
+namespace {
+
+/// A page with no more pictures, forms and fonts than this is not worth the reading of its content.
+constexpr size_t usualCount = 12;
+
+constexpr const char* trimmedCategories[] = {"/XObject", "/Font"};
+
+using Names = std::set<std::string>;
+
+bool endsName(char c) {
+    constexpr std::string_view delimiters("\0\t\n\f\r ()<>[]{}/%", 16);
+    return delimiters.find(c) != std::string_view::npos;
+}
+
+/// Whatever looks like a name in the content, also inside of strings and inline pictures: rather too many
+/// names than one too few.
+void collectNames(const std::string& content, Names& names) {
+    for (size_t at = content.find('/'); at != std::string::npos; at = content.find('/', at + 1)) {
+        size_t end = at + 1;
+        while (end < content.size() && !endsName(content[end]))
+            ++end;
+        const std::string name = content.substr(at, end - at);
+        const bool isEscaped = name.find('#') != std::string::npos;
+        names.insert(isEscaped ? QPDFObjectHandle::parse(name).getName() : name);
+    }
+}
+
+/// Nothing where the content cannot be decoded as a whole.
+std::optional<Names> namesInContent(const SourcePage& page) {
+    Names names;
+    for (QPDFObjectHandle& stream : contentStreamsOf(page)) {
+        std::string content;
+        Pl_String receiver("page content", nullptr, content);
+        if (!stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_specialized, true))
+            return std::nullopt;
+        collectNames(content, names);
+    }
+    return names;
+}
+
+/// Whether what the entry stands for draws with the resources of the page.
+bool drawsWithPageResources(QPDFObjectHandle entry) {
+    QPDFObjectHandle dictionary = entry.isStream() ? entry.getDict() : std::move(entry);
+    if (!dictionary.isDictionary())
+        return false;
+    QPDFObjectHandle subtype = dictionary.getKey("/Subtype");
+    const bool draws = subtype.isNameAndEquals("/Form") || subtype.isNameAndEquals("/Type3");
+    return draws && !dictionary.getKey("/Resources").isDictionary();
+}
+
+/// The entries of a category that are named; nothing where one of them needs others that it does not name
+/// here.
+std::optional<QPDFObjectHandle> entriesNamed(QPDFObjectHandle category, const Names& names) {
+    QPDFObjectHandle kept = QPDFObjectHandle::newDictionary();
+    for (const auto& [name, entry] : category.ditems()) {
+        if (names.count(name) == 0)
+            continue;
+        if (drawsWithPageResources(entry))
+            return std::nullopt;
+        kept.replaceKey(name, entry);
+    }
+    return kept;
+}
+
+size_t countOf(QPDFObjectHandle resources) {
+    size_t count = 0;
+    for (const char* key : trimmedCategories) {
+        QPDFObjectHandle category = resources.getKey(key);
+        if (category.isDictionary())
+            count += category.getKeys().size();
+    }
+    return count;
+}
+
+}  // namespace
+
+std::vector<QPDFObjectHandle> contentStreamsOf(const SourcePage& page) {
+    QPDFObjectHandle contents = QPDFObjectHandle(page.dictionary).getKey("/Contents");
+    if (contents.isStream())
+        return {contents};
+    std::vector<QPDFObjectHandle> streams;
+    if (contents.isArray()) {
+        for (QPDFObjectHandle item : contents.aitems()) {
+            if (item.isStream())
+                streams.push_back(item);
+        }
+    }
+    return streams;
+}
+
+QPDFObjectHandle resourcesInUse(const SourcePage& page) {
+    QPDFObjectHandle resources = page.resources;
+    if (!resources.isDictionary() || countOf(resources) <= usualCount)
+        return resources;
+    const std::optional<Names> names = namesInContent(page);
+    if (!names)
+        return resources;
+    QPDFObjectHandle trimmed = resources.shallowCopy();
+    for (const char* key : trimmedCategories) {
+        QPDFObjectHandle category = resources.getKey(key);
+        if (!category.isDictionary())
+            continue;
+        const auto kept = entriesNamed(category, *names);
+        if (!kept)
+            return resources;
+        trimmed.replaceKey(key, *kept);
+    }
+    return trimmed;
+}
+
+}  // namespace vellmora

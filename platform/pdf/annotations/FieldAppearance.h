@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/pdf/ObjectCopier.h"
+#include "platform/pdf/PDFSource.h"
+#include "platform/pdf/annotations/Annotation.h"
+
+#include <optional>
+
+namespace vellmora {
+
+/// Whether the form asks viewers to draw this field's text anew, whatever appearance it brings.
+bool needsNewAppearance(const Annotation& widget, const PDFSource& source);
+
+/// The resources to use for an appearance that brings none; null where the form has none either.
+QPDFObjectHandle formResources(const Annotation& widget, const PDFSource& source);
+
+/// Border, background and value of a field as its dictionary describes them; nothing for signatures and
+/// fields of an unknown kind.
+std::optional<QPDFObjectHandle> drawField(const Annotation& widget, const PDFSource& source,
+                                          ObjectCopier& copier);
+
+}  // namespace vellmora

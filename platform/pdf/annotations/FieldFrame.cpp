@@ -1,0 +1,125 @@
+#include "platform/pdf/annotations/FieldFrame.h"
+
+#include "platform/pdf/ContentText.h"
+
+#include <algorithm>
+
+namespace vellmora {
+
+namespace {
+
+constexpr double padding = 2;
+
+QTransform turnedInto(const Rect& rect, int degrees) {
+    switch (((degrees % 360) + 360) % 360) {
+        case 90:
+            return QTransform(0, 1, -1, 0, rect.maxX(), rect.minY());
+        case 180:
+            return QTransform(-1, 0, 0, -1, rect.maxX(), rect.maxY());
+        case 270:
+            return QTransform(0, -1, 1, 0, rect.minX(), rect.maxY());
+        default:
+            return QTransform::fromTranslate(rect.minX(), rect.minY());
+    }
+}
+
+struct Mark {
+    char sign;
+    double width;   // in ems
+    double middle;  // height of its centre above the baseline, in ems
+};
+
+// From the published metrics of ZapfDingbats: check mark, cross, star, circle, square, diamond.
+constexpr Mark marks[] = {{'4', 0.755, 0.36}, {'8', 0.760, 0.34}, {'H', 0.816, 0.34},
+                          {'l', 0.791, 0.35}, {'n', 0.761, 0.35}, {'u', 0.788, 0.35}};
+
+}  // namespace
+
+FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
+    : m_dashes(widget.borderDashes()), m_width(widget.borderWidth()), m_isRound(isRound) {
+    int degrees = 0;
+    QPDFObjectHandle look = widget.entry("/MK");
+    if (look.isDictionary()) {
+        m_background = numbersOf(look.getKey("/BG"));
+        m_border = numbersOf(look.getKey("/BC"));
+        degrees = static_cast<int>(numberOr(look.getKey("/R"), 0));
+    }
+    QPDFObjectHandle style = widget.entry("/BS");
+    if (style.isDictionary() && style.getKey("/S").isName())
+        m_style = style.getKey("/S").getName();
+    if (m_border.empty())
+        m_width = 0;
+    const Rect& rect = widget.rect();
+    m_box = degrees % 180 == 0 ? Rect{0, 0, rect.width, rect.height} : Rect{0, 0, rect.height, rect.width};
+    m_toPage = turnedInto(rect, degrees);
+}
+
+Rect FieldFrame::content() const {
+    const bool isRaised = m_style == "/B" || m_style == "/I";
+    const Rect inside = m_box.insetBy(isRaised ? 2 * m_width : m_width);
+    return {inside.x + padding, inside.y, inside.width - 2 * padding, inside.height};
+}
+
+void FieldFrame::draw(FormDrawing& drawing) const {
+    drawing.add("q");
+    if (drawing.setFillColor(m_background)) {
+        if (m_isRound)
+            drawing.ellipse(m_box);
+        else
+            drawing.rectangle(m_box);
+        drawing.paintPath(true, false);
+    }
+    if (m_width > 0 && drawing.setStrokeColor(m_border)) {
+        const Rect line = m_box.insetBy(m_width / 2);
+        drawing.setLine(m_width, m_dashes);
+        if (m_style == "/U")
+            drawing.polyline({{line.minX(), line.minY()}, {line.maxX(), line.minY()}});
+        else if (m_isRound)
+            drawing.ellipse(line);
+        else
+            drawing.rectangle(line);
+        drawing.paintPath(false, true);
+        if (!m_isRound && (m_style == "/B" || m_style == "/I"))
+            drawRaisedEdges(drawing);
+    }
+    drawing.add("Q");
+}
+
+/// A bevelled or inset look: light from the upper left.
+void FieldFrame::drawRaisedEdges(FormDrawing& drawing) const {
+    const Rect outer = inner();
+    const Rect inside = outer.insetBy(m_width);
+    const bool isInset = m_style == "/I";
+    drawing.add(isInset ? "0.5 g" : "1 g");
+    drawing.polyline({{outer.minX(), outer.minY()},
+                      {outer.minX(), outer.maxY()},
+                      {outer.maxX(), outer.maxY()},
+                      {inside.maxX(), inside.maxY()},
+                      {inside.minX(), inside.maxY()},
+                      {inside.minX(), inside.minY()}});
+    drawing.paintPath(true, false);
+    drawing.add(isInset ? "0.75 g" : "0.5 g");
+    drawing.polyline({{outer.maxX(), outer.maxY()},
+                      {outer.maxX(), outer.minY()},
+                      {outer.minX(), outer.minY()},
+                      {inside.minX(), inside.minY()},
+                      {inside.maxX(), inside.minY()},
+                      {inside.maxX(), inside.maxY()}});
+    drawing.paintPath(true, false);
+}
+
+void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style) {
+    const char code = sign.at(0).toLatin1();
+    const Mark* known =
+        std::find_if(std::begin(marks), std::end(marks), [&](const Mark& m) { return m.sign == code; });
+    const Mark mark = known != std::end(marks) ? *known : Mark{code, 0.78, 0.35};
+    const double size = style.fontSize > 0 ? style.fontSize : std::min(box.height, box.width) * 0.9;
+    drawing.add("BT");
+    drawing.add(style.color.empty() ? "0 g" : style.color);
+    drawing.add("/ZaDb " + pdfNumber(size) + " Tf");
+    drawing.add({1, 0, 0, 1, box.midX() - mark.width * size / 2, box.midY() - mark.middle * size}, "Tm");
+    drawing.add(QPDFObjectHandle::newString(std::string(1, code)).unparse() + " Tj");
+    drawing.add("ET");
+}
+
+}  // namespace vellmora

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/pdf/FormDrawing.h"
+#include "platform/pdf/annotations/Annotation.h"
+#include "platform/pdf/annotations/TextStyle.h"
+
+#include <QString>
+
+namespace vellmora {
+
+/// Border and background of a field. The field is drawn upright in a box of its own, with its lower left
+/// corner at the origin, and turned into the widget's rectangle.
+class FieldFrame {
+public:
+    FieldFrame(const Annotation& widget, bool isRound);
+
+    const Rect& box() const { return m_box; }
+    /// Inside the border.
+    Rect inner() const { return m_box.insetBy(m_width); }
+    /// Inside border and padding.
+    Rect content() const;
+    QTransform toPage() const { return m_toPage; }
+    void draw(FormDrawing& drawing) const;
+
+private:
+    void drawRaisedEdges(FormDrawing& drawing) const;
+
+    Rect m_box;
+    QTransform m_toPage;
+    std::vector<double> m_background;
+    std::vector<double> m_border;
+    std::vector<double> m_dashes;
+    std::string m_style;
+    double m_width;
+    bool m_isRound;
+};
+
+/// A sign of the font ZapfDingbats (/ZaDb in the form's resources), as large as the box allows.
+void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style);
+
+}  // namespace vellmora

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/pdf/PDFSource.h"
+#include "platform/pdf/annotations/Annotation.h"
+
+#include <string>
+
+#include <QString>
+
+namespace vellmora {
+
+/// The form field that a widget annotation shows. Attributes are taken from the widget, from the fields above
+/// it and, where the standard says so, from the form.
+class FormField {
+public:
+    FormField(const Annotation& widget, const PDFSource& source);
+
+    bool is(const char* type) const { return m_type == type; }
+    /// `bit` is counted from 1, as in the standard's tables.
+    bool hasFlag(int bit) const { return (m_flags >> (bit - 1) & 1) != 0; }
+    QPDFObjectHandle attribute(const char* key) const;
+    /// Empty where the value is no string or name.
+    QString text(const char* key) const;
+    std::string defaultAppearance() const;
+    /// 0 left, 1 centred, 2 right.
+    int alignment() const;
+    /// The resources that its default appearance names; null where there are none.
+    QPDFObjectHandle resources() const;
+
+private:
+    QPDFObjectHandle attributeOrForm(const char* key) const;
+
+    Annotation m_widget;
+    QPDFObjectHandle m_form;
+    std::string m_type;
+    int m_flags = 0;
+};
+
+/// A string's or a name's text; empty for all else.
+QString textOf(QPDFObjectHandle object);
+
+}  // namespace vellmora

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/pdf/FormDrawing.h"
+#include "platform/pdf/annotations/TextFont.h"
+#include "platform/pdf/annotations/TextStyle.h"
+
+namespace vellmora {
+
+struct TextBlock {
+    QString text;
+    Rect box;           ///< the area inside border and padding
+    int alignment = 0;  ///< 0 left, 1 centred, 2 right
+    bool isMultiline = false;
+    int combCells = 0;  ///< 0: no comb; else one character in the middle of each cell
+};
+
+/// Writes the text into the box: one line, centred vertically, or lines broken at words from the top on.
+/// `fontName` is the name of the font in the form's resources.
+void drawText(FormDrawing& drawing, const TextBlock& block, const TextFont& font, const std::string& fontName,
+              const TextStyle& style);
+
+}  // namespace vellmora
