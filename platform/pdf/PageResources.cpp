@@ -1,5 +1,6 @@
 #include "platform/pdf/PageResources.h"
 
+#include <cctype>
 #include <optional>
 #include <set>
 #include <string>
@@ -24,6 +25,19 @@ bool endsName(char c) {
     return delimiters.find(c) != std::string_view::npos;
 }
 
+/// "#" and two hexadecimal digits stand for a byte.
+std::string unescaped(const std::string& name) {
+    std::string result;
+    for (size_t i = 0; i < name.size(); ++i) {
+        const bool isEscape = name[i] == '#' && i + 2 < name.size() &&
+                              std::isxdigit(static_cast<unsigned char>(name[i + 1])) != 0 &&
+                              std::isxdigit(static_cast<unsigned char>(name[i + 2])) != 0;
+        result += isEscape ? static_cast<char>(std::stoi(name.substr(i + 1, 2), nullptr, 16)) : name[i];
+        i += isEscape ? 2 : 0;
+    }
+    return result;
+}
+
 /// Whatever looks like a name in the content, also inside of strings and inline pictures: rather too many
 /// names than one too few.
 void collectNames(const std::string& content, Names& names) {
@@ -31,9 +45,7 @@ void collectNames(const std::string& content, Names& names) {
         size_t end = at + 1;
         while (end < content.size() && !endsName(content[end]))
             ++end;
-        const std::string name = content.substr(at, end - at);
-        const bool isEscaped = name.find('#') != std::string::npos;
-        names.insert(isEscaped ? QPDFObjectHandle::parse(name).getName() : name);
+        names.insert(unescaped(content.substr(at, end - at)));
     }
 }
 

@@ -11,6 +11,7 @@ using testing::Not;
 
 namespace {
 
+const std::string ownAppearance = "BT [(o) -20 (wn)] TJ ET";
 const std::string squareForm = "/Subtype /Form /BBox [0 0 10 10]";
 
 /// The only annotation of a page, drawn.
@@ -19,7 +20,7 @@ public:
     explicit Drawn(const std::string& annotation, const std::string& form = {}, const std::string& page = {})
         : m_output(drawFirstPage(PdfBuilder()
                                      .page(page + " /Annots [<< /Type /Annot " + annotation + " >>]")
-                                     .stream(squareForm, "% own appearance")
+                                     .stream(squareForm, ownAppearance)
                                      .object("<< /Type /Font /Subtype /Type1 /BaseFont /Courier >>")
                                      .catalog("/AcroForm << " + form + " >>"))) {}
 
@@ -162,10 +163,13 @@ TEST(AnnotationsTest, DrawsChoicesAndButtonsThatBringNoAppearance) {
         testing::AllOf(HasSubstr("(Note) Tj"), HasSubstr("1 1 0 rg")));
 }
 
-TEST(AnnotationsTest, WritesAFieldAnewWhereTheFormAsksForIt) {
-    const std::string own = field("/FT /Tx /V (new) /AP << /N 1000 0 R >>");
-    EXPECT_EQ(Drawn(own).content(), "% own appearance");
-    EXPECT_THAT(Drawn(own, "/NeedAppearances true").content(), HasSubstr("(new) Tj"));
-    EXPECT_EQ(Drawn(field("/FT /Btn /AP << /N 1000 0 R >>"), "/NeedAppearances true").content(),
-              "% own appearance");
+TEST(AnnotationsTest, WritesAFieldAnewWhereTheFormAsksForItAndItsTextIsOld) {
+    const auto drawn = [](const std::string& type, const std::string& form) {
+        return Drawn(field(type + " /V (new) /AP << /N 1000 0 R >>"), form).content();
+    };
+    EXPECT_EQ(drawn("/FT /Tx", ""), ownAppearance);
+    EXPECT_THAT(drawn("/FT /Tx", "/NeedAppearances true"), HasSubstr("(new) Tj"));
+    EXPECT_EQ(drawn("/FT /Btn", "/NeedAppearances true"), ownAppearance);
+    EXPECT_EQ(Drawn(field("/FT /Tx /V (o w n) /AP << /N 1000 0 R >>"), "/NeedAppearances true").content(),
+              ownAppearance);
 }

@@ -133,7 +133,8 @@ TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
         Output output(drawFirstPage(source));
         return output.drawn("/P").getDict().getKey("/Resources").getKey("/XObject").getKeys();
     };
-    EXPECT_EQ(drawnResources("/X2 Do (/X4)Tj/X#36 Do", ""), (std::set<std::string>{"/X2", "/X4", "/X6"}));
+    EXPECT_EQ(drawnResources("/X2 Do (/X4)Tj/X#36 Do BI /W 1 ID /#\xff#1 EI", ""),
+              (std::set<std::string>{"/X2", "/X4", "/X6"}));
     EXPECT_EQ(drawnResources("/X1 Do", "").size(), 20U) << "a form that draws with the page's resources";
     EXPECT_EQ(drawnResources("/X1 Do", " /Resources << >>").size(), 1U);
 }

@@ -65,8 +65,9 @@ std::optional<QPDFObjectHandle> drawAppearance(const Annotation& annotation, con
     return drawShape(annotation, copier.output());
 }
 
-bool isToBeDrawnAnew(const Annotation& annotation, const PDFSource& source) {
-    return annotation.is("/Widget") && needsNewAppearance(annotation, source);
+bool isToBeDrawn(const Annotation& annotation, const QPDFObjectHandle& normal, const PDFSource& source) {
+    return !bringsAppearance(annotation) ||
+           (annotation.is("/Widget") && needsNewAppearance(annotation, normal, source));
 }
 
 }  // namespace
@@ -91,12 +92,12 @@ std::vector<Annotation> visibleAnnotations(const SourcePage& page) {
 std::optional<AnnotationAppearance> makeAppearance(const Annotation& annotation, const PDFSource& source,
                                                    const SourcePage& page, ObjectCopier& copier) {
     const QTransform upright = uprightMatrix(annotation, page);
-    if (!bringsAppearance(annotation) || isToBeDrawnAnew(annotation, source)) {
+    QPDFObjectHandle normal = normalAppearance(annotation);
+    if (isToBeDrawn(annotation, normal, source)) {
         if (const auto form = drawAppearance(annotation, source, copier))
             return AnnotationAppearance{*form, upright};
         return std::nullopt;
     }
-    QPDFObjectHandle normal = normalAppearance(annotation);
     if (!normal.isStream() || annotation.rect().isEmpty())
         return std::nullopt;
     const auto matrix = placement(normal, annotation.rect());

@@ -3,9 +3,11 @@
 #include "platform/pdf/annotations/FieldFrame.h"
 #include "platform/pdf/annotations/FormField.h"
 #include "platform/pdf/annotations/ListBox.h"
+#include "platform/pdf/annotations/ShownText.h"
 #include "platform/pdf/annotations/TextLayout.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vellmora {
 
@@ -32,6 +34,17 @@ int combCells(const FormField& field) {
     const bool isComb =
         field.hasFlag(combFlag) && !field.hasFlag(multilineFlag) && !field.hasFlag(passwordFlag);
     return isComb && length.isInteger() ? std::clamp(length.getIntValueAsInt(), 0, 1000) : 0;
+}
+
+/// Whether the appearance shows the field's text already; of a list box, its chosen entry among others.
+bool isShown(const QString& text, const FormField& field, QPDFObjectHandle appearance) {
+    if (!appearance.isStream())
+        return false;
+    const TextFont font(field.resources(), parseDefaultAppearance(field.defaultAppearance()).fontName);
+    const std::string wanted = withoutSpaces(font.encoded(text));
+    const std::string shown = shownText(std::move(appearance));
+    const bool isList = field.is("/Ch") && !field.hasFlag(comboFlag);
+    return isList ? !shown.empty() && shown.find(wanted) != std::string::npos : shown == wanted;
 }
 
 void drawFieldText(FormDrawing& drawing, const FormField& field, const FieldFrame& frame,
@@ -80,14 +93,14 @@ void drawButton(FormDrawing& drawing, const Annotation& widget, const FormField&
 
 }  // namespace
 
-bool needsNewAppearance(const Annotation& widget, const PDFSource& source) {
+bool needsNewAppearance(const Annotation& widget, QPDFObjectHandle appearance, const PDFSource& source) {
     QPDFObjectHandle form = source.catalog().getKey("/AcroForm");
     QPDFObjectHandle wish =
         form.isDictionary() ? form.getKey("/NeedAppearances") : QPDFObjectHandle::newNull();
     if (!wish.isBool() || !wish.getBoolValue())
         return false;
     const FormField field(widget, source);
-    return field.is("/Tx") || field.is("/Ch");
+    return (field.is("/Tx") || field.is("/Ch")) && !isShown(displayedText(field), field, appearance);
 }
 
 QPDFObjectHandle formResources(const Annotation& widget, const PDFSource& source) {

@@ -8,8 +8,9 @@
 
 namespace vellmora {
 
-/// Whether the form asks viewers to draw this field's text anew, whatever appearance it brings.
-bool needsNewAppearance(const Annotation& widget, const PDFSource& source);
+/// Whether the form asks viewers to draw its fields anew, and the appearance that this one brings shows
+/// another text than its value.
+bool needsNewAppearance(const Annotation& widget, QPDFObjectHandle appearance, const PDFSource& source);
 
 /// The resources to use for an appearance that brings none; null where the form has none either.
 QPDFObjectHandle formResources(const Annotation& widget, const PDFSource& source);

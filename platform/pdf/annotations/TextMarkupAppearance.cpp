@@ -63,7 +63,7 @@ void straightLine(FormDrawing& drawing, const Quad& quad, double up) {
 
 void squiggle(FormDrawing& drawing, const Quad& quad) {
     constexpr double maxSteps = 2000;
-    const double step = quad.height() / 9;
+    const double step = quad.height() / 7;
     if (!(step > 0) || quad.width() / step > maxSteps)
         return;
     drawing.setLine(quad.height() / 15, {});
