@@ -77,6 +77,11 @@ def is_turned(pdf, page):
     return re.search(r"Page .*rot: *(90|270)$", text, re.MULTILINE) is not None
 
 
+def lacks_font(pdf, page):
+    lines = run(["pdffonts", "-f", str(page), "-l", str(page), str(pdf)]).stdout.decode(errors="replace").splitlines()
+    return any(re.search(r" no +(yes|no) +(yes|no) +\d+ +\d+$", line) for line in lines)
+
+
 def poppler(pdf, folder, last, dpi, size=None):
     """Pictures of pages 1 to `last` by number: media boxes, or the crop box of page `last` at a size."""
     if size and is_turned(pdf, last):

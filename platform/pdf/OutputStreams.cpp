@@ -10,6 +10,13 @@ namespace vellmora {
 
 namespace {
 
+/// Remarks about a picture or a form that are not drawn: who made it, what a structure tree says of it.
+void removeRemarks(QPDFObjectHandle stream) {
+    QPDFObjectHandle dictionary = stream.getDict();
+    for (const char* key : {"/Metadata", "/PieceInfo", "/LastModified", "/StructParent", "/StructParents"})
+        dictionary.removeKey(key);
+}
+
 void makeFiltersDirect(QPDFObjectHandle stream) {
     QPDFObjectHandle dictionary = stream.getDict();
     for (const char* key : {"/Filter", "/DecodeParms"}) {
@@ -93,6 +100,7 @@ void prepareStreams(QPDF& output) {
             continue;
         if (object.isStreamOfType("", "/Image"))
             object.setFilterOnWrite(false);
+        removeRemarks(object);
         makeFiltersDirect(object);
         if (contradictsItself(object))
             profiles.insert(object.getObjGen());

@@ -6,6 +6,7 @@ namespace vellmora {
 
 /// Gets the copied streams ready to be written, without touching what they hold.
 ///
+/// Remarks that are not drawn (metadata, the producer's own data, ties to a structure tree) are removed.
 /// Pictures that were not compressed in the source stay as they are: trying costs seconds and gains little.
 /// What is legal or common but not understood by every reader is said plainly: filters behind references
 /// become direct, and a colour profile that contradicts its number of components (some converters give grey

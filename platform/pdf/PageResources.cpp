@@ -25,13 +25,16 @@ bool endsName(char c) {
     return delimiters.find(c) != std::string_view::npos;
 }
 
+bool isHexDigit(char c) {
+    return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
 /// "#" and two hexadecimal digits stand for a byte.
 std::string unescaped(const std::string& name) {
     std::string result;
     for (size_t i = 0; i < name.size(); ++i) {
-        const bool isEscape = name[i] == '#' && i + 2 < name.size() &&
-                              std::isxdigit(static_cast<unsigned char>(name[i + 1])) != 0 &&
-                              std::isxdigit(static_cast<unsigned char>(name[i + 2])) != 0;
+        const bool isEscape =
+            name[i] == '#' && i + 2 < name.size() && isHexDigit(name[i + 1]) && isHexDigit(name[i + 2]);
         result += isEscape ? static_cast<char>(std::stoi(name.substr(i + 1, 2), nullptr, 16)) : name[i];
         i += isEscape ? 2 : 0;
     }

@@ -60,8 +60,10 @@ TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
             "/Rotate 90 /UserUnit 2 /Group << /S /Transparency >> /MediaBox [10 20 300 400] /CropBox [20 30 "
             "90 90] "
             "/Metadata 1000 0 R /Annots [<< /Subtype /Link /Rect [0 0 9 9] >>] /AA << /O << /S /JavaScript "
-            ">> >>")
+            ">> >> /StructParents 3 /Resources << /XObject << /I 1001 0 R >> >>",
+            "/I Do")
         .stream("", "metadata")
+        .stream("/Subtype /Image /Metadata 1000 0 R /StructParent 7", "")
         .catalog(
             "/Outlines << >> /AcroForm << /Fields [] >> /OpenAction << /S /JavaScript /JS (x) >> /Names << "
             ">> "
@@ -72,8 +74,11 @@ TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
     EXPECT_EQ(page.getKey("/UserUnit").getIntValue(), 2);
     EXPECT_TRUE(page.getKey("/Group").isDictionary());
     EXPECT_EQ(page.getKey("/MediaBox").unparse(), "[ 10 20 300 400 ]");
-    for (const char* key : {"/CropBox", "/Annots", "/Metadata", "/AA"})
+    for (const char* key : {"/CropBox", "/Annots", "/Metadata", "/AA", "/StructParents"})
         EXPECT_FALSE(page.hasKey(key)) << key;
+    QPDFObjectHandle picture =
+        output.drawn("/P").getDict().getKey("/Resources").getKey("/XObject").getKey("/I").getDict();
+    EXPECT_EQ(picture.getKeys(), (std::set<std::string>{"/Length", "/Subtype"}));
     EXPECT_EQ(output.root().getKeys(),
               (std::set<std::string>{"/OCProperties", "/OutputIntents", "/Pages", "/Type"}));
     EXPECT_FALSE(output.trailer().hasKey("/Info"));
