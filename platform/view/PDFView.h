@@ -55,6 +55,8 @@ public:
     Rect convertFromPage(const Rect& pageRect) const;
     Rect convertToPage(const Rect& viewRect) const;
 
+    const PagePictures& pictures() const { return m_pictures; }
+
 Q_SIGNALS:
     void pageChanged();
     /// The mapping between page and view changed: scale, size of the view or scroll offset.
