@@ -31,6 +31,10 @@ qsizetype PDFDocument::pageCount() const {
     return m_source->pageCount();
 }
 
+const QByteArray& PDFDocument::bytes() const {
+    return m_source->bytes();
+}
+
 std::optional<PDFPage> PDFDocument::page(qsizetype index) const {
     if (index < 0 || index >= pageCount())
         return std::nullopt;

@@ -32,6 +32,9 @@ public:
     /// Nothing for an index outside 0 … pageCount − 1.
     std::optional<PDFPage> page(qsizetype index) const;
 
+    /// The snapshot itself; shared, not copied.
+    const QByteArray& bytes() const;
+
     /// What the platform's own drawing reads; not for use outside of `platform/pdf`.
     const PDFSource& source() const { return *m_source; }
 

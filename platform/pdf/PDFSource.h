@@ -24,6 +24,7 @@ public:
     /// Nothing where the bytes are no PDF. No exception leaves this function.
     static std::unique_ptr<PDFSource> open(const QByteArray& bytes);
 
+    const QByteArray& bytes() const { return m_bytes; }
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     const SourcePage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
     QPDFObjectHandle catalog() const { return m_catalog; }

@@ -1,7 +1,5 @@
 #include "platform/view/PagePictures.h"
 
-#include "platform/pdf/PageDrawing.h"
-
 #include <cstdlib>
 #include <utility>
 
@@ -9,10 +7,13 @@
 
 namespace vellmora {
 
-PagePictures::PagePictures(PageRenderer& renderer, QObject* parent) : QObject(parent), m_renderer(renderer) {}
+PagePictures::PagePictures(PageRenderer& renderer, QObject* parent)
+    : QObject(parent), m_renderer(renderer), m_drawings(nullptr) {
+    connect(&m_drawings, &PageDrawings::ready, this, &PagePictures::takeDrawing);
+}
 
-void PagePictures::setDocument(std::shared_ptr<const PDFDocument> document) {
-    m_document = std::move(document);
+void PagePictures::setDocument(const std::shared_ptr<const PDFDocument>& document) {
+    m_drawings.setDocument(document);
     m_pages.clear();
     ++m_generation;
 }
@@ -22,14 +23,28 @@ void PagePictures::request(qsizetype pageIndex, const Wish& wish) {
     if (page.wanted == wish)
         return;
     page.wanted = wish;
-    if (page.drawing.isEmpty())
-        page.drawing = makePageDrawing(*m_document, pageIndex);
-    const auto deliver = [self = QPointer<PagePictures>(this), pageIndex, wish,
+    if (page.drawing)
+        render(pageIndex, page);
+    else
+        m_drawings.request(pageIndex);
+}
+
+void PagePictures::takeDrawing(qsizetype pageIndex, const QByteArray& drawing) {
+    const auto page = m_pages.find(pageIndex);
+    if (page == m_pages.end())
+        return;
+    page->drawing = drawing;
+    if (page->wanted != Wish())
+        render(pageIndex, *page);
+}
+
+void PagePictures::render(qsizetype pageIndex, const Page& page) {
+    const auto deliver = [self = QPointer<PagePictures>(this), pageIndex, wish = page.wanted,
                           generation = m_generation](const QImage& image) {
         if (self && self->m_generation == generation)
             self->take(pageIndex, wish, image);
     };
-    m_renderer.render({page.drawing, wish.fullSize, wish.part}, deliver);
+    m_renderer.render({*page.drawing, page.wanted.fullSize, page.wanted.part}, deliver);
 }
 
 void PagePictures::take(qsizetype pageIndex, const Wish& wish, const QImage& image) {
@@ -50,14 +65,15 @@ void PagePictures::setCentre(qsizetype pageIndex) {
     keepWithinBudget();
 }
 
-static qint64 bytesOf(const QPixmap& pixmap) {
-    return qint64{4} * pixmap.width() * pixmap.height();
+qint64 PagePictures::bytesOf(const Page& page) {
+    const qint64 pixels = qint64{page.picture.pixmap.width()} * page.picture.pixmap.height();
+    return pixels * qint64{sizeof(QRgb)} + (page.drawing ? page.drawing->size() : 0);
 }
 
 void PagePictures::keepWithinBudget() {
     qint64 total = 0;
     for (const Page& page : m_pages)
-        total += page.drawing.size() + bytesOf(page.picture.pixmap);
+        total += bytesOf(page);
     while (total > budgetBytes && m_pages.size() > 1) {
         auto farthest = m_pages.begin();
         for (auto page = m_pages.begin(); page != m_pages.end(); ++page) {
@@ -66,7 +82,7 @@ void PagePictures::keepWithinBudget() {
         }
         if (farthest.key() == m_centre)
             return;
-        total -= farthest->drawing.size() + bytesOf(farthest->picture.pixmap);
+        total -= bytesOf(*farthest);
         m_pages.erase(farthest);
     }
 }

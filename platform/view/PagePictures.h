@@ -2,8 +2,10 @@
 
 #include "platform/pdf/PDFDocument.h"
 #include "platform/pdf/render/PageRenderer.h"
+#include "platform/view/PageDrawings.h"
 
 #include <memory>
+#include <optional>
 
 #include <QHash>
 #include <QObject>
@@ -34,7 +36,7 @@ public:
     PagePictures(PageRenderer& renderer, QObject* parent);
 
     /// Forgets all pictures.
-    void setDocument(std::shared_ptr<const PDFDocument> document);
+    void setDocument(const std::shared_ptr<const PDFDocument>& document);
 
     /// The newest picture of a page; it may show another part or size than was asked for last.
     Picture picture(qsizetype pageIndex) const { return m_pages.value(pageIndex).picture; }
@@ -48,17 +50,20 @@ Q_SIGNALS:
 
 private:
     struct Page {
-        QByteArray drawing;
+        std::optional<QByteArray> drawing;
         Picture picture;
         Wish wanted;
     };
+    void takeDrawing(qsizetype pageIndex, const QByteArray& drawing);
+    void render(qsizetype pageIndex, const Page& page);
     void take(qsizetype pageIndex, const Wish& wish, const QImage& image);
+    static qint64 bytesOf(const Page& page);
     void keepWithinBudget();
 
     static constexpr qint64 budgetBytes = qint64{160} << 20;
 
     PageRenderer& m_renderer;
-    std::shared_ptr<const PDFDocument> m_document;
+    PageDrawings m_drawings;
     QHash<qsizetype, Page> m_pages;
     qsizetype m_centre = 0;
     quint64 m_generation = 0;  ///< tells pictures of a document that is gone from those of this one
