@@ -1,6 +1,7 @@
 #include "app/VellmoraApp.h"
 
 #include "editor/StampViewAccessible.h"
+#include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
 #include <QLocale>
@@ -32,6 +33,7 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanForma
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     installAccessibility();
     installStampViewAccessibility();
+    installPageViewAccessibility();
     initializeTranslationResources();
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);

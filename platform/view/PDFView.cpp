@@ -122,6 +122,15 @@ void PDFView::showPage(std::optional<qsizetype> pageIndex) {
     Q_EMIT pageChanged();
 }
 
+QString PDFView::pageDescription() const {
+    if (!m_currentPage)
+        return {};
+    const QString place =
+        QStringLiteral("Seite %1 von %2").arg(*m_currentPage + 1).arg(m_document->pageCount());
+    return m_pictures.picture(*m_currentPage).isUnavailable ? place + QStringLiteral(". ") + unavailableText
+                                                            : place;
+}
+
 std::optional<PageGeometry> PDFView::geometryOfPage() const {
     if (!m_currentPage)
         return std::nullopt;

@@ -55,6 +55,9 @@ public:
     Rect convertFromPage(const Rect& pageRect) const;
     Rect convertToPage(const Rect& viewRect) const;
 
+    /// In words, for those who do not see it: which page is on screen, and whether it cannot be shown.
+    QString pageDescription() const;
+
     const PagePictures& pictures() const { return m_pictures; }
 
 Q_SIGNALS:
@@ -83,6 +86,7 @@ private:
     bool scrollBy(double dx, double dy);
     void scrollOrTurn(double dy);
     void wheelTurn(int angle);
+    void showMenu(const QPoint& globalPosition);
     void showPage(std::optional<qsizetype> pageIndex);
 
     PagePictures::Wish wishFor(const PageGeometry& geometry) const;

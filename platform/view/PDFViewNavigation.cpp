@@ -114,15 +114,25 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
             return goTo(0);
         case Qt::Key_End:
             return goTo(m_document->pageCount() - 1);
+        case Qt::Key_F10:
+            // With Shift, what the menu key does: the toolkit leaves it to the program on this platform.
+            if (event->modifiers() & Qt::ShiftModifier)
+                return showMenu(mapToGlobal(rect().center()));
+            break;
         default:
-            QWidget::keyPressEvent(event);
+            break;
     }
+    QWidget::keyPressEvent(event);
 }
 
 void PDFView::contextMenuEvent(QContextMenuEvent* event) {
-    if (!m_currentPage)
-        return;
+    if (m_currentPage)
+        showMenu(event->globalPos());
+}
+
+void PDFView::showMenu(const QPoint& globalPosition) {
     QMenu menu(this);
+    menu.setAccessibleName(accessibleName());
     QAction* fit = menu.addAction(QStringLiteral("Einpassen"), this, [this] { setAutoScales(true); });
     fit->setEnabled(!m_autoScales);
     menu.addAction(QStringLiteral("Größer"), this, [this] { zoom(zoomStep, centre()); });
@@ -132,7 +142,7 @@ void PDFView::contextMenuEvent(QContextMenuEvent* event) {
     next->setEnabled(m_document->page(*m_currentPage + 1).has_value());
     QAction* previous = menu.addAction(QStringLiteral("Vorherige Seite"), this, [this] { turnPage(-1); });
     previous->setEnabled(*m_currentPage > 0);
-    menu.exec(event->globalPos());
+    menu.exec(globalPosition);
 }
 
 }  // namespace vellmora
