@@ -66,6 +66,8 @@ public:
 Q_SIGNALS:
     /// Around work that may take long: reading or writing a document. No panel is open in between.
     void willWork();
+    /// In between, once the work has taken a while. The event loop stands still.
+    void worksLong();
     void didWork();
 
 private:

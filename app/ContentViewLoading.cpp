@@ -45,8 +45,8 @@ void ContentView::finishDrop(const std::optional<QByteArray>& data,
 
 void ContentView::loadPDF(const QUrl& url) {
     const SecurityScopedAccess access(url);
-    const WorkScope work(*this);
-    const auto document = PDFDocument::open(url);
+    WorkScope work(*this);
+    const auto document = work.await([&] { return PDFDocument::open(url); });
     if (!document) {
         statusText = QStringLiteral("PDF konnte nicht geladen werden.");
         return;

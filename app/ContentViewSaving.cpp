@@ -28,9 +28,10 @@ void ContentView::saveOverOriginalPDF() {
         return;
     }
     const SecurityScopedAccess access(*url);
-    const WorkScope work(*this);
+    WorkScope work(*this);
     try {
-        PDFExporter::replaceOriginal(*document, stampsByPage, *url);
+        work.await(
+            [&, stamps = stampsByPage.value()] { PDFExporter::replaceOriginal(*document, stamps, *url); });
         pdfSourceURL = url;
         statusText = QStringLiteral("Original überschrieben: ") + url->fileName();
     } catch (const Error& error) {
@@ -49,9 +50,9 @@ void ContentView::saveAsNewPDF() {
         return;
     }
     const SecurityScopedAccess access(*url);
-    const WorkScope work(*this);
+    WorkScope work(*this);
     try {
-        PDFExporter::save(*document, stampsByPage, *url);
+        work.await([&, stamps = stampsByPage.value()] { PDFExporter::save(*document, stamps, *url); });
         pdfSourceURL = url;
         statusText = QStringLiteral("PDF gespeichert: ") + url->fileName();
     } catch (const Error& error) {

@@ -32,6 +32,7 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
         scheduleRefresh();
     });
     connect(m_content.get(), &ContentView::willWork, this, &ContentWindow::beginWork);
+    connect(m_content.get(), &ContentView::worksLong, this, &ContentWindow::showWaitCursor);
     connect(m_content.get(), &ContentView::didWork, this, &ContentWindow::endWork);
     refresh();
 }
@@ -65,13 +66,18 @@ QList<Command> ContentWindow::makeCommands() {
 
 void ContentWindow::beginWork() {
     m_isWorking = true;
+}
+
+void ContentWindow::showWaitCursor() {
+    m_showsWaitCursor = true;
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
 /// What the user clicked meanwhile is delivered now, and runs no second command.
 void ContentWindow::endWork() {
     QCoreApplication::processEvents();
-    QGuiApplication::restoreOverrideCursor();
+    if (std::exchange(m_showsWaitCursor, false))
+        QGuiApplication::restoreOverrideCursor();
     m_isWorking = false;
 }
 

@@ -39,6 +39,7 @@ private:
     void scheduleRefresh();
     void refresh();
     void beginWork();
+    void showWaitCursor();
     void endWork();
     void makeEditor();
     QString nameOfStamp(const StampItem& stamp) const;
@@ -55,6 +56,7 @@ private:
     bool m_isRefreshScheduled = false;
     bool m_hasLibraryChanged = true;
     bool m_isWorking = false;
+    bool m_showsWaitCursor = false;
 };
 
 }  // namespace vellmora

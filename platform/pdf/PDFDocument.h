@@ -15,7 +15,7 @@ class PDFSource;
 /// An open document: a snapshot of the file's bytes and what its structure says of the pages.
 ///
 /// The file is not touched again after opening; it may be replaced, truncated or unplugged. Documents are
-/// compared by identity and shared; they are used on one thread.
+/// compared by identity and shared; they are used by one thread at a time.
 class PDFDocument {
 public:
     /// Nothing where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond repair,
