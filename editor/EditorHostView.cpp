@@ -37,6 +37,7 @@ void EditorHostView::setDocument(const std::shared_ptr<const PDFDocument>& docum
         return;
     m_document = document;
     m_pdfView->setDocument(document);
+    m_pdfView->setAutoScales(true);
 }
 
 void EditorHostView::setStampsByPage(const StampsByPage& stampsByPage) {

@@ -24,7 +24,7 @@ public:
     /// `renderer` must outlive the view.
     EditorHostView(PageRenderer& renderer, QWidget* parent);
 
-    /// The same document again is ignored; another one is shown from its first page.
+    /// The same document again is ignored; another one is shown from its first page, fitted.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
     void setStampsByPage(const StampsByPage& stampsByPage);
     void setSelectedStampID(const std::optional<QUuid>& id);

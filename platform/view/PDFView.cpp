@@ -13,6 +13,8 @@ constexpr double pageMargin = 8;  // view points around a page that fits
 /// How far a page can be zoomed, as multiples of the scale at which it fits.
 constexpr double smallestZoom = 0.5;
 constexpr double largestZoom = 12;
+/// View points for each point of the page to which every page can be zoomed, however large or narrow it is.
+constexpr double readableScale = 4;
 
 /// A page with more pixels than this is rendered in parts.
 constexpr qint64 maxWholePagePixels = qint64{12} << 20;
@@ -51,15 +53,18 @@ double PDFView::fittingScale() const {
     return PageGeometry::fittingScale(shownBox(), viewSize(), pageMargin);
 }
 
+double PDFView::withinLimits(double scale) const {
+    const double fitting = fittingScale();
+    return std::clamp(scale, smallestZoom * fitting, std::max(largestZoom * fitting, readableScale));
+}
+
 double PDFView::scaleFactor() const {
     return m_autoScales && m_currentPage ? fittingScale() : m_fixedScale;
 }
 
 void PDFView::setScaleFactor(double scale) {
     m_autoScales = false;
-    m_fixedScale = scale;
-    if (m_currentPage)
-        m_fixedScale = std::clamp(scale, smallestZoom * fittingScale(), largestZoom * fittingScale());
+    m_fixedScale = m_currentPage ? withinLimits(scale) : scale;
     m_offset = clampedOffset(m_offset);
     update();
     Q_EMIT scaleChanged();
@@ -70,7 +75,7 @@ void PDFView::zoom(double factor, Point anchor) {
         return;
     const double before = scaleFactor();
     m_autoScales = false;
-    m_fixedScale = std::clamp(before * factor, smallestZoom * fittingScale(), largestZoom * fittingScale());
+    m_fixedScale = withinLimits(before * factor);
     const double growth = m_fixedScale / before;
     // The anchor's distance from the page's centre grows with the page.
     const double dx = anchor.x - centre().x - m_offset.x;
@@ -114,8 +119,10 @@ void PDFView::goTo(qsizetype pageIndex) {
 void PDFView::showPage(std::optional<qsizetype> pageIndex) {
     m_currentPage = pageIndex;
     m_wheelTravel = 0;
-    if (pageIndex)
+    if (pageIndex) {
         m_pictures.setCentre(*pageIndex);
+        m_fixedScale = withinLimits(m_fixedScale);
+    }
     // A page is read from its top.
     m_offset = clampedOffset({m_offset.x, -std::numeric_limits<double>::max()});
     update();

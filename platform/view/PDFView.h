@@ -78,6 +78,7 @@ private:
     Point centre() const { return {width() / 2.0, height() / 2.0}; }
     Rect shownBox() const;
     double fittingScale() const;
+    double withinLimits(double scale) const;
     Point clampedOffset(Point offset) const;
     Point scrollRange() const;
     std::optional<PageGeometry> geometryOfPage() const;

@@ -76,6 +76,14 @@ TEST_F(EditorHostViewTest, ShowsPagesOfTheDocumentOnlyAndNotTwice) {
     EXPECT_EQ(host.currentPageIndex(), 2) << "the same document again changes nothing";
 }
 
+TEST_F(EditorHostViewTest, ShowsAnotherDocumentFittedHoweverTheLastWasZoomed) {
+    const double fitting = host.pdfView().scaleFactor();
+    host.pdfView().setScaleFactor(fitting * 3);
+    host.setDocument(pages(1).document());
+    EXPECT_EQ(host.pdfView().scaleFactor(), fitting);
+    EXPECT_EQ(host.pdfView().scrollOffset(), (Point{0, 0}));
+}
+
 TEST_F(EditorHostViewTest, FollowsTheScale) {
     const StampItem stamp = stampAt({100, 200, 50, 25});
     host.setStampsByPage({{0, {stamp}}});

@@ -142,6 +142,18 @@ TEST_F(PDFViewTest, ZoomsAboutThePointerWithinLimits) {
     EXPECT_EQ(view.scrollOffset(), (Point{0, 0}));
 }
 
+TEST_F(PDFViewTest, EveryPageCanBeReadAndComesIntoSightWhateverTheScaleOfTheLast) {
+    view.setDocument(PdfBuilder().page("/MediaBox [0 0 2 2]").page("/MediaBox [0 0 14400 14400]").document());
+    view.setScaleFactor(view.scaleFactor());
+    EXPECT_NEAR(view.scaleFactor(), 292, 1e-9);
+    view.goTo(1);
+    EXPECT_EQ(view.scaleFactor(), 4);
+    view.setScaleFactor(0);
+    EXPECT_NEAR(view.scaleFactor(), 584.0 / 14400 / 2, 1e-9);
+    view.goTo(0);
+    EXPECT_NEAR(view.scaleFactor(), 146, 1e-9);
+}
+
 TEST_F(PDFViewTest, AZoomedPageScrollsAndTurnsAtItsEdges) {
     view.setDocument(pages(3).document());
     view.setScaleFactor(view.scaleFactor() * 2);

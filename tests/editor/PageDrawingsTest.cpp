@@ -1,0 +1,83 @@
+#include "platform/pdf/PageDrawing.h"
+#include "platform/pdf/render/ProcessRenderer.h"
+#include "platform/view/PDFView.h"
+#include "tests/support/EventLoop.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+class PageDrawingsTest : public testing::Test {
+protected:
+    QList<qsizetype> deliveredPages() const {
+        QList<qsizetype> pages;
+        for (const QList<QVariant>& delivery : delivered)
+            pages.append(delivery.first().value<qsizetype>());
+        return pages;
+    }
+
+    PageDrawings drawings{nullptr};
+    QSignalSpy delivered{&drawings, &PageDrawings::ready};
+};
+
+}  // namespace
+
+TEST_F(PageDrawingsTest, DrawsTheNewestRequestFirstAndDropsWhatWasOvertaken) {
+    const auto document = pages(20).document();
+    drawings.setDocument(document);
+    for (qsizetype page = 0; page < 20; ++page)
+        drawings.request(page);
+    drawings.request(0);
+    drawings.request(15);
+    const QList<qsizetype> expected{0, 15, 19, 18, 17, 16, 14, 13, 12};
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() == expected.size(); }));
+    settle();
+    EXPECT_EQ(deliveredPages(), expected) << "the first was being drawn already and is not drawn twice";
+    EXPECT_EQ(delivered[2][1].toByteArray(), makePageDrawing(*document, 19));
+}
+
+TEST_F(PageDrawingsTest, DeliversNothingOfADocumentThatIsGone) {
+    drawings.setDocument(pages(3).document());
+    for (const qsizetype page : {0, 1, 2})
+        drawings.request(page);
+    const auto next = PdfBuilder().page({}, filledRect("1 0 0", "0 0 10 10")).document();
+    drawings.setDocument(next);
+    drawings.request(0);
+    drawings.request(7);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() == 2; }));
+    settle();
+    EXPECT_EQ(deliveredPages(), (QList<qsizetype>{7, 0}));
+    EXPECT_EQ(delivered[0][1].toByteArray(), QByteArray()) << "no such page";
+    EXPECT_EQ(delivered[1][1].toByteArray(), makePageDrawing(*next, 0));
+}
+
+TEST(PageTurningTest, ShowsThePageThatQuickTurningEndsAtAndThoseItPassed) {
+    constexpr int count = 30;
+    PdfBuilder source;
+    for (int page = 0; page < count; ++page)
+        source.page({}, filledRect(page == count - 1 ? "1 0 0"
+                                   : page == 9       ? "0 1 0"
+                                                     : "0 0 1",
+                                   "0 0 595 842"));
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
+    PDFView view(renderer, nullptr);
+    view.resize(300, 400);
+    view.setAutoScales(true);
+    view.setDocument(source.document());
+    const auto middle = [&] { return view.grab().toImage().pixelColor(150, 200); };
+    for (int page = 1; page < count; ++page) {
+        QTest::keyClick(&view, Qt::Key_PageDown);
+        middle();
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isClose(middle(), Qt::red); }));
+    view.goTo(9);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isClose(middle(), Qt::green); }));
+}
