@@ -160,3 +160,19 @@ TEST_F(ContentWindowTest, PageTurnsAndStampsOfOtherPagesStayApart) {
     EXPECT_EQ(shown->editor()->currentPageIndex(), 0);
     EXPECT_EQ(content().pageDisplayText(), QStringLiteral("1 / 3"));
 }
+
+TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {
+    const auto shape = [] {
+        const QCursor* cursor = QGuiApplication::overrideCursor();
+        return cursor ? std::optional(cursor->shape()) : std::nullopt;
+    };
+    Q_EMIT content().willWork();
+    EXPECT_EQ(shape(), std::nullopt);
+    Q_EMIT content().worksLong();
+    EXPECT_EQ(shape(), Qt::WaitCursor);
+    Q_EMIT content().didWork();
+    EXPECT_EQ(shape(), std::nullopt);
+    Q_EMIT content().willWork();
+    Q_EMIT content().didWork();
+    EXPECT_EQ(shape(), std::nullopt) << "short work leaves the cursor alone";
+}
