@@ -10,6 +10,7 @@
 #include <utility>
 
 #include <QFile>
+#include <QThreadPool>
 
 namespace vellmora {
 
@@ -50,9 +51,10 @@ std::unique_ptr<RendererProcess> RendererProcess::start(const QString& program) 
 }
 
 RendererProcess::~RendererProcess() {
-    // Also ends a process that was stopped; it is gone at once, so the wait is short.
+    // Also ends a process that was stopped.
     ::kill(m_pid, SIGKILL);
-    ::waitpid(m_pid, nullptr, 0);
+    // It is gone once its memory is given back, which takes a while where it has gigabytes.
+    QThreadPool::globalInstance()->start([pid = m_pid] { ::waitpid(pid, nullptr, 0); });
 }
 
 bool RendererProcess::send(const RenderRequestMessage& request, int drawing, int pixels) {
