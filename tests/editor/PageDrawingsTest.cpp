@@ -62,11 +62,10 @@ TEST_F(PageDrawingsTest, DeliversNothingOfADocumentThatIsGone) {
 TEST(PageTurningTest, ShowsThePageThatQuickTurningEndsAtAndThoseItPassed) {
     constexpr int count = 30;
     PdfBuilder source;
-    for (int page = 0; page < count; ++page)
-        source.page({}, filledRect(page == count - 1 ? "1 0 0"
-                                   : page == 9       ? "0 1 0"
-                                                     : "0 0 1",
-                                   "0 0 595 842"));
+    for (int page = 0; page < count; ++page) {
+        const char* colour = page == count - 1 ? "1 0 0" : page == 9 ? "0 1 0" : "0 0 1";
+        source.page({}, filledRect(colour, "0 0 595 842"));
+    }
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     PDFView view(renderer, nullptr);
     view.resize(300, 400);
