@@ -1,7 +1,8 @@
 #include "platform/pdf/PageDrawing.h"
 
-#include "platform/error/Error.h"
 #include "platform/pdf/PDFContext.h"
+
+#include <exception>
 
 namespace vellmora {
 
@@ -16,7 +17,7 @@ QByteArray makePageDrawing(const PDFDocument& document, qsizetype pageIndex) {
         context->drawPage(document, pageIndex, DisplayBox::cropBox);
         context->endPage();
         context->close();
-    } catch (const Error&) {
+    } catch (const std::exception&) {
         return {};
     }
     return consumer.bytes();
