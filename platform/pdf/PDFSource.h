@@ -30,6 +30,7 @@ public:
 
 private:
     explicit PDFSource(QByteArray bytes);
+    static std::unique_ptr<PDFSource> read(const QByteArray& bytes);
 
     QByteArray m_bytes;
     QPDF m_qpdf;
