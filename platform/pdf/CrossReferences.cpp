@@ -18,8 +18,9 @@ std::string entry(const char* key, const std::string& value) {
 
 }  // namespace
 
-std::string crossReferences(const ObjectPlaces& places, const Trailer& trailer, size_t position) {
+std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position) {
     const int ownNumber = places.empty() ? 1 : places.rbegin()->first + 1;
+    places[ownNumber] = {position, 0, 0};
     std::string index;
     std::string data;
     for (const auto& [number, place] : places) {

@@ -15,6 +15,6 @@ struct Trailer {
 
 /// The end of a file: a cross-reference stream (ISO 32000-2, 7.5.8) that names the places of all objects, and
 /// its own position `position`.
-std::string crossReferences(const ObjectPlaces& places, const Trailer& trailer, size_t position);
+std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position);
 
 }  // namespace vellmora

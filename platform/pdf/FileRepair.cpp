@@ -47,6 +47,8 @@ CatalogRank rankAsCatalog(QPDFObjectHandle object, const QPDFObjGen& statedRoot)
     return object.isDictionaryOfType("/Catalog") ? CatalogRank::catalog : CatalogRank::hasPages;
 }
 
+constexpr const char* emptyCatalog = "<< /Type /Catalog /Pages << /Type /Pages >> >>";
+
 /// The file while it is repaired: the damaged one's bytes with a sound beginning and end, and what was found
 /// in them. Each step opens the file with what the steps before it have found.
 class Repair {
@@ -69,7 +71,7 @@ private:
 
     QByteArray m_bytes;
     ObjectPlaces m_places;
-    Trailer m_trailer{"<< /Type /Catalog /Pages << /Type /Pages >> >>", {}, {}};
+    Trailer m_trailer{emptyCatalog, {}, {}};
     QPDFObjGen m_statedRoot;
 };
 
@@ -97,8 +99,11 @@ void Repair::findTrailer() {
     for (auto& [position, trailer] : trailersByPosition(file)) {
         if (!trailer.isDictionary())
             continue;
-        if (trailer.getKey("/Root").isIndirect())
-            m_statedRoot = trailer.getKey("/Root").getObjGen();
+        QPDFObjectHandle root = trailer.getKey("/Root");
+        if (root.isIndirect())
+            m_statedRoot = root.getObjGen();
+        else if (root.isDictionary())
+            m_trailer.root = root.unparse();
         if (trailer.getKey("/ID").isArray())
             m_trailer.id = trailer.getKey("/ID").unparse();
         QPDFObjectHandle encryption = trailer.getKey("/Encrypt");
@@ -140,6 +145,8 @@ void Repair::addMembers(int container, size_t position, QPDFObjectHandle stream)
 }
 
 void Repair::findCatalog() {
+    if (m_trailer.root != emptyCatalog)
+        return;
     const QByteArray bytes = file();
     QPDF file;
     openFile(file, bytes);

@@ -4,14 +4,14 @@
 
 namespace vellmora {
 
-void openFile(QPDF& file, const QByteArray& bytes) {
+void openFile(QPDF& file, const QByteArray& bytes, Damage damage) {
     const auto silent = QPDFLogger::create();
     silent->setInfo(silent->discard());
     silent->setWarn(silent->discard());
     silent->setError(silent->discard());
     file.setLogger(silent);
     file.setSuppressWarnings(true);
-    file.setAttemptRecovery(false);
+    file.setAttemptRecovery(damage == Damage::recover);
     file.processMemoryFile("", bytes.constData(), static_cast<size_t>(bytes.size()), "");
     file.setAttemptRecovery(true);
 }

@@ -9,30 +9,34 @@
 
 namespace vellmora {
 
-PDFSource::PDFSource(QByteArray bytes) : m_bytes(std::move(bytes)) {
-    openFile(m_qpdf, m_bytes);
+PDFSource::PDFSource(QByteArray bytes, Damage damage) : m_bytes(std::move(bytes)) {
+    openFile(m_qpdf, m_bytes, damage);
     m_catalog = m_qpdf.getRoot();
     m_pages = collectPages(m_qpdf);
 }
 
-std::unique_ptr<PDFSource> PDFSource::read(const QByteArray& bytes) {
+std::unique_ptr<PDFSource> PDFSource::read(const QByteArray& bytes, Damage damage) {
     try {
-        return std::unique_ptr<PDFSource>(new PDFSource(bytes));
+        return std::unique_ptr<PDFSource>(new PDFSource(bytes, damage));
     } catch (const std::exception&) {
         return nullptr;
     }
 }
 
 std::unique_ptr<PDFSource> PDFSource::open(const QByteArray& bytes) {
-    auto source = read(bytes);
+    auto source = read(bytes, Damage::refuse);
     if (source && source->pageCount() > 0)
         return source;
     try {
-        auto repaired = read(repairedFile(bytes));
-        return repaired && repaired->pageCount() > 0 ? std::move(repaired) : std::move(source);
-    } catch (const std::exception&) {
-        return source;
+        auto repaired = read(repairedFile(bytes), Damage::refuse);
+        if (repaired && repaired->pageCount() > 0)
+            return repaired;
+    } catch (const QPDFExc& failure) {
+        if (failure.getErrorCode() == qpdf_e_password)
+            return nullptr;
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
     }
+    return source ? std::move(source) : read(bytes, Damage::recover);
 }
 
 }  // namespace vellmora

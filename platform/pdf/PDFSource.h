@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/pdf/OpenFile.h"
 #include "platform/pdf/PageOrientation.h"
 #include "platform/pdf/Qpdf.h"
 
@@ -29,8 +30,8 @@ public:
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:
-    explicit PDFSource(QByteArray bytes);
-    static std::unique_ptr<PDFSource> read(const QByteArray& bytes);
+    PDFSource(QByteArray bytes, Damage damage);
+    static std::unique_ptr<PDFSource> read(const QByteArray& bytes, Damage damage);
 
     QByteArray m_bytes;
     QPDF m_qpdf;

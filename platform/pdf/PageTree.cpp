@@ -82,12 +82,25 @@ std::vector<SourcePage> walkTree(const QPDFObjectHandle& root) {
     return pages;
 }
 
+/// The page's own attributes and those of the nodes above it, which may be in a loop.
+InheritedAttributes attributesFromParents(const QPDFObjectHandle& page) {
+    constexpr size_t greatestHeight = 100;
+    std::vector<QPDFObjectHandle> nodes;
+    for (QPDFObjectHandle node = page; node.isDictionary() && nodes.size() < greatestHeight;
+         node = node.getKey("/Parent"))
+        nodes.push_back(node);
+    InheritedAttributes attributes;
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
+        attributes = attributes.overriddenBy(*node);
+    return attributes;
+}
+
 std::vector<SourcePage> scanForPages(QPDF& qpdf) {
     std::vector<SourcePage> pages;
     std::vector<QPDFObjectHandle> objects = qpdf.getAllObjects();
     for (QPDFObjectHandle& object : objects) {
         if (object.isDictionaryOfType("/Page"))
-            pages.push_back(makePage(object, InheritedAttributes().overriddenBy(object)));
+            pages.push_back(makePage(object, attributesFromParents(object)));
     }
     return pages;
 }
