@@ -33,17 +33,15 @@ bool concernsAttachmentsOnly(QPDFObjectHandle encryption) {
 }
 
 /// How well an object serves as the catalog; a page tree needs one around it.
-enum class CatalogRank { none, pageTree, hasPages, catalog, statedRoot };
+enum class CatalogRank { none, pageTree, hasPages, catalog };
 
-CatalogRank rankAsCatalog(QPDFObjectHandle object, const QPDFObjGen& statedRoot) {
+CatalogRank rankAsCatalog(QPDFObjectHandle object) {
     if (!object.isDictionary())
         return CatalogRank::none;
     if (object.isDictionaryOfType("/Pages"))
         return object.hasKey("/Parent") ? CatalogRank::none : CatalogRank::pageTree;
     if (!object.getKey("/Pages").isDictionary())
         return CatalogRank::none;
-    if (object.getObjGen() == statedRoot)
-        return CatalogRank::statedRoot;
     return object.isDictionaryOfType("/Catalog") ? CatalogRank::catalog : CatalogRank::hasPages;
 }
 
@@ -66,16 +64,17 @@ public:
     }
 
 private:
-    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file) const;
+    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file);
     void addMembers(int container, size_t position, QPDFObjectHandle stream);
 
     QByteArray m_bytes;
     ObjectPlaces m_places;
     Trailer m_trailer{emptyCatalog, {}, {}};
+    ObjectPlaces m_objectStreams;
     QPDFObjGen m_statedRoot;
 };
 
-std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) const {
+std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) {
     std::map<size_t, QPDFObjectHandle> trailers;
     const auto input = std::make_shared<BufferInputSource>("", m_bytes.toStdString());
     QPDFTokenizer tokenizer;
@@ -88,6 +87,8 @@ std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) const 
         QPDFObjectHandle object = file.getObject(number, place.detail);
         if (object.isStreamOfType("/XRef"))
             trailers[place.position] = object.getDict();
+        else if (object.isStreamOfType("/ObjStm"))
+            m_objectStreams[number] = place;
     }
     return trailers;
 }
@@ -116,12 +117,8 @@ void Repair::findMembersOfObjectStreams() {
     const QByteArray bytes = file();
     QPDF file;
     openFile(file, bytes);
-    const ObjectPlaces places = m_places;
-    for (const auto& [number, place] : places) {
-        QPDFObjectHandle object = file.getObject(number, place.detail);
-        if (object.isStreamOfType("/ObjStm"))
-            addMembers(number, place.position, object);
-    }
+    for (const auto& [number, place] : m_objectStreams)
+        addMembers(number, place.position, file.getObject(number, place.detail));
 }
 
 /// An object stream begins with the numbers and positions of its members.
@@ -139,8 +136,7 @@ void Repair::addMembers(int container, size_t position, QPDFObjectHandle stream)
             if (number > 0 && (known == m_places.end() || known->second.position <= position))
                 m_places[number] = {position, container, i};
         }
-    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): a stream that cannot be decoded has no
-                                       // members
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): what cannot be decoded has no members
     }
 }
 
@@ -150,9 +146,14 @@ void Repair::findCatalog() {
     const QByteArray bytes = file();
     QPDF file;
     openFile(file, bytes);
+    QPDFObjectHandle stated = file.getObject(m_statedRoot);
+    if (rankAsCatalog(stated) >= CatalogRank::hasPages) {
+        m_trailer.root = stated.unparse();
+        return;
+    }
     CatalogRank best = CatalogRank::none;
     for (QPDFObjectHandle object : file.getAllObjects()) {
-        const CatalogRank rank = rankAsCatalog(object, m_statedRoot);
+        const CatalogRank rank = rankAsCatalog(object);
         if (rank == CatalogRank::none || rank < best)
             continue;
         best = rank;

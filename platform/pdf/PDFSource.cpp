@@ -4,6 +4,7 @@
 #include "platform/pdf/OpenFile.h"
 #include "platform/pdf/PageTree.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -23,18 +24,22 @@ std::unique_ptr<PDFSource> PDFSource::read(const QByteArray& bytes, Damage damag
     }
 }
 
+qsizetype PDFSource::readablePageCount() const {
+    return std::count_if(m_pages.begin(), m_pages.end(), [](const SourcePage& page) { return !page.isLost; });
+}
+
 std::unique_ptr<PDFSource> PDFSource::open(const QByteArray& bytes) {
     auto source = read(bytes, Damage::refuse);
-    if (source && source->pageCount() > 0)
+    if (source && source->isComplete())
         return source;
     try {
         auto repaired = read(repairedFile(bytes), Damage::refuse);
-        if (repaired && repaired->pageCount() > 0)
+        if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0))
             return repaired;
     } catch (const QPDFExc& failure) {
         if (failure.getErrorCode() == qpdf_e_password)
             return nullptr;
-    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
     return source ? std::move(source) : read(bytes, Damage::recover);
 }
