@@ -1,25 +1,67 @@
 #include "platform/pdf/ObjectCopier.h"
 
+#include "platform/pdf/RawStream.h"
+
+#include <memory>
+
 namespace vellmora {
 
-QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle object, int levels) {
+QPDFObjectHandle ObjectCopier::copy(const QPDFObjectHandle& object) {
+    const QPDFObjectHandle result = counterpart(object);
+    while (!m_pending.empty()) {
+        const auto [target, source] = std::move(m_pending.back());
+        m_pending.pop_back();
+        fill(target, source);
+    }
+    return result;
+}
+
+QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) {
     if (levels == 0 || object.isDictionaryOfType("/Page") || object.isDictionaryOfType("/Pages"))
         return QPDFObjectHandle::newNull();
-    if (object.isIndirect())
-        return m_output.copyForeignObject(object);
-    if (object.isDictionary()) {
-        QPDFObjectHandle result = QPDFObjectHandle::newDictionary();
-        for (const auto& [key, value] : object.ditems())
-            result.replaceKey(key, copy(value, levels - 1));
-        return result;
+    if (object.isIndirect()) {
+        const auto [known, isNew] = m_copies.try_emplace({object.getOwningQPDF(), object.getObjGen()});
+        if (isNew)
+            known->second = makeCounterpart(object);
+        return known->second;
     }
-    if (object.isArray()) {
-        QPDFObjectHandle result = QPDFObjectHandle::newArray();
-        for (const QPDFObjectHandle& item : object.aitems())
-            result.appendItem(copy(item, levels - 1));
-        return result;
+    if (!object.isDictionary() && !object.isArray())
+        return object.shallowCopy();
+    auto result = object.isArray() ? QPDFObjectHandle::newArray() : QPDFObjectHandle::newDictionary();
+    fill(result, object, levels);
+    return result;
+}
+
+/// Containers stay empty for now: what they contain may lead back to them.
+QPDFObjectHandle ObjectCopier::makeCounterpart(QPDFObjectHandle object) {
+    if (object.isStream()) {
+        QPDFObjectHandle stream = m_output.newStream();
+        stream.replaceStreamData(std::make_shared<RawStream>(object), {}, {});
+        m_pending.emplace_back(stream, object);
+        return stream;
     }
-    return object.shallowCopy();
+    if (!object.isDictionary() && !object.isArray())
+        return object.isNull() ? QPDFObjectHandle::newNull()
+                               : m_output.makeIndirectObject(object.shallowCopy());
+    QPDFObjectHandle container = m_output.makeIndirectObject(
+        object.isArray() ? QPDFObjectHandle::newArray() : QPDFObjectHandle::newDictionary());
+    m_pending.emplace_back(container, object);
+    return container;
+}
+
+void ObjectCopier::fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels) {
+    if (source.isStream()) {
+        fill(target.getDict(), source.getDict(), levels);
+        target.getDict().removeKey("/Length");  // the file's own may be wrong
+        return;
+    }
+    if (source.isArray()) {
+        for (const QPDFObjectHandle& item : source.aitems())
+            target.appendItem(counterpart(item, levels - 1));
+        return;
+    }
+    for (const auto& [key, value] : source.ditems())
+        target.replaceKey(key, counterpart(value, levels - 1));
 }
 
 }  // namespace vellmora

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/pdf/OpenFile.h"
 #include "platform/pdf/PageOrientation.h"
 #include "platform/pdf/Qpdf.h"
 
@@ -15,7 +16,8 @@ struct SourcePage {
     QPDFObjectHandle dictionary;
     QPDFObjectHandle resources;  ///< null where there are none
     PageOrientation orientation;
-    Rect cropBox;  ///< in the file's own space, inside the media box
+    Rect cropBox;         ///< in the file's own space, inside the media box
+    bool isLost = false;  ///< the tree names it, but the file does not have it: a blank page
 };
 
 /// The parsed file behind a document. The bytes are shared, not copied.
@@ -30,7 +32,11 @@ public:
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:
-    explicit PDFSource(QByteArray bytes);
+    PDFSource(QByteArray bytes, Damage damage);
+    /// Pages that can be shown.
+    qsizetype readablePageCount() const;
+    bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
+    static std::unique_ptr<PDFSource> read(const QByteArray& bytes, Damage damage);
 
     QByteArray m_bytes;
     QPDF m_qpdf;

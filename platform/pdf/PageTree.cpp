@@ -1,5 +1,6 @@
 #include "platform/pdf/PageTree.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -55,31 +56,97 @@ SourcePage makePage(const QPDFObjectHandle& dictionary, InheritedAttributes attr
     attributes.rotate.getValueAsNumber(rotation);
     const bool isWhole = std::abs(rotation) < 1e6 && rotation == std::floor(rotation);
     const PageOrientation orientation(mediaBox, isWhole ? static_cast<int>(rotation) : 0);
-    return {dictionary, attributes.resources, orientation, cropBox};
+    return {dictionary, attributes.resources, orientation, cropBox, false};
 }
 
-std::vector<SourcePage> walkTree(const QPDFObjectHandle& root) {
-    std::vector<SourcePage> pages;
-    std::vector<std::pair<QPDFObjectHandle, InheritedAttributes>> open{{root, {}}};
-    std::set<QPDFObjGen> visited;
-    while (!open.empty()) {
-        auto [node, inherited] = std::move(open.back());
-        open.pop_back();
-        if (!node.isDictionary())
-            continue;
+/// Goes through a page tree without recursion: a hostile one is deep.
+class TreeWalk {
+public:
+    explicit TreeWalk(const QPDFObjectHandle& root) { m_steps.push_back({root, {}, false}); }
+
+    std::vector<SourcePage> pages() {
+        while (!m_steps.empty()) {
+            const Step step = std::move(m_steps.back());
+            m_steps.pop_back();
+            if (step.leaves)
+                m_open.erase(step.node.getObjGen());
+            else
+                enter(step.node, step.inherited);
+        }
+        return std::move(m_pages);
+    }
+
+private:
+    struct Step {
+        QPDFObjectHandle node;
+        InheritedAttributes inherited;
+        bool leaves;
+    };
+
+    /// Nodes may stand in the tree more than once, but a small file must not grow to millions of pages.
+    static constexpr int maxRepeats = 10000;
+
+    void enter(QPDFObjectHandle node, const InheritedAttributes& inherited) {
+        if (!node.isDictionary()) {
+            if (node.isIndirect())
+                addLostPage(inherited);
+            return;
+        }
         const InheritedAttributes attributes = inherited.overriddenBy(node);
         QPDFObjectHandle kids = node.getKey("/Kids");
-        if (!kids.isArray()) {
-            if (!node.isDictionaryOfType("/Pages"))
-                pages.push_back(makePage(node, attributes));
-            continue;
-        }
-        if (node.isIndirect() && !visited.insert(node.getObjGen()).second)
-            continue;
-        for (int i = kids.getArrayNItems() - 1; i >= 0; --i)
-            open.emplace_back(kids.getArrayItem(i), attributes);
+        if (kids.isArray())
+            enterKids(node, kids, attributes);
+        else if (!node.isDictionaryOfType("/Pages"))
+            m_pages.push_back(makePage(node, attributes));
     }
-    return pages;
+
+    void addLostPage(const InheritedAttributes& inherited) {
+        m_pages.push_back(makePage(QPDFObjectHandle::newDictionary(), inherited));
+        m_pages.back().isLost = true;
+    }
+
+    void enterKids(const QPDFObjectHandle& node, QPDFObjectHandle kids,
+                   const InheritedAttributes& attributes) {
+        if (node.isIndirect()) {
+            const QPDFObjGen id = node.getObjGen();
+            const bool isRepeated = !m_visited.insert(id).second;
+            if (!m_open.insert(id).second || (isRepeated && ++m_repeats > maxRepeats))
+                return;
+            m_steps.push_back({node, {}, true});
+        }
+        for (int i = kids.getArrayNItems() - 1; i >= 0; --i)
+            m_steps.push_back({kids.getArrayItem(i), attributes, false});
+    }
+
+    std::vector<Step> m_steps;
+    std::set<QPDFObjGen> m_visited;
+    std::set<QPDFObjGen> m_open;  ///< nodes that the walk is inside of
+    int m_repeats = 0;
+    std::vector<SourcePage> m_pages;
+};
+
+/// Lost pages count only where the tree states that there are more pages than there are left: otherwise they
+/// were deleted.
+void dropDeletedPages(std::vector<SourcePage>& pages, QPDFObjectHandle root) {
+    QPDFObjectHandle count = root.getKey("/Count");
+    const auto left =
+        std::count_if(pages.begin(), pages.end(), [](const auto& page) { return !page.isLost; });
+    if (left == 0 || !count.isInteger() || count.getIntValue() <= left)
+        pages.erase(std::remove_if(pages.begin(), pages.end(), [](const auto& page) { return page.isLost; }),
+                    pages.end());
+}
+
+/// The page's own attributes and those of the nodes above it, which may be in a loop.
+InheritedAttributes attributesFromParents(const QPDFObjectHandle& page) {
+    constexpr size_t greatestHeight = 100;
+    std::vector<QPDFObjectHandle> nodes;
+    for (QPDFObjectHandle node = page; node.isDictionary() && nodes.size() < greatestHeight;
+         node = node.getKey("/Parent"))
+        nodes.push_back(node);
+    InheritedAttributes attributes;
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
+        attributes = attributes.overriddenBy(*node);
+    return attributes;
 }
 
 std::vector<SourcePage> scanForPages(QPDF& qpdf) {
@@ -87,7 +154,7 @@ std::vector<SourcePage> scanForPages(QPDF& qpdf) {
     std::vector<QPDFObjectHandle> objects = qpdf.getAllObjects();
     for (QPDFObjectHandle& object : objects) {
         if (object.isDictionaryOfType("/Page"))
-            pages.push_back(makePage(object, InheritedAttributes().overriddenBy(object)));
+            pages.push_back(makePage(object, attributesFromParents(object)));
     }
     return pages;
 }
@@ -95,7 +162,9 @@ std::vector<SourcePage> scanForPages(QPDF& qpdf) {
 }  // namespace
 
 std::vector<SourcePage> collectPages(QPDF& qpdf) {
-    std::vector<SourcePage> pages = walkTree(qpdf.getRoot().getKey("/Pages"));
+    const QPDFObjectHandle root = qpdf.getRoot().getKey("/Pages");
+    std::vector<SourcePage> pages = TreeWalk(root).pages();
+    dropDeletedPages(pages, root);
     return pages.empty() ? scanForPages(qpdf) : pages;
 }
 

@@ -1,0 +1,176 @@
+#include "platform/pdf/FileRepair.h"
+
+#include "platform/pdf/CrossReferences.h"
+#include "platform/pdf/ObjectScan.h"
+#include "platform/pdf/OpenFile.h"
+
+#include <exception>
+#include <memory>
+#include <sstream>
+
+#include <qpdf/Buffer.hh>
+#include <qpdf/BufferInputSource.hh>
+#include <qpdf/QPDFTokenizer.hh>
+
+namespace vellmora {
+
+namespace {
+
+std::string_view viewOf(const QByteArray& bytes) {
+    return {bytes.constData(), static_cast<size_t>(bytes.size())};
+}
+
+/// Without a name of a crypt filter nothing is encrypted (ISO 32000-2, table 20).
+bool isIdentity(QPDFObjectHandle filter) {
+    return !filter.isName() || filter.isNameAndEquals("/Identity");
+}
+
+bool concernsAttachmentsOnly(QPDFObjectHandle encryption) {
+    constexpr int firstVersionWithFilters = 4;
+    QPDFObjectHandle version = encryption.getKey("/V");
+    return version.isInteger() && version.getIntValueAsInt() >= firstVersionWithFilters &&
+           isIdentity(encryption.getKey("/StmF")) && isIdentity(encryption.getKey("/StrF"));
+}
+
+/// How well an object serves as the catalog; a page tree needs one around it.
+enum class CatalogRank { none, pageTree, hasPages, catalog };
+
+CatalogRank rankAsCatalog(QPDFObjectHandle object) {
+    if (!object.isDictionary())
+        return CatalogRank::none;
+    if (object.isDictionaryOfType("/Pages"))
+        return object.hasKey("/Parent") ? CatalogRank::none : CatalogRank::pageTree;
+    if (!object.getKey("/Pages").isDictionary())
+        return CatalogRank::none;
+    return object.isDictionaryOfType("/Catalog") ? CatalogRank::catalog : CatalogRank::hasPages;
+}
+
+constexpr const char* emptyCatalog = "<< /Type /Catalog /Pages << /Type /Pages >> >>";
+
+/// The file while it is repaired: the damaged one's bytes with a sound beginning and end, and what was found
+/// in them. Each step opens the file with what the steps before it have found.
+class Repair {
+public:
+    explicit Repair(const QByteArray& damaged)
+        : m_bytes("%PDF-1.7\n" + damaged + "\nendstream\nendobj\n"),
+          m_places(scanForObjects(viewOf(m_bytes))) {}
+
+    void findTrailer();
+    void findMembersOfObjectStreams();
+    void findCatalog();
+    QByteArray file() const {
+        return m_bytes + QByteArray::fromStdString(
+                             crossReferences(m_places, m_trailer, static_cast<size_t>(m_bytes.size())));
+    }
+
+private:
+    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file);
+    void addMembers(int container, size_t position, QPDFObjectHandle stream);
+
+    QByteArray m_bytes;
+    ObjectPlaces m_places;
+    Trailer m_trailer{emptyCatalog, {}, {}};
+    ObjectPlaces m_objectStreams;
+    QPDFObjGen m_statedRoot;
+};
+
+std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) {
+    std::map<size_t, QPDFObjectHandle> trailers;
+    const auto input = std::make_shared<BufferInputSource>("", m_bytes.toStdString());
+    QPDFTokenizer tokenizer;
+    for (const size_t position : scanForTrailers(viewOf(m_bytes))) {
+        input->seek(static_cast<qpdf_offset_t>(position), SEEK_SET);
+        bool isEmpty = false;
+        trailers[position] = QPDFObjectHandle::parse(input, "", tokenizer, isEmpty, nullptr, &file);
+    }
+    for (const auto& [number, place] : m_places) {
+        QPDFObjectHandle object = file.getObject(number, place.detail);
+        if (object.isStreamOfType("/XRef"))
+            trailers[place.position] = object.getDict();
+        else if (object.isStreamOfType("/ObjStm"))
+            m_objectStreams[number] = place;
+    }
+    return trailers;
+}
+
+void Repair::findTrailer() {
+    const QByteArray bytes = file();
+    QPDF file;
+    openFile(file, bytes);
+    for (auto& [position, trailer] : trailersByPosition(file)) {
+        if (!trailer.isDictionary())
+            continue;
+        QPDFObjectHandle root = trailer.getKey("/Root");
+        if (root.isIndirect())
+            m_statedRoot = root.getObjGen();
+        else if (root.isDictionary())
+            m_trailer.root = root.unparse();
+        if (trailer.getKey("/ID").isArray())
+            m_trailer.id = trailer.getKey("/ID").unparse();
+        QPDFObjectHandle encryption = trailer.getKey("/Encrypt");
+        if (encryption.isDictionary() && !concernsAttachmentsOnly(encryption))
+            m_trailer.encrypt = encryption.unparse();
+    }
+}
+
+void Repair::findMembersOfObjectStreams() {
+    const QByteArray bytes = file();
+    QPDF file;
+    openFile(file, bytes);
+    for (const auto& [number, place] : m_objectStreams)
+        addMembers(number, place.position, file.getObject(number, place.detail));
+}
+
+/// An object stream begins with the numbers and positions of its members.
+void Repair::addMembers(int container, size_t position, QPDFObjectHandle stream) {
+    try {
+        const auto data = stream.getStreamData(qpdf_dl_specialized);
+        std::istringstream members(
+            std::string(reinterpret_cast<const char*>(data->getBuffer()), data->getSize()));
+        QPDFObjectHandle count = stream.getDict().getKey("/N");
+        int number = 0;
+        int offset = 0;
+        for (int i = 0; count.isInteger() && i < count.getIntValueAsInt() && members >> number >> offset;
+             ++i) {
+            const auto known = m_places.find(number);
+            if (number > 0 && (known == m_places.end() || known->second.position <= position))
+                m_places[number] = {position, container, i};
+        }
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): what cannot be decoded has no members
+    }
+}
+
+void Repair::findCatalog() {
+    if (m_trailer.root != emptyCatalog)
+        return;
+    const QByteArray bytes = file();
+    QPDF file;
+    openFile(file, bytes);
+    QPDFObjectHandle stated = file.getObject(m_statedRoot);
+    if (rankAsCatalog(stated) >= CatalogRank::hasPages) {
+        m_trailer.root = stated.unparse();
+        return;
+    }
+    CatalogRank best = CatalogRank::none;
+    for (QPDFObjectHandle object : file.getAllObjects()) {
+        const CatalogRank rank = rankAsCatalog(object);
+        if (rank == CatalogRank::none || rank < best)
+            continue;
+        best = rank;
+        const std::string reference = object.unparse();
+        m_trailer.root =
+            rank == CatalogRank::pageTree ? "<< /Type /Catalog /Pages " + reference + " >>" : reference;
+    }
+}
+
+}  // namespace
+
+QByteArray repairedFile(const QByteArray& damaged) {
+    Repair repair(damaged);
+    repair.findTrailer();
+    repair.findMembersOfObjectStreams();
+    repair.findCatalog();
+    return repair.file();
+}
+
+}  // namespace vellmora

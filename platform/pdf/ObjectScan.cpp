@@ -1,0 +1,106 @@
+#include "platform/pdf/ObjectScan.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+namespace vellmora {
+
+namespace {
+
+constexpr int greatestNumber = 8388607;  // ISO 32000-1, annex C
+
+constexpr std::string_view space{" \t\r\n\f\0", 6};
+constexpr std::string_view delimiters = "()<>[]{}/%";
+
+bool isOneOf(std::string_view characters, char character) {
+    return characters.find(character) != std::string_view::npos;
+}
+
+/// Takes blanks and then digits from the end of the text; the digits must be a number.
+std::optional<int> takeLastNumber(std::string_view& text) {
+    const size_t end = text.find_last_not_of(space);
+    if (end == std::string_view::npos || end + 1 == text.size())
+        return std::nullopt;
+    text = text.substr(0, end + 1);
+    const size_t begin = text.find_last_not_of("0123456789") + 1;
+    int value = 0;
+    const auto parsed = std::from_chars(text.data() + begin, text.data() + text.size(), value);
+    if (begin == text.size() || parsed.ec != std::errc())
+        return std::nullopt;
+    text = text.substr(0, begin);
+    return value;
+}
+
+struct ObjectHeader {
+    int number;
+    int generation;
+    size_t position;
+};
+
+/// The header whose keyword "obj" stands at `keyword`.
+std::optional<ObjectHeader> headerAt(std::string_view file, size_t keyword) {
+    constexpr size_t longestHeader = 40;
+    const size_t end = keyword + 3;
+    if (end < file.size() && !isOneOf(space, file[end]) && !isOneOf(delimiters, file[end]))
+        return std::nullopt;
+    const size_t begin = keyword - std::min(keyword, longestHeader);
+    std::string_view before = file.substr(begin, keyword - begin);
+    const auto generation = takeLastNumber(before);
+    const auto number = generation ? takeLastNumber(before) : std::nullopt;
+    if (!number || *number < 1 || *number > greatestNumber)
+        return std::nullopt;
+    return ObjectHeader{*number, *generation, begin + before.size()};
+}
+
+/// The end of the stream's data that begin at `begin`. Where "endstream" is damaged, "endobj" ends them too.
+size_t findDataEnd(std::string_view file, size_t begin) {
+    size_t end = file.find("end", begin);
+    while (end != std::string_view::npos) {
+        const std::string_view rest = file.substr(end + 3, 6);
+        if (rest == "stream" || rest.substr(0, 3) == "obj")
+            return end;
+        end = file.find("end", end + 3);
+    }
+    return file.size();
+}
+
+/// The end of the stream whose keyword stands between the two positions; `end` where none does.
+size_t skipStream(std::string_view file, size_t begin, size_t end) {
+    const size_t keyword = file.substr(0, end).find("stream", begin);
+    if (keyword == std::string_view::npos)
+        return end;
+    const size_t before = file.find_last_not_of(space, keyword - 1);
+    const bool followsDictionary = before != std::string_view::npos && before >= begin && file[before] == '>';
+    return followsDictionary ? findDataEnd(file, keyword) : end;
+}
+
+}  // namespace
+
+ObjectPlaces scanForObjects(std::string_view file) {
+    constexpr std::string_view keyword = "obj";
+    ObjectPlaces places;
+    size_t position = 0;
+    for (;;) {
+        const size_t found = std::min(file.find(keyword, position), file.size());
+        const size_t dataEnd = skipStream(file, position, found);
+        if (dataEnd == file.size())
+            return places;
+        position = dataEnd;
+        if (dataEnd != found)
+            continue;
+        if (const auto header = headerAt(file, found))
+            places[header->number] = {header->position, 0, header->generation};
+        position += keyword.size();
+    }
+}
+
+std::vector<size_t> scanForTrailers(std::string_view file) {
+    constexpr std::string_view keyword = "trailer";
+    std::vector<size_t> positions;
+    for (size_t at = file.find(keyword); at != std::string_view::npos; at = file.find(keyword, at + 1))
+        positions.push_back(at + keyword.size());
+    return positions;
+}
+
+}  // namespace vellmora

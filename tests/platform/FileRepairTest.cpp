@@ -1,0 +1,196 @@
+#include "platform/pdf/PageDrawing.h"
+#include "platform/pdf/Qpdf.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestPdf.h"
+
+#include <functional>
+
+#include <qpdf/Buffer.hh>
+#include <qpdf/Pl_Buffer.hh>
+#include <qpdf/QPDFWriter.hh>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+const std::string mark = "0.5 0.5 0.5 rg 0 0 50 50 re f";
+
+/// Whether the page has, when it is drawn, the content that it has in `pages`.
+bool hasContent(const PDFDocument& document, qsizetype index) {
+    const QByteArray drawing = makePageDrawing(document, index);
+    QPDF pdf;
+    pdf.processMemoryFile("drawing", drawing.constData(), static_cast<size_t>(drawing.size()));
+    QPDFObjectHandle page = pdf.getAllPages().at(0);
+    QPDFObjectHandle resources = page.getKey("/Resources");
+    const auto data = resources.getKey("/XObject").getKey("/P").getStreamData();
+    const std::string content(reinterpret_cast<const char*>(data->getBuffer()), data->getSize());
+    return content.find(mark) != std::string::npos;
+}
+
+/// The number of pages, all of which must have their content; −1 for a file that does not open.
+qsizetype readablePages(const QByteArray& bytes) {
+    const auto document = PDFDocument::fromData(bytes);
+    if (!document)
+        return -1;
+    for (qsizetype i = 0; i < document->pageCount(); ++i)
+        EXPECT_TRUE(hasContent(*document, i)) << "page " << i;
+    return document->pageCount();
+}
+
+QByteArray upTo(const QByteArray& bytes, const char* text) {
+    return bytes.left(bytes.lastIndexOf(text));
+}
+
+using Settings = std::function<void(QPDFWriter&)>;
+
+/// The document written anew, everything possible in object streams.
+QByteArray rewritten(const QByteArray& bytes, const Settings& settings = {}) {
+    QPDF pdf;
+    pdf.processMemoryFile("document", bytes.constData(), static_cast<size_t>(bytes.size()));
+    Pl_Buffer buffer("output");
+    QPDFWriter writer(pdf);
+    writer.setOutputPipeline(&buffer);
+    writer.setObjectStreamMode(qpdf_o_generate);
+    if (settings)
+        settings(writer);
+    writer.write();
+    const auto data = buffer.getBufferSharedPointer();
+    return QByteArray(reinterpret_cast<const char*>(data->getBuffer()),
+                      static_cast<qsizetype>(data->getSize()));
+}
+
+/// Encryption of every kind that a file may have, with a user password.
+std::vector<Settings> encryptions(const char* password) {
+    return {
+        [=](QPDFWriter& w) { w.setR2EncryptionParametersInsecure(password, "o", true, true, true, true); },
+        [=](QPDFWriter& w) {
+            w.setR3EncryptionParametersInsecure(password, "o", true, true, true, true, true, true,
+                                                qpdf_r3p_full);
+        },
+        [=](QPDFWriter& w) {
+            w.setR4EncryptionParametersInsecure(password, "o", true, true, true, true, true, true,
+                                                qpdf_r3p_full, true, true);
+        },
+        [=](QPDFWriter& w) {
+            w.setR5EncryptionParameters(password, "o", true, true, true, true, true, true, qpdf_r3p_full,
+                                        true);
+        },
+        [=](QPDFWriter& w) {
+            w.setR6EncryptionParameters(password, "o", true, true, true, true, true, true, qpdf_r3p_full,
+                                        true);
+        },
+    };
+}
+
+}  // namespace
+
+TEST(FileRepairTest, ReadsFilesWithoutTheirEnd) {
+    const QByteArray whole = pages(3).bytes();
+    EXPECT_EQ(readablePages(upTo(whole, "startxref")), 3);
+    EXPECT_EQ(readablePages(upTo(whole, "trailer")), 3);
+    EXPECT_EQ(readablePages(upTo(whole, "xref\n0 1")), 3);
+    QByteArray withoutCatalog = upTo(whole, "xref\n0 1");
+    withoutCatalog.replace("/Catalog", "/Unknown");
+    EXPECT_EQ(readablePages(withoutCatalog), 3) << "anything with /Pages serves";
+    withoutCatalog.replace("/Pages 2 0 R", "");
+    EXPECT_EQ(readablePages(withoutCatalog), 3) << "the root of the page tree serves";
+    EXPECT_EQ(readablePages(withoutCatalog.mid(withoutCatalog.indexOf("3 0 obj"))), 3)
+        << "the pages themselves serve";
+}
+
+TEST(FileRepairTest, ReadsFilesWithWrongNumbers) {
+    const QByteArray whole = pages(3).bytes();
+    const auto replaced = [&whole](const char* before, const char* after) {
+        return readablePages(QByteArray(whole).replace(before, after));
+    };
+    EXPECT_EQ(replaced("/Length ", "/Length 9"), 3);
+    EXPECT_EQ(replaced("/Length ", "/Size "), 3);
+    EXPECT_EQ(replaced("startxref\n", "startxref\n9"), 3);
+    EXPECT_EQ(replaced("/Root 1 0 R", "/Root 4 0 R"), 3);
+    EXPECT_EQ(replaced("/Root 1 0 R", "/Root << /Pages 2 0 R >>"), 3);
+    EXPECT_EQ(replaced("%PDF-1.7", ""), 3);
+    EXPECT_EQ(readablePages(QByteArray(5000, 'x') + whole), 3);
+    EXPECT_EQ(readablePages(QByteArray(whole).replace("\n", "\r\n")), 3);
+}
+
+TEST(FileRepairTest, TakesTheLastOfObjectsWithOneNumber) {
+    const QByteArray first = upTo(pages(1).bytes(), "xref\n0 1").replace("0 0 50 50 re", "9 9 99 99 re");
+    EXPECT_EQ(readablePages(first + "3 0 obj\nnull\nendobj\n" + upTo(pages(1).bytes(), "xref\n0 1")), 1);
+}
+
+TEST(FileRepairTest, DoesNotTakeStreamDataForObjects) {
+    PdfBuilder builder = pages(1);
+    builder.stream("", "3 0 obj\n(no page)\n");
+    EXPECT_EQ(readablePages(upTo(builder.bytes(), "xref\n0 1")), 1);
+}
+
+TEST(FileRepairTest, ReadsObjectStreamsWithoutTheirTable) {
+    QByteArray bytes = upTo(rewritten(pages(3).bytes()), "startxref");
+    EXPECT_EQ(readablePages(bytes), 3);
+    EXPECT_EQ(readablePages(bytes.replace("/XRef", "/Lost")), 3);
+}
+
+TEST(FileRepairTest, BringsBackPagesThatTheTableLacks) {
+    QByteArray bytes = pages(3).bytes();
+    const auto entry = bytes.indexOf("\n5 1\n", bytes.indexOf("xref\n0 1")) + 5;
+    bytes.replace(entry, 18, "0000000000 65535 f");
+    EXPECT_EQ(readablePages(bytes), 3);
+    EXPECT_EQ(readablePages(bytes.replace("/Count 3", "/Count 2")), 2) << "that one was deleted";
+}
+
+TEST(FileRepairTest, ReadsEncryptedFilesWithoutAPassword) {
+    for (const Settings& encryption : encryptions("")) {
+        const QByteArray bytes = rewritten(pages(2).bytes(), encryption);
+        EXPECT_EQ(readablePages(bytes), 2);
+        EXPECT_EQ(readablePages(upTo(bytes, "startxref")), 2);
+    }
+}
+
+TEST(FileRepairTest, RefusesFilesThatNeedAPassword) {
+    for (const Settings& encryption : encryptions("geheim")) {
+        const QByteArray bytes = rewritten(pages(2).bytes(), encryption);
+        EXPECT_EQ(readablePages(bytes), -1);
+        EXPECT_EQ(readablePages(upTo(bytes, "startxref")), -1);
+    }
+}
+
+TEST(FileRepairTest, NeedsNoPasswordWhereOnlyAttachmentsAreEncrypted) {
+    const auto pageCount = [](const std::string& filters) {
+        const std::string key(64, 'a');
+        QByteArray bytes =
+            pages(1)
+                .object("<< /Filter /Standard /V 4 /R 4 /Length 128 /P -1 /O <" + key + "> /U <" + key +
+                        "> /CF << /StdCF << /CFM /AESV2 /Length 16 >> >> /EFF /StdCF " + filters + " >>")
+                .bytes();
+        return readablePages(bytes.replace("/Root 1 0 R", "/Root 1 0 R /Encrypt 1000 0 R /ID [<00> <00>]"));
+    };
+    EXPECT_EQ(pageCount("/StmF /Identity /StrF /Identity"), 1);
+    EXPECT_EQ(pageCount(""), 1);
+    EXPECT_EQ(pageCount("/StmF /StdCF /StrF /Identity"), -1);
+    EXPECT_EQ(pageCount("/StmF /Identity /StrF /StdCF"), -1);
+}
+
+TEST(FileRepairTest, SurvivesDeepFiles) {
+    constexpr int depth = 60000;
+    const auto nested = [](const std::string& open, const std::string& close) {
+        std::string text;
+        for (int i = 0; i < depth; ++i)
+            text += open;
+        for (int i = 0; i < depth; ++i)
+            text += close;
+        return text;
+    };
+    PdfBuilder builder;
+    builder.page("/Resources << /Font 1000 0 R /Pattern 1001 0 R /XObject << /X 1002 0 R >> >>", mark);
+    builder.object(nested("[", "]")).object(nested("<</A", ">>"));
+    for (int i = 3; i < depth; ++i)
+        builder.stream("/A " + std::to_string(PdfBuilder::firstExtraObject + i) + " 0 R", "");
+    EXPECT_EQ(readablePages(builder.bytes()), 1);
+}
+
+TEST(FileRepairTest, RefusesWhatHasNoPage) {
+    EXPECT_EQ(readablePages("1 0 obj\n<< /Length 9 >> stream\n"), -1);
+    EXPECT_EQ(readablePages("trailer << /Root 1 0 R >> 1 0 obj 1 0 R endobj"), -1);
+    EXPECT_EQ(readablePages("99999999999 0 obj obj obj 0 0 obj stream endobj"), -1);
+}
