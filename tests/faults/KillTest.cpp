@@ -58,8 +58,10 @@ protected:
             EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
             return process.readAllStandardOutput().trimmed().split('\n').last().toInt();
         }
-        EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
-        EXPECT_EQ(process.exitCode(), SIGKILL);
+        if (process.exitStatus() == QProcess::CrashExit) {
+            EXPECT_EQ(process.exitCode(), SIGKILL);
+            ++killed;
+        }
         return 0;
     }
 
@@ -70,14 +72,15 @@ protected:
         const int calls = run(job, 0, false);
         ASSERT_GT(calls, 10);
         for (int i = 0; i < points && !HasFailure(); ++i) {
-            const int place = static_cast<int>(qint64(i) * (calls * 2 - 1) / (points - 1));
+            const int place = static_cast<int>(qint64(i) * (calls * 2 - 5) / (points - 1));
             SCOPED_TRACE("killed " + std::string(place % 2 ? "after" : "before") + " call " +
                          std::to_string(place / 2 + 1) + " of " + std::to_string(calls));
             prepare();
             run(job, place / 2 + 1, place % 2 != 0);
             check();
         }
-        std::printf("killed at %d places of %d calls\n", points, calls);
+        std::printf("killed at %d places of %d calls\n", killed, calls);
+        EXPECT_GE(killed, points - 2) << "a thread that reads pictures makes a call or two more or less";
     }
 
     /// What the next start finds; its own leftovers are gone then.
@@ -93,6 +96,7 @@ protected:
     }
 
     static constexpr int pageCount = 3;
+    int killed = 0;
     TestWorkspace workspace;
 };
 
