@@ -4,6 +4,8 @@
 #include "platform/files/ReplacementDirectory.h"
 #include "platform/pdf/PDFContext.h"
 
+#include <new>
+
 #include <QCryptographicHash>
 #include <QHash>
 
@@ -63,11 +65,13 @@ void saveToFile(const PDFDocument& document, const StampsByPage& stampsByPage, c
     const auto context = PDFContext::create(*consumer);
     if (!context)
         throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
-    drawPages(*context, document, stampsByPage);
     try {
+        drawPages(*context, document, stampsByPage);
         context->close();
     } catch (const Error&) {
         throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
+    } catch (const std::bad_alloc&) {  // a picture of half a gigabyte is more than some machines can give
+        throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
     }
 }
 

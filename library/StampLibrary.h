@@ -84,6 +84,7 @@ private:
     void ensureLibraryDirectories() const;
     void loadLibrary();
     QList<StampPreset> loadPresets() const;
+    QString unusedAsidePath() const;
     void keepUnreadableMetadata();
     void persistMetadata();
     void sortPresets();

@@ -2,6 +2,9 @@
 #include "library/StampPresetJson.h"
 #include "platform/error/Error.h"
 #include "platform/files/Files.h"
+#include "platform/files/TemporaryItems.h"
+
+#include <optional>
 
 #include <QSet>
 
@@ -58,6 +61,7 @@ void StampLibrary::ensureLibraryDirectories() const {
 
 QList<StampPreset> StampLibrary::loadPresets() const {
     ensureLibraryDirectories();
+    removeStaleTemporaryItems(libraryRoot());
     if (!files::exists(metadataPath()))
         return {};
     std::optional<QList<StampPreset>> presets = decodePresets(files::read(metadataPath()));
@@ -82,12 +86,29 @@ void StampLibrary::loadLibrary() {
     }
 }
 
-/// Puts a copy of a metadata file that could not be read beside it, once, before it is overwritten.
+/// A name beside the metadata file that nothing has yet.
+QString StampLibrary::unusedAsidePath() const {
+    const QString time = m_environment.clock().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    const QString stem = libraryRoot() + QStringLiteral("/stamp-library.unlesbar-") + time;
+    QString path = stem + QStringLiteral(".json");
+    for (int number = 2; files::exists(path); ++number)
+        path = stem + QStringLiteral("-%1.json").arg(number);
+    return path;
+}
+
+/// Keeps a metadata file that could not be loaded beside the new one, once, before it is overwritten: a copy
+/// where its bytes can be read, else the file itself.
 void StampLibrary::keepUnreadableMetadata() {
     if (!m_hasUnreadableMetadata)
         return;
-    const QString time = m_environment.clock().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    files::copy(metadataPath(), libraryRoot() + QStringLiteral("/stamp-library.unlesbar-%1.json").arg(time));
+    std::optional<QByteArray> bytes;
+    try {
+        bytes = files::read(metadataPath());
+    } catch (const Error&) {
+        files::rename(metadataPath(), unusedAsidePath());
+    }
+    if (bytes)
+        files::writeAtomically(unusedAsidePath(), *bytes);
     m_hasUnreadableMetadata = false;
 }
 

@@ -1,76 +1,68 @@
 #include "platform/defaults/UserDefaults.h"
 
+#include "platform/error/Error.h"
+#include "platform/files/Files.h"
+
 #include <algorithm>
 
-#include <QIODevice>
+#include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 
 namespace vellmora {
 
-namespace {
-
-bool readJson(QIODevice& device, QSettings::SettingsMap& map) {
-    const QJsonDocument document = QJsonDocument::fromJson(device.readAll());
-    if (!document.isObject())
-        return false;
-    const QJsonObject object = document.object();
-    for (auto it = object.begin(); it != object.end(); ++it)
-        map.insert(it.key(), it.value().toVariant());
-    return true;
+static QJsonObject readObject(const QString& file) {
+    try {
+        return QJsonDocument::fromJson(files::read(file)).object();
+    } catch (const Error&) {
+        return {};
+    }
 }
 
-bool writeJson(QIODevice& device, const QSettings::SettingsMap& map) {
-    QJsonObject object;
-    for (auto it = map.begin(); it != map.end(); ++it)
-        object.insert(it.key(), QJsonValue::fromVariant(it.value()));
-    return device.write(QJsonDocument(object).toJson()) > 0;
-}
-
-QSettings::Format jsonFormat() {
-    static const QSettings::Format format =
-        QSettings::registerFormat(QStringLiteral("json"), readJson, writeJson, Qt::CaseSensitive);
-    return format;
-}
-
-bool isString(const QVariant& value) {
-    return value.typeId() == QMetaType::QString;
-}
-
-}  // namespace
-
-UserDefaults::UserDefaults(const QString& file) : m_settings(file, jsonFormat()) {}
+UserDefaults::UserDefaults(const QString& file) : m_file(file), m_values(readObject(file)) {}
 
 std::optional<QString> UserDefaults::string(const QString& key) const {
-    const QVariant value = m_settings.value(key);
-    return isString(value) ? std::optional(value.toString()) : std::nullopt;
+    const QJsonValue value = m_values.value(key);
+    return value.isString() ? std::optional(value.toString()) : std::nullopt;
 }
 
 std::optional<QStringList> UserDefaults::stringList(const QString& key) const {
-    const QVariant value = m_settings.value(key);
-    if (value.typeId() == QMetaType::QStringList)
-        return value.toStringList();
-    if (value.typeId() != QMetaType::QVariantList)
+    const QJsonValue value = m_values.value(key);
+    const QJsonArray elements = value.toArray();
+    const bool areStrings = std::all_of(elements.begin(), elements.end(),
+                                        [](const QJsonValue& element) { return element.isString(); });
+    if (!value.isArray() || !areStrings)
         return std::nullopt;
-    const QVariantList elements = value.toList();
-    if (!std::all_of(elements.begin(), elements.end(), isString))
-        return std::nullopt;
-    return value.toStringList();
+    return value.toVariant().toStringList();
 }
 
 void UserDefaults::setString(const QString& key, const QString& value) {
-    m_settings.setValue(key, value);
-    m_settings.sync();
+    set(key, value);
 }
 
 void UserDefaults::setStringList(const QString& key, const QStringList& value) {
-    m_settings.setValue(key, value);
-    m_settings.sync();
+    set(key, QJsonArray::fromStringList(value));
 }
 
 void UserDefaults::remove(const QString& key) {
-    m_settings.remove(key);
-    m_settings.sync();
+    set(key, QJsonValue::Undefined);
+}
+
+void UserDefaults::set(const QString& key, const QJsonValue& value) {
+    m_unsaved.insert(key, value);
+    m_values = readObject(m_file);
+    for (auto it = m_unsaved.cbegin(); it != m_unsaved.cend(); ++it)
+        m_values.insert(it.key(), it.value());  // an undefined value removes the key
+    store();
+}
+
+void UserDefaults::store() {
+    try {
+        files::createDirectory(QFileInfo(m_file).path());
+        files::writeAtomically(m_file, QJsonDocument(m_values).toJson());
+        m_unsaved.clear();
+    } catch (const Error&) {  // NOLINT(bugprone-empty-catch): tried again with the next change
+    }
 }
 
 }  // namespace vellmora

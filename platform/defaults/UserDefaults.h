@@ -2,7 +2,8 @@
 
 #include <optional>
 
-#include <QSettings>
+#include <QHash>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -12,7 +13,8 @@ namespace vellmora {
 /// string.
 ///
 /// Reads and writes are synchronous. A file that cannot be read counts as empty, one that cannot be written
-/// keeps the values for the life of the object; neither is an error.
+/// keeps the values for the life of the object; neither is an error. Nothing waits for another program: of
+/// what two write at once the later one holds, for each key.
 class UserDefaults {
 public:
     explicit UserDefaults(const QString& file);
@@ -27,7 +29,12 @@ public:
     void remove(const QString& key);
 
 private:
-    QSettings m_settings;
+    void set(const QString& key, const QJsonValue& value);
+    void store();
+
+    QString m_file;
+    QJsonObject m_values;
+    QHash<QString, QJsonValue> m_unsaved;  ///< undefined where a key is to be removed
 };
 
 }  // namespace vellmora

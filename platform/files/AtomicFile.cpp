@@ -5,7 +5,7 @@
 #include "platform/files/TemporaryItems.h"
 
 #include <cerrno>
-#include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <QFile>
@@ -44,17 +44,16 @@ void AtomicFile::write(const char* bytes, qint64 count) {
 }
 
 void AtomicFile::commit() {
-    const QByteArray target = QFile::encodeName(m_target);
-    const QByteArray temporary = QFile::encodeName(m_temporary);
     // A file system without permissions (FAT) may refuse; the file is private then, or as open as all its
     // files.
     [[maybe_unused]] const int ignored = ::fchmod(m_file.get(), files::permissionsForNewFile(m_target));
+    // Closing may report a failed write. The lock stays with the second descriptor until the file has its
+    // name.
+    const FileDescriptor lock(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
     if (::fsync(m_file.get()) != 0 || m_file.close() != 0)
         throw fileError(FileAction::write, m_target, errno);
-    if (std::rename(temporary.constData(), target.constData()) != 0)
-        throw fileError(FileAction::replace, m_target, errno);
+    files::rename(m_temporary, m_target);
     m_temporary.clear();
-    files::syncDirectory(QFileInfo(m_target).path());
 }
 
 }  // namespace vellmora

@@ -7,7 +7,7 @@
 namespace vellmora {
 
 /// Writes a file as a whole: into a hidden temporary file beside it, which takes its name only when all of it
-/// is on the disk. Until `commit()` returns the target is as it was; without it nothing is left behind.
+/// is on the disk. Without `commit()` the target stays as it was and nothing is left behind.
 ///
 /// A symbolic link is followed: the file behind it is replaced, the link stays. A target that exists but may
 /// not be written is refused. The new file has the permissions that the process's umask gives, and where a
@@ -22,7 +22,9 @@ public:
     AtomicFile& operator=(const AtomicFile&) = delete;
 
     void write(const char* bytes, qint64 count);
-    /// Syncs, renames over the target and syncs the folder.
+    /// Syncs, renames over the target and syncs the folder. Where it fails the target is as it was, or, where
+    /// only the last step failed, it is the new file, whole, of which nobody knows whether it outlives a
+    /// power failure.
     void commit();
 
 private:

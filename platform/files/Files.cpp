@@ -5,7 +5,9 @@
 #include "platform/files/FileError.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 
 #include <QDir>
@@ -80,9 +82,13 @@ bool exists(const QString& path) {
 
 QByteArray read(const QString& path) {
     const FileDescriptor fd = openForReading(path);
-    QByteArray bytes(regularFileSize(fd, path), Qt::Uninitialized);
-    bytes.truncate(readFully(fd, bytes.data(), bytes.size(), path));
-    return bytes;
+    try {
+        QByteArray bytes(regularFileSize(fd, path), Qt::Uninitialized);
+        bytes.truncate(readFully(fd, bytes.data(), bytes.size(), path));
+        return bytes;
+    } catch (const std::bad_alloc&) {
+        throw fileError(FileAction::read, path, ENOMEM);
+    }
 }
 
 void remove(const QString& path) {
@@ -135,13 +141,17 @@ unsigned permissionsForNewFile(const QString& path) {
     return permissions | S_IRUSR | S_IWUSR;
 }
 
-void syncDirectory(const QString& path) {
-    const FileDescriptor fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!fd.isValid() || ::fsync(fd.get()) != 0) {
-        // Some file systems (FAT, network mounts) cannot sync a folder; the file itself is on the disk.
-        if (errno != EINVAL && errno != ENOTSUP && errno != EACCES)
-            throw fileError(FileAction::write, path, errno);
-    }
+void rename(const QString& from, const QString& to) {
+    // Opened first: were it not possible afterwards, the change would have been made already.
+    const QByteArray folder = QFile::encodeName(QFileInfo(to).path());
+    const FileDescriptor fd(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.isValid() && errno != EACCES)  // a folder that is not to be listed may be writable all the same
+        throw fileError(FileAction::replace, to, errno);
+    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
+        throw fileError(FileAction::replace, to, errno);
+    // Some file systems (FAT, network mounts) cannot sync a folder; the file itself is on the disk.
+    if (fd.isValid() && ::fsync(fd.get()) != 0 && errno != EINVAL && errno != ENOTSUP)
+        throw fileError(FileAction::write, to, errno);
 }
 
 }  // namespace vellmora::files

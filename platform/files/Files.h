@@ -35,7 +35,8 @@ void requireWritable(const QString& path);
 /// does not have already.
 unsigned permissionsForNewFile(const QString& path);
 
-/// Brings the entries of a folder (a created or renamed file) onto the disk.
-void syncDirectory(const QString& path);
+/// Puts a file in the place of another, or under a new name, and brings the change onto the disk. Where it
+/// fails both are as they were, unless only the disk would not confirm the change.
+void rename(const QString& from, const QString& to);
 
 }  // namespace vellmora::files

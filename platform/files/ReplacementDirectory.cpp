@@ -3,11 +3,8 @@
 #include "platform/files/FileError.h"
 #include "platform/files/Files.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <sys/stat.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -17,21 +14,22 @@ ReplacementDirectory::ReplacementDirectory(const QString& original) : m_original
     files::requireWritable(m_original);
     const QString folder = QFileInfo(m_original).path();
     removeStaleTemporaryItems(folder);
-    m_directory = createTemporaryDirectory(folder);
+    try {
+        m_directory = createTemporaryDirectory(folder);
+    } catch (const Error& error) {
+        throw fileError(FileAction::replace, m_original, error.code());
+    }
 }
 
 ReplacementDirectory::~ReplacementDirectory() {
-    QDir(m_directory.path).removeRecursively();
+    removeTemporaryDirectory(m_directory);
 }
 
 void ReplacementDirectory::replaceOriginal(const QString& replacement) {
     const QByteArray from = QFile::encodeName(replacement);
-    const QByteArray to = QFile::encodeName(m_original);
     // A file system without permissions (FAT) may refuse; all its files are alike then.
     [[maybe_unused]] const int ignored = ::chmod(from.constData(), files::permissionsForNewFile(m_original));
-    if (std::rename(from.constData(), to.constData()) != 0)
-        throw fileError(FileAction::replace, m_original, errno);
-    files::syncDirectory(QFileInfo(m_original).path());
+    files::rename(replacement, m_original);
 }
 
 }  // namespace vellmora

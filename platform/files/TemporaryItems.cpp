@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -29,11 +30,21 @@ bool lockNewItem(int fd) {
     return !taken && ::fstat(fd, &info) == 0 && info.st_nlink > 0;
 }
 
-void removeTree(const QString& path, bool isFolder) {
-    if (isFolder)
-        QDir(path).removeRecursively();
-    else
-        ::unlink(QFile::encodeName(path).constData());
+/// Removes the files in an open folder, and the folder. Names are looked up in the folder that is open, so
+/// that nobody who puts a link in its place can lead the removal elsewhere. A temporary folder holds no other
+/// folder.
+void removeFolder(int fd, const char* path) {
+    if (DIR* entries = ::fdopendir(::fcntl(fd, F_DUPFD_CLOEXEC, 0))) {
+        while (const dirent* entry = ::readdir(entries))
+            ::unlinkat(fd, entry->d_name, 0);
+        ::closedir(entries);
+    }
+    ::rmdir(path);
+}
+
+bool isFolder(int fd) {
+    struct stat info {};
+    return ::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 }  // namespace
@@ -54,12 +65,19 @@ TemporaryDirectory createTemporaryDirectory(const QString& folder) {
         QByteArray name = nameTemplate(folder);
         if (!::mkdtemp(name.data()))
             throw fileError(FileAction::createFolder, folder, errno);
-        FileDescriptor fd(::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!fd.isValid())
-            throw fileError(FileAction::createFolder, folder, errno);
-        if (lockNewItem(fd.get()))
+        FileDescriptor fd(::open(name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        const int error = fd.isValid() ? 0 : errno;
+        if (fd.isValid() && lockNewItem(fd.get()))
             return {QFile::decodeName(name), std::move(fd)};
+        if (error != 0 && error != ENOENT) {  // ENOENT: another program's clearing was faster
+            ::rmdir(name.constData());
+            throw fileError(FileAction::createFolder, folder, error);
+        }
     }
+}
+
+void removeTemporaryDirectory(const TemporaryDirectory& directory) {
+    removeFolder(directory.lock.get(), QFile::encodeName(directory.path).constData());
 }
 
 void removeStaleTemporaryItems(const QString& folder) {
@@ -68,8 +86,12 @@ void removeStaleTemporaryItems(const QString& folder) {
     for (const QFileInfo& entry : entries) {
         const QByteArray name = QFile::encodeName(entry.filePath());
         const FileDescriptor fd(::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (fd.isValid() && ::flock(fd.get(), LOCK_EX | LOCK_NB) == 0)
-            removeTree(entry.filePath(), entry.isDir());
+        if (!fd.isValid() || ::flock(fd.get(), LOCK_EX | LOCK_NB) != 0)
+            continue;
+        if (isFolder(fd.get()))
+            removeFolder(fd.get(), name.constData());
+        else
+            ::unlink(name.constData());
     }
 }
 

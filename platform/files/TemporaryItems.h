@@ -19,11 +19,14 @@ TemporaryFile createTemporaryFile(const QString& folder);
 
 struct TemporaryDirectory {
     QString path;
-    FileDescriptor lock;
+    FileDescriptor lock;  ///< the open folder
 };
 
 /// A new empty folder in `folder`, open to its owner only. Throws `Error`.
 TemporaryDirectory createTemporaryDirectory(const QString& folder);
+
+/// Removes the folder and the files in it. Never fails: what cannot be removed stays.
+void removeTemporaryDirectory(const TemporaryDirectory& directory);
 
 /// Removes the temporary items in `folder` that nobody holds any more. Never fails: what cannot be removed
 /// stays.

@@ -10,6 +10,7 @@
 #include <QColorSpace>
 #include <QImageReader>
 #include <QImageWriter>
+#include <QtEndian>
 
 namespace vellmora {
 
@@ -33,6 +34,23 @@ QByteArray detectFormat(const QByteArray& data) {
     if (data.startsWith(QByteArrayView("\xff\xd8\xff")))
         return jpegFormat;
     return {};
+}
+
+/// Whether every chunk lies within the data, up to the last one. The decoder makes room for what a chunk
+/// claims to hold before it reads any of it.
+bool hasAllChunks(const QByteArray& png) {
+    constexpr qsizetype signatureLength = 8;
+    constexpr qsizetype headLength = 8;  // length and type
+    constexpr qsizetype checksumLength = 4;
+    qsizetype position = signatureLength;
+    while (position + headLength <= png.size()) {
+        const auto length = qsizetype(qFromBigEndian<quint32>(png.constData() + position));
+        const bool isLast = QByteArrayView(png).sliced(position + 4, 4) == QByteArrayView("IEND");
+        position += headLength + length + checksumLength;
+        if (isLast)
+            return position <= png.size();
+    }
+    return false;
 }
 
 QImage decode(const QByteArray& data, const QByteArray& format) {
@@ -69,7 +87,7 @@ Image::Image(QImage pixels) : m_pixels(std::move(pixels)) {}
 
 std::optional<Image> Image::fromData(const QByteArray& data) {
     const QByteArray format = detectFormat(data);
-    if (format.isEmpty())
+    if (format.isEmpty() || (format == pngFormat && !hasAllChunks(data)))
         return std::nullopt;
     QImage pixels = inSRGB(unpacked(decode(data, format)));
     if (pixels.isNull())

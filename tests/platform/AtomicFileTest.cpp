@@ -6,7 +6,9 @@
 #include "tests/support/TestPdf.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -67,6 +69,52 @@ TEST_F(FilesTest, ClearsWhatACrashLeftButNotWhatIsInUse) {
     files::writeAtomically(path("a.txt"), "new");
     inUse.commit();
     EXPECT_EQ(entries(), (QStringList{QStringLiteral("a.txt"), QStringLiteral("other.txt")}));
+}
+
+TEST_F(FilesTest, ClearingNeverLeavesTheTemporaryFolder) {
+    QDir(m_folder.path()).mkdir(QStringLiteral("Akten"));
+    writeFile(path("Akten/Vertrag.pdf"), "precious");
+    ASSERT_EQ(::symlink("Akten", qPrintable(path(".vellmora-link00"))), 0);
+    QDir(m_folder.path()).mkdir(QStringLiteral(".vellmora-folder"));
+    ASSERT_EQ(::symlink("../Akten", qPrintable(path(".vellmora-folder/inner"))), 0);
+    writeFile(path(".vellmora-folder/Vertrag.pdf"), "half");
+    files::writeAtomically(path("a.txt"), "new");
+    EXPECT_FALSE(QFile::exists(path(".vellmora-folder")));
+    EXPECT_EQ(readFile(path("Akten/Vertrag.pdf")), "precious");
+}
+
+TEST_F(FilesTest, TwoProgramsWriteTheSameFileWithoutHarm) {
+    constexpr int writers = 4;
+    std::vector<pid_t> children;
+    for (int i = 0; i < writers; ++i) {
+        children.push_back(::fork());
+        if (children.back() != 0)
+            continue;
+        const QByteArray content(300000, char('a' + i));
+        int failures = 0;
+        for (int round = 0; round < 30; ++round)
+            failures += failureOf([&] { files::writeAtomically(path("a.txt"), content); }) !=
+                        QStringLiteral("no failure");
+        ::_exit(failures);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0) << "a write was disturbed by another program's";
+    }
+    const QByteArray last = readFile(path("a.txt"));
+    EXPECT_EQ(last, QByteArray(300000, last.at(0)));
+    EXPECT_EQ(entries(), QStringList{QStringLiteral("a.txt")});
+}
+
+TEST_F(FilesTest, NobodyElseCanReadAFileBeforeItIsWhole) {
+    const mode_t mask = ::umask(0);
+    AtomicFile file(path("a.txt"));
+    const ReplacementDirectory directory(path("b.txt"));
+    ::umask(mask);
+    for (const QString& name : entries())
+        EXPECT_EQ(permissions(m_folder.filePath(name)) & 077, 0U) << name.toStdString();
+    EXPECT_EQ(entries().size(), 2);
 }
 
 TEST_F(FilesTest, FollowsSymbolicLinksAlsoToMissingFiles) {

@@ -3,6 +3,8 @@
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
+#include <sys/resource.h>
+
 #include <QBuffer>
 #include <QColorSpace>
 #include <QtEndian>
@@ -46,6 +48,49 @@ TEST(ImageTest, RefusesAPictureWhosePixelsDoNotFitTheLimit) {
     const uLong checksum = ::crc32(0, reinterpret_cast<const Bytef*>(png.constData()) + 12, 17);
     qToBigEndian(static_cast<quint32>(checksum), png.data() + 29);
     EXPECT_FALSE(Image::fromData(png));
+}
+
+TEST(ImageTest, AChunkThatClaimsMoreThanTheFileHoldsTakesNoMemory) {
+    const auto peakKilobytes = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    QByteArray png = plainPng(16, 16, Qt::red);
+    png.insert(33, QByteArray::fromHex("65000000") + "tEXtTitle");  // 1.7 GB of text
+    const auto before = peakKilobytes();
+    EXPECT_FALSE(Image::fromData(png));
+    EXPECT_LT(peakKilobytes() - before, 500000);
+}
+
+TEST(ImageTest, ShowsTheFirstFrameOfAnAnimation) {
+    QByteArray png = plainPng(16, 8, Qt::red);
+    const auto chunk = [](const QByteArray& typeAndData) {
+        QByteArray bytes(4, 0);
+        qToBigEndian(static_cast<quint32>(typeAndData.size() - 4), bytes.data());
+        QByteArray checksum(4, 0);
+        qToBigEndian(static_cast<quint32>(::crc32(0, reinterpret_cast<const Bytef*>(typeAndData.constData()),
+                                                  static_cast<uInt>(typeAndData.size()))),
+                     checksum.data());
+        return bytes + typeAndData + checksum;
+    };
+    png.insert(33, chunk("acTL" + QByteArray::fromHex("0000000200000000")));
+    png.insert(png.size() - 12, chunk("fdAT" + QByteArray(4, 1) + "second frame"));
+    const auto image = Image::fromData(png);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->pixels().size(), QSize(16, 8));
+    EXPECT_EQ(image->pixels().pixelColor(3, 3), QColor(Qt::red));
+}
+
+TEST(ImageTest, RefusesPicturesCutOffAnywhereAndOnesWithoutPixels) {
+    const QByteArray png = plainPng(30, 20, Qt::red);
+    for (qsizetype length = 0; length < png.size(); ++length)
+        EXPECT_FALSE(Image::fromData(png.left(length))) << length;
+    QByteArray empty = png;
+    empty.replace(16, 4, QByteArray(4, 0));
+    EXPECT_FALSE(Image::fromData(empty));
+    for (const char* other : {"GIF89a\1\0\1\0", "BM......", "RIFF....WEBPVP8 ", "%PDF-1.7", "<html>"})
+        EXPECT_FALSE(Image::fromData(other)) << other;
 }
 
 TEST(ImageTest, UnpacksPalettesSoThatTheyScaleSmoothly) {

@@ -44,3 +44,24 @@ TEST(UserDefaultsTest, WrongTypesAndUnreadableFilesCountAsAbsent) {
     defaults.setString(key, QStringLiteral("kept"));
     EXPECT_EQ(UserDefaults(file).string(key), QStringLiteral("kept"));
 }
+
+TEST(UserDefaultsTest, AFileThatCannotBeWrittenKeepsTheValuesAndIsTriedAgain) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("config/settings.json"));
+    writeFile(folder.filePath(QStringLiteral("config")), "a file where the folder should be");
+    UserDefaults defaults(file);
+    defaults.setString(key, QStringLiteral("kept"));
+    EXPECT_EQ(defaults.string(key), QStringLiteral("kept"));
+    QFile::remove(folder.filePath(QStringLiteral("config")));
+    defaults.setString(QStringLiteral("Vellmora.other"), QStringLiteral("text"));
+    EXPECT_EQ(UserDefaults(file).string(key), QStringLiteral("kept"));
+}
+
+TEST(UserDefaultsTest, KeepsWhatAnotherProgramWrote) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("settings.json"));
+    UserDefaults first(file);
+    UserDefaults(file).setString(QStringLiteral("Vellmora.other"), QStringLiteral("text"));
+    first.setString(key, QStringLiteral("kept"));
+    EXPECT_EQ(UserDefaults(file).string(QStringLiteral("Vellmora.other")), QStringLiteral("text"));
+}

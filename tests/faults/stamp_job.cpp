@@ -1,0 +1,63 @@
+// The real window on a user's files, which is killed at a chosen file call of a save or an import:
+//
+//   stamp_job save|import HOME NTH AFTER
+//
+// Opens HOME/Akten/Vertrag.pdf, puts a stamp on its page, and then saves over it or imports HOME/Kanzlei.png.
+// NTH and AFTER say where it dies (see Plan); with 0 it lives and prints how many calls there were.
+
+#include "app/ContentWindow.h"
+#include "platform/pdf/render/ProcessRenderer.h"
+#include "tests/faults/FaultShim.h"
+#include "tests/support/EventLoop.h"
+#include "tests/support/TestWorkspace.h"
+
+#include <cstdio>
+
+#include <QApplication>
+#include <QTest>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+int main(int argc, char** argv) {
+    const QApplication app(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() != 5)
+        return 1;
+    const QString home = arguments[2];
+    const bool isSave = arguments[1] == QStringLiteral("save");
+
+    ScriptedPanels panels;
+    ProcessRenderer renderer(QStringLiteral(VELLMORA_RENDERER));
+    const SystemFonts fonts = SystemFonts::load();
+    const Folders folders{home + QStringLiteral("/data"), home + QStringLiteral("/tmp"),
+                          home + QStringLiteral("/settings.json")};
+    auto library =
+        std::make_unique<StampLibrary>(StampLibrary::Environment{folders, systemClock(), panels, fonts});
+    ContentWindow shown(std::make_unique<ContentView>(std::move(library), panels), renderer, Theme(fonts));
+    shown.window().show();
+    shown.window().activateWindow();
+    if (!QTest::qWaitForWindowActive(&shown.window()))
+        return 1;
+
+    const auto press = [&](Qt::Key key, const QString& answer) {
+        panels.answer = QUrl::fromLocalFile(home + answer);
+        QTest::keyClick(&shown.window(), key, Qt::ControlModifier);
+        settle();
+    };
+    press(Qt::Key_O, QStringLiteral("/Akten/Vertrag.pdf"));
+    shown.content().addStampToCurrentPage(shown.content().stampLibrary().selectedPreset());
+    settle();
+    if (shown.content().totalStampCount() != 1)
+        return 1;
+
+    faults::Plan plan;
+    plan.folder = home.toStdString();
+    plan.nth = arguments[3].toInt();
+    plan.error = faults::Plan::killed;
+    plan.isAfter = arguments[4].toInt() != 0;
+    faults::arm(plan);
+    press(isSave ? Qt::Key_S : Qt::Key_I, QStringLiteral("/Kanzlei.png"));
+    std::printf("%d\n", faults::disarm());
+    return 0;
+}

@@ -1,0 +1,31 @@
+// A picture with any bytes in it, imported and put on a page.
+
+#include "platform/pdf/PDFContext.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+using namespace vellmora;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    constexpr qint64 mostPixels = 1 << 22;  // larger ones only take longer
+    const auto image =
+        Image::fromData(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
+    if (!image)
+        return 0;
+    const Size points = image->size();
+    if (!(points.width > 0) || !(points.height > 0) || image->pngRepresentation().isEmpty())
+        std::abort();
+    if (qint64(image->pixels().width()) * image->pixels().height() > mostPixels)
+        return 0;
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    context->beginPage({0, 0, 595, 842});
+    context->drawPicture(context->addPicture(*image), {10, 10, points.width, points.height});
+    context->endPage();
+    context->close();
+    const auto written = PDFDocument::fromData(consumer.bytes());
+    if (!written || written->pageCount() != 1)
+        std::abort();
+    return 0;
+}
