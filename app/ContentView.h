@@ -69,6 +69,9 @@ Q_SIGNALS:
     /// In between, once the work has taken a while. The event loop stands still.
     void worksLong();
     void didWork();
+    /// A stamp with these bytes is placed next; `image` is what they hold. A view that shows it need not
+    /// decode them again.
+    void willPlaceStamp(const QByteArray& imageData, const Image& image);
 
 private:
     /// Emits `willWork` and `didWork` around its life.

@@ -52,6 +52,7 @@ void ContentView::addStampToCurrentPage(const Image& image, const QUuid& presetI
     stamp.aspectRatio = placement.aspectRatio;
     stamp.imageData = sharedWithPlacedStamps(png);
     stamp.presetID = presetID;
+    Q_EMIT willPlaceStamp(stamp.imageData, image);
     StampsByPage stamps = stampsByPage;
     stamps[currentPageIndex].append(stamp);
     stampsByPage = stamps;

@@ -34,6 +34,11 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
     connect(m_content.get(), &ContentView::willWork, this, &ContentWindow::beginWork);
     connect(m_content.get(), &ContentView::worksLong, this, &ContentWindow::showWaitCursor);
     connect(m_content.get(), &ContentView::didWork, this, &ContentWindow::endWork);
+    connect(m_content.get(), &ContentView::willPlaceStamp, this,
+            [this](const QByteArray& imageData, const Image& image) {
+                if (m_editor)
+                    m_editor->stampPictures().add(imageData, image);
+            });
     refresh();
 }
 

@@ -41,6 +41,7 @@ public:
     std::function<void(qsizetype)> onPageChanged;
 
     PDFView& pdfView() { return *m_pdfView; }
+    StampPictures& stampPictures() { return m_pictures; }
     EditorOverlayView& overlayContainer() { return *m_overlayContainer; }
     /// Null for a stamp that is not on the page on screen.
     InteractiveStampView* stampView(const QUuid& id) const { return m_stampViews.value(id); }

@@ -1,6 +1,6 @@
 #include "editor/StampPicture.h"
 
-#include "platform/image/Image.h"
+#include <algorithm>
 
 namespace vellmora {
 
@@ -9,14 +9,51 @@ namespace {
 /// Side in pixels below which no smaller copy is worth making.
 constexpr int smallestLevel = 64;
 
+/// Rows that are premultiplied at a time; they stay in the processor's cache until they are read again.
+constexpr int rowsInBand = 16;
+
+/// Mean of four pixels, each channel rounded to the nearest: two channels at a time, with room for the sum.
+QRgb meanOf(QRgb a, QRgb b, QRgb c, QRgb d) {
+    constexpr QRgb mask = 0x00ff00ff;
+    constexpr QRgb half = 0x00020002;
+    const QRgb even = (a & mask) + (b & mask) + (c & mask) + (d & mask) + half;
+    const QRgb odd = ((a >> 8) & mask) + ((b >> 8) & mask) + ((c >> 8) & mask) + ((d >> 8) & mask) + half;
+    return ((even >> 2) & mask) | (((odd >> 2) & mask) << 8);
+}
+
+void halveRows(const QRgb* upper, const QRgb* lower, int width, QRgb* result) {
+    for (int x = 0; x + 1 < width; x += 2, upper += 2, lower += 2)
+        *result++ = meanOf(upper[0], upper[1], lower[0], lower[1]);
+    if (width % 2 != 0)
+        *result = meanOf(upper[0], upper[0], lower[0], lower[0]);
+}
+
+const QRgb* rowOf(const QImage& image, int y) {
+    return reinterpret_cast<const QRgb*>(image.constScanLine(y));
+}
+
+/// Half as wide and as high, rounded up: the last column and row of an odd size stand for a pair.
+QImage halved(const QImage& image) {
+    constexpr auto format = QImage::Format_ARGB32_Premultiplied;
+    QImage result((image.width() + 1) / 2, (image.height() + 1) / 2, format);
+    for (int first = 0; first < image.height(); first += rowsInBand) {
+        const int count = std::min(rowsInBand, image.height() - first);
+        const QImage band =
+            QImage(image.constScanLine(first), image.width(), count, image.bytesPerLine(), image.format())
+                .convertToFormat(format);
+        for (int y = 0; y < count; y += 2)
+            halveRows(rowOf(band, y), rowOf(band, std::min(y + 1, count - 1)), image.width(),
+                      reinterpret_cast<QRgb*>(result.scanLine((first + y) / 2)));
+    }
+    return result;
+}
+
 }  // namespace
 
 StampPicture::StampPicture(const QImage& pixels) {
-    m_levels.push_back(pixels.convertToFormat(QImage::Format_ARGB32_Premultiplied));
-    while (m_levels.back().width() > smallestLevel && m_levels.back().height() > smallestLevel) {
-        const QSize half = m_levels.back().size() / 2;
-        m_levels.push_back(m_levels.back().scaled(half, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    }
+    m_levels.push_back(pixels);
+    while (m_levels.back().width() > smallestLevel && m_levels.back().height() > smallestLevel)
+        m_levels.push_back(halved(m_levels.back()));
 }
 
 void StampPicture::draw(QPainter& painter, const QRectF& target) const {
@@ -26,24 +63,57 @@ void StampPicture::draw(QPainter& painter, const QRectF& target) const {
            m_levels[level + 1].height() >= target.height() * ratio)
         ++level;
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(target, m_levels[level]);
+    // Not the whole level, where an odd size was rounded up.
+    const QSizeF size = QSizeF(m_levels.front().size()) / double(1 << level);
+    painter.drawImage(target, m_levels[level], QRectF(QPointF(0, 0), size));
 }
 
-void StampPictures::dropUnused() {
-    m_entries.removeIf([](const auto& entry) { return entry.value().picture.expired(); });
+qint64 StampPicture::size() const {
+    qint64 size = 0;
+    for (const QImage& level : m_levels)
+        size += level.sizeInBytes();
+    return size;
+}
+
+std::shared_ptr<const StampPicture> StampPictures::known(const QByteArray& imageData) {
+    const auto entry = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& candidate) {
+        return candidate.data.constData() == imageData.constData();
+    });
+    if (entry == m_entries.end())
+        return nullptr;
+    std::rotate(entry, entry + 1, m_entries.end());
+    return m_entries.back().picture;
 }
 
 std::shared_ptr<const StampPicture> StampPictures::picture(const QByteArray& imageData) {
-    const char* address = imageData.constData();
-    if (auto known = m_entries.value(address).picture.lock())
-        return known;
-    dropUnused();
+    if (auto picture = known(imageData))
+        return picture;
     const std::optional<Image> image = Image::fromData(imageData);
     if (!image)
         return nullptr;
-    auto picture = std::make_shared<const StampPicture>(image->pixels());
-    m_entries.insert(address, {imageData, picture});
-    return picture;
+    add(imageData, *image);
+    return m_entries.back().picture;
+}
+
+void StampPictures::add(const QByteArray& imageData, const Image& image) {
+    if (known(imageData))
+        return;
+    m_entries.push_back({imageData, std::make_shared<const StampPicture>(image.pixels())});
+    dropOldest();
+}
+
+/// Of those that no view shows, from the one used longest ago, until the rest fits the budget.
+void StampPictures::dropOldest() {
+    qint64 size = 0;
+    for (const Entry& entry : m_entries)
+        size += entry.picture->size();
+    const auto newest = m_entries.end() - 1;
+    const auto kept = std::remove_if(m_entries.begin(), newest, [&](const Entry& entry) {
+        const bool isDropped = size > m_budget && entry.picture.use_count() == 1;
+        size -= isDropped ? entry.picture->size() : 0;
+        return isDropped;
+    });
+    m_entries.erase(kept, newest);
 }
 
 }  // namespace vellmora

@@ -74,11 +74,8 @@ QImage unpacked(const QImage& image) {
     return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
 }
 
-QImage inSRGB(QImage image) {
-    const QColorSpace sRGB(QColorSpace::SRgb);
-    if (image.colorSpace().isValid() && image.colorSpace() != sRGB)
-        image.convertToColorSpace(sRGB);
-    return image;
+bool isInSRGB(const QImage& image) {
+    return !image.colorSpace().isValid() || image.colorSpace() == QColorSpace(QColorSpace::SRgb);
 }
 
 }  // namespace
@@ -89,10 +86,15 @@ std::optional<Image> Image::fromData(const QByteArray& data) {
     const QByteArray format = detectFormat(data);
     if (format.isEmpty() || (format == pngFormat && !hasAllChunks(data)))
         return std::nullopt;
-    QImage pixels = inSRGB(unpacked(decode(data, format)));
-    if (pixels.isNull())
+    Image image(unpacked(decode(data, format)));
+    if (image.m_pixels.isNull())
         return std::nullopt;
-    return Image(std::move(pixels), format == pngFormat ? data : QByteArray());
+    if (format == pngFormat)
+        image.m_png = data;
+    image.m_isConverted = !isInSRGB(image.m_pixels);
+    if (image.m_isConverted)
+        image.m_pixels.convertToColorSpace(QColorSpace::SRgb);
+    return image;
 }
 
 std::optional<Image> Image::fromFile(const QString& path) {

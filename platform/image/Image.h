@@ -34,11 +34,14 @@ public:
     /// nothing is lost and no time is spent. Empty where it cannot be encoded.
     QByteArray pngRepresentation() const;
 
-private:
-    Image(QImage pixels, QByteArray png) : m_pixels(std::move(pixels)), m_png(std::move(png)) {}
+    /// The PNG that the picture came from, where its samples are the pixels as they stand: no colour was
+    /// converted. Empty otherwise.
+    QByteArray unconvertedPng() const { return m_isConverted ? QByteArray() : m_png; }
 
+private:
     QImage m_pixels;
     QByteArray m_png;
+    bool m_isConverted = false;
 };
 
 }  // namespace vellmora

@@ -28,7 +28,7 @@ void PDFContext::drawPage(const PDFDocument& document, qsizetype pageIndex, Disp
 }
 
 PDFContext::Picture PDFContext::addPicture(const Image& image) {
-    return m_writer->addPicture(image.pixels());
+    return m_writer->addPicture(image);
 }
 
 void PDFContext::drawPicture(Picture picture, const Rect& rect) {

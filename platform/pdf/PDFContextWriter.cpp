@@ -153,8 +153,8 @@ void PDFContext::Writer::paintAnnotation(const AnnotationAppearance& appearance,
     m_page.content += "EMC\n";
 }
 
-PDFContext::Picture PDFContext::Writer::addPicture(const QImage& pixels) {
-    m_pictures.push_back(makePictureObject(m_output, pixels));
+PDFContext::Picture PDFContext::Writer::addPicture(const Image& image) {
+    m_pictures.push_back(makePictureObject(m_output, image));
     return {static_cast<int>(m_pictures.size()) - 1};
 }
 

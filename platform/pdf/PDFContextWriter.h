@@ -21,7 +21,7 @@ public:
 
     void beginPage(const Rect& mediaBox);
     void drawPage(const PDFSource& source, qsizetype index, DisplayBox box);
-    Picture addPicture(const QImage& pixels);
+    Picture addPicture(const Image& image);
     void drawPicture(Picture picture, const Rect& rect);
     void endPage();
     void write();

@@ -1,70 +1,69 @@
 #include "platform/pdf/PictureObject.h"
 
-#include <string>
-#include <utility>
-
-#include <zlib.h>
+#include "platform/pdf/picture/PictureEncoding.h"
 
 namespace vellmora {
 
 namespace {
 
-std::string deflated(const std::string& bytes) {
-    uLongf size = ::compressBound(bytes.size());
-    std::string result(size, '\0');
-    ::compress2(reinterpret_cast<Bytef*>(result.data()), &size, reinterpret_cast<const Bytef*>(bytes.data()),
-                bytes.size(), Z_DEFAULT_COMPRESSION);
-    result.resize(size);
-    return result;
+using Handle = QPDFObjectHandle;
+
+constexpr int pngPredictor = 15;  // each row names its own filter
+constexpr size_t bytesPerColor = 3;
+
+/// An object of its own for the palette's colours, so that it is compressed with the other objects.
+Handle makePalette(QPDF& output, const std::string& colors) {
+    Handle space = Handle::newArray();
+    space.appendItem(Handle::newName("/Indexed"));
+    space.appendItem(Handle::newName("/DeviceRGB"));
+    space.appendItem(Handle::newInteger(static_cast<int>(colors.size() / bytesPerColor) - 1));
+    space.appendItem(output.makeIndirectObject(Handle::newString(colors)));
+    return space;
 }
 
-QPDFObjectHandle makeSampleObject(QPDF& output, const QImage& pixels, const char* colorSpace,
-                                  const std::string& samples) {
-    QPDFObjectHandle object = output.newStream();
-    object.replaceStreamData(deflated(samples), QPDFObjectHandle::newName("/FlateDecode"),
-                             QPDFObjectHandle::newNull());
-    QPDFObjectHandle dictionary = object.getDict();
-    dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
-    dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Image"));
-    dictionary.replaceKey("/Width", QPDFObjectHandle::newInteger(pixels.width()));
-    dictionary.replaceKey("/Height", QPDFObjectHandle::newInteger(pixels.height()));
-    dictionary.replaceKey("/ColorSpace", QPDFObjectHandle::newName(colorSpace));
-    dictionary.replaceKey("/BitsPerComponent", QPDFObjectHandle::newInteger(8));
-    return object;
-}
-
-size_t pixelCount(const QImage& pixels) {
-    return static_cast<size_t>(pixels.width()) * static_cast<size_t>(pixels.height());
-}
-
-/// Bytes `first` … `first + count − 1` of each four-byte RGBA pixel.
-std::string samplesOf(const QImage& rgba, int first, size_t count) {
-    std::string samples;
-    samples.reserve(pixelCount(rgba) * count);
-    for (int y = 0; y < rgba.height(); ++y) {
-        const char* pixel = reinterpret_cast<const char*>(rgba.constScanLine(y)) + first;
-        for (int x = 0; x < rgba.width(); ++x, pixel += 4)
-            samples.append(pixel, count);
+Handle makeColorSpace(QPDF& output, const EncodedSamples& samples) {
+    switch (samples.colors) {
+        case EncodedSamples::Colors::palette:
+            return makePalette(output, samples.palette);
+        case EncodedSamples::Colors::rgb:
+            return Handle::newName("/DeviceRGB");
+        case EncodedSamples::Colors::gray:
+            break;
     }
-    return samples;
+    return Handle::newName("/DeviceGray");
 }
 
-bool isOpaque(const std::string& alpha) {
-    return alpha.find_first_not_of('\xff') == std::string::npos;
+Handle makeFilterParameters(const EncodedSamples& samples) {
+    if (!samples.hasPredictor)
+        return Handle::newNull();
+    Handle parameters = Handle::newDictionary();
+    parameters.replaceKey("/Predictor", Handle::newInteger(pngPredictor));
+    parameters.replaceKey("/Colors", Handle::newInteger(samples.components()));
+    parameters.replaceKey("/BitsPerComponent", Handle::newInteger(samples.bitsPerComponent));
+    parameters.replaceKey("/Columns", Handle::newInteger(samples.width));
+    return parameters;
+}
+
+Handle makeSampleObject(QPDF& output, const EncodedSamples& samples) {
+    Handle object = output.newStream();
+    object.replaceStreamData(samples.data, Handle::newName("/FlateDecode"), makeFilterParameters(samples));
+    Handle dictionary = object.getDict();
+    dictionary.replaceKey("/Type", Handle::newName("/XObject"));
+    dictionary.replaceKey("/Subtype", Handle::newName("/Image"));
+    dictionary.replaceKey("/Width", Handle::newInteger(samples.width));
+    dictionary.replaceKey("/Height", Handle::newInteger(samples.height));
+    dictionary.replaceKey("/ColorSpace", makeColorSpace(output, samples));
+    dictionary.replaceKey("/BitsPerComponent", Handle::newInteger(samples.bitsPerComponent));
+    return object;
 }
 
 }  // namespace
 
-QPDFObjectHandle makePictureObject(QPDF& output, const QImage& pixels) {
-    const QImage rgba = pixels.convertToFormat(QImage::Format_RGBA8888);
-    const bool isGray = pixels.allGray();
-    QPDFObjectHandle picture = makeSampleObject(output, rgba, isGray ? "/DeviceGray" : "/DeviceRGB",
-                                                samplesOf(rgba, 0, isGray ? 1 : 3));
-    if (pixels.hasAlphaChannel()) {
-        const std::string alpha = samplesOf(rgba, 3, 1);
-        if (!isOpaque(alpha))
-            picture.getDict().replaceKey("/SMask", makeSampleObject(output, rgba, "/DeviceGray", alpha));
-    }
+QPDFObjectHandle makePictureObject(QPDF& output, const Image& image) {
+    const EncodedPicture encoded = encodePicture(image);
+    Handle picture = makeSampleObject(output, encoded.colors);
+    if (encoded.alpha)
+        picture.getDict().replaceKey("/SMask", makeSampleObject(output, *encoded.alpha));
     return picture;
 }
 

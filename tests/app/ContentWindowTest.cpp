@@ -79,6 +79,21 @@ protected:
 
 }  // namespace
 
+TEST_F(ContentWindowTest, ThePictureOfANewStampIsNotDecodedAgain) {
+    open("Vertrag.pdf");
+    QByteArrayList placed;
+    QObject::connect(&content(), &ContentView::willPlaceStamp, &content(),
+                     [&](const QByteArray& bytes, const Image&) { placed.append(bytes); });
+    click("Stempel auf aktueller Seite");
+    ASSERT_EQ(placed.size(), 1);
+    EXPECT_EQ(placed[0].constData(), content().stampsByPage.value()[0][0].imageData.constData());
+
+    // Nothing could decode these bytes.
+    const QByteArray bytes("no picture");
+    Q_EMIT content().willPlaceStamp(bytes, Image(plainImage(4, 4, Qt::red)));
+    EXPECT_TRUE(shown->editor()->stampPictures().picture(bytes));
+}
+
 TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     open("Vertrag.pdf");
     EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));

@@ -138,17 +138,17 @@ TEST_F(PDFExporterTest, EmbedsEachDistinctPictureOnce) {
     QByteArray equalBytes = red;
     equalBytes.detach();
     StampsByPage stamps;
-    for (int page = 0; page < 50; ++page)
+    for (int page = 0; page < 1000; ++page)
         stamps.insert(page, {stamp(page % 2 ? red : equalBytes, {double(page), 0, 10, 10}),
                              stamp(plainPng(30, 20, Qt::blue), {100, 100, 10, 10})});
-    PDFExporter::save(*pages(50).document(), stamps, url("out.pdf"));
+    PDFExporter::save(*pages(1000).document(), stamps, url("out.pdf"));
     QPDF pdf;
     pdf.processFile(qPrintable(path("out.pdf")));
     int pictures = 0;
     for (QPDFObjectHandle object : pdf.getAllObjects())
         pictures += object.isStreamOfType("/XObject", "/Image") ? 1 : 0;
     EXPECT_EQ(pictures, 2);
-    EXPECT_LT(readFile(path("out.pdf")).size(), pages(50).bytes().size() + qsizetype{50} * 300 + 2000);
+    EXPECT_LT(readFile(path("out.pdf")).size(), pages(1000).bytes().size() + qsizetype{1000} * 300 + 2000);
 }
 
 TEST_F(PDFExporterTest, AFailedSaveLeavesTheTargetAndNoLitter) {
