@@ -92,7 +92,7 @@ class Screen:
         """Opens the dialog and types the document's name, all but the key that opens it."""
         run = self.desktop.run
         run("xdotool", "key", "ctrl+o")
-        run("timeout", WAIT_SECONDS, "xdotool", "search", "--sync", "--onlyvisible", "--name", "PDF auswählen")
+        run("timeout", WAIT_SECONDS, "xdotool", "search", "--sync", "--onlyvisible", "--name", "^PDF ausw")
         time.sleep(0.3)
         run("xdotool", "key", "ctrl+a", "type", "--delay", 15, path)
         time.sleep(0.5)
