@@ -31,7 +31,8 @@ bool StampLibrary::ensureBuiltinPreset(const BuiltinStampDefinition& definition)
     const auto known = std::find_if(m_presets.begin(), m_presets.end(),
                                     [&](const StampPreset& p) { return p.builtinKey == definition.key; });
     if (known != m_presets.end()) {
-        writeBuiltinImage(definition, filePath(*known));
+        // Nothing is lost with it: it is drawn anew at each start.
+        writeBuiltinImage(definition, filePath(*known), Durability::untilPowerLoss);
         const bool renamed = known->displayName != definition.displayName;
         known->displayName = definition.displayName;
         return renamed;
@@ -41,12 +42,13 @@ bool StampLibrary::ensureBuiltinPreset(const BuiltinStampDefinition& definition)
     preset.fileName = QStringLiteral("builtin-%1.png").arg(definition.key);
     preset.createdAt = m_environment.clock();
     preset.builtinKey = definition.key;
-    writeBuiltinImage(definition, filePath(preset));
+    writeBuiltinImage(definition, filePath(preset), Durability::synced);
     m_presets.append(preset);
     return true;
 }
 
-void StampLibrary::writeBuiltinImage(const BuiltinStampDefinition& definition, const QString& path) const {
+void StampLibrary::writeBuiltinImage(const BuiltinStampDefinition& definition, const QString& path,
+                                     Durability durability) const {
     const Image image(
         makeBuiltinStampImage(m_environment.fonts, definition.title, definition.subtitle, definition.tint));
     const QByteArray png = image.pngRepresentation();
@@ -54,7 +56,7 @@ void StampLibrary::writeBuiltinImage(const BuiltinStampDefinition& definition, c
         throw Error(Error::vellmoraDomain, 41,
                     QStringLiteral("Builtin-Stempel konnte nicht erzeugt werden."));
     }
-    files::writeAtomically(path, png);
+    files::writeAtomically(path, png, durability);
 }
 
 }  // namespace vellmora
