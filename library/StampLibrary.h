@@ -99,9 +99,8 @@ private:
     void removeRecent(const QUuid& id);
 
     void ensureBuiltinPresets();
-    bool ensureBuiltinPreset(const BuiltinStampDefinition& definition);
-    void writeBuiltinImage(const BuiltinStampDefinition& definition, const QString& path,
-                           Durability durability) const;
+    bool ensureBuiltinPreset(const BuiltinStampDefinition& definition, const QByteArray& png);
+    static void writeBuiltinImage(const QByteArray& png, const QString& path, Durability durability);
 
     QList<StampPreset>::iterator findPreset(const QUuid& id);
     QList<StampPreset>::const_iterator findPreset(const QUuid& id) const;
