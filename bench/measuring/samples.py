@@ -26,8 +26,8 @@ class Row:
     """One line of the table. The goal is a largest figure: of ours itself, or of its ratio to the others' median."""
     what: str
     ours: list
-    goal: str
-    limit: float
+    goal: str = "–"
+    limit: float = None  # none: measured for what it tells, without a goal
     against: str = "–"
     theirs: list = None
     is_ratio: bool = False
@@ -47,6 +47,12 @@ class Row:
         return self.figure / self.other_figure if self.theirs else None
 
     @property
+    def verdict(self):
+        if self.limit is None:
+            return ""
+        return "met" if self.is_met else "**not met**"
+
+    @property
     def is_met(self):
         return (self.ratio if self.is_ratio else self.figure) <= self.limit
 
@@ -63,7 +69,7 @@ def cells(row):
     spread = f"{number(min(row.ours), row.unit)} – {number(max(row.ours), row.unit)}"
     return [row.what, number(row.figure, row.unit), spread, row.against,
             number(row.other_figure, row.unit) if row.theirs else "–",
-            f"{row.ratio:.2f}" if row.theirs else "–", row.goal, "met" if row.is_met else "**not met**"]
+            f"{row.ratio:.2f}" if row.theirs else "–", row.goal, row.verdict]
 
 
 def markdown_table(rows):
