@@ -2,6 +2,9 @@
 
 #include "platform/geometry/Rect.h"
 
+#include <utility>
+
+#include <QList>
 #include <QPainter>
 
 namespace vellmora {
@@ -53,14 +56,24 @@ void drawLine(QPainter& painter, const QString& text, QFont font, double kerning
     painter.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, text);
 }
 
+/// The picture in a single colour that has these opacities. Small, and quickly written and read as a file.
+QImage tinted(QImage opacity, const QColor& tint) {
+    opacity.reinterpretAsFormat(QImage::Format_Indexed8);
+    QList<QRgb> colors;
+    for (int alpha = 0; alpha <= 255; ++alpha)
+        colors.append(qRgba(tint.red(), tint.green(), tint.blue(), alpha));
+    opacity.setColorTable(colors);
+    return opacity;
+}
+
 }  // namespace
 
 QImage makeBuiltinStampImage(const SystemFonts& fonts, const QString& title,
                              const std::optional<QString>& subtitle, const QColor& tint) {
     const int height = subtitle ? heightWithSubtitle : heightWithoutSubtitle;
-    QImage image(imageWidth, height, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
+    QImage opacity(imageWidth, height, QImage::Format_Alpha8);
+    opacity.fill(Qt::transparent);
+    QPainter painter(&opacity);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     drawFrame(painter, height, tint);
     drawLine(painter, title, fonts.font(subtitle ? raisedTitleSize : titleSize, QFont::Black), titleKerning,
@@ -69,7 +82,8 @@ QImage makeBuiltinStampImage(const SystemFonts& fonts, const QString& title,
         drawLine(painter, *subtitle, fonts.font(subtitleSize, QFont::Bold), subtitleKerning,
                  withAlpha(tint, subtitleAlpha), toToolkit(subtitleBox, height));
     }
-    return image;
+    painter.end();
+    return tinted(std::move(opacity), tint);
 }
 
 }  // namespace vellmora

@@ -3,6 +3,7 @@
 #include "library/BuiltinStampDefinitions.h"
 #include "library/StampPreset.h"
 #include "platform/defaults/UserDefaults.h"
+#include "platform/files/Durability.h"
 #include "platform/files/Folders.h"
 #include "platform/fonts/SystemFonts.h"
 #include "platform/image/Image.h"
@@ -98,8 +99,8 @@ private:
     void removeRecent(const QUuid& id);
 
     void ensureBuiltinPresets();
-    bool ensureBuiltinPreset(const BuiltinStampDefinition& definition);
-    void writeBuiltinImage(const BuiltinStampDefinition& definition, const QString& path) const;
+    bool ensureBuiltinPreset(const BuiltinStampDefinition& definition, const QByteArray& png);
+    static void writeBuiltinImage(const QByteArray& png, const QString& path, Durability durability);
 
     QList<StampPreset>::iterator findPreset(const QUuid& id);
     QList<StampPreset>::const_iterator findPreset(const QUuid& id) const;

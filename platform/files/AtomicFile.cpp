@@ -43,16 +43,17 @@ void AtomicFile::write(const char* bytes, qint64 count) {
     }
 }
 
-void AtomicFile::commit() {
+void AtomicFile::commit(Durability durability) {
+    const bool isSynced = durability == Durability::synced;
     // A file system without permissions (FAT) may refuse; the file is private then, or as open as all its
     // files.
     [[maybe_unused]] const int ignored = ::fchmod(m_file.get(), files::permissionsForNewFile(m_target));
     // Closing may report a failed write. The lock stays with the second descriptor until the file has its
     // name.
     const FileDescriptor lock(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
-    if (::fsync(m_file.get()) != 0 || m_file.close() != 0)
+    if ((isSynced && ::fsync(m_file.get()) != 0) || m_file.close() != 0)
         throw fileError(FileAction::write, m_target, errno);
-    files::rename(m_temporary, m_target);
+    files::rename(m_temporary, m_target, durability);
     m_temporary.clear();
 }
 

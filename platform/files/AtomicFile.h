@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/files/Durability.h"
 #include "platform/files/FileDescriptor.h"
 
 #include <QString>
@@ -22,10 +23,10 @@ public:
     AtomicFile& operator=(const AtomicFile&) = delete;
 
     void write(const char* bytes, qint64 count);
-    /// Syncs, renames over the target and syncs the folder. Where it fails the target is as it was, or, where
-    /// only the last step failed, it is the new file, whole, of which nobody knows whether it outlives a
-    /// power failure.
-    void commit();
+    /// Syncs, renames over the target and syncs the folder, unless `durability` does without. Where it fails
+    /// the target is as it was, or, where only the last step failed, it is the new file, whole, of which
+    /// nobody knows whether it outlives a power failure.
+    void commit(Durability durability = Durability::synced);
 
 private:
     QString m_target;

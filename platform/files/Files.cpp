@@ -96,10 +96,10 @@ void remove(const QString& path) {
         throw fileError(FileAction::remove, path, errno);
 }
 
-void writeAtomically(const QString& path, const QByteArray& bytes) {
+void writeAtomically(const QString& path, const QByteArray& bytes, Durability durability) {
     AtomicFile file(path);
     file.write(bytes.constData(), bytes.size());
-    file.commit();
+    file.commit(durability);
 }
 
 void copy(const QString& from, const QString& to) {
@@ -141,7 +141,7 @@ unsigned permissionsForNewFile(const QString& path) {
     return permissions | S_IRUSR | S_IWUSR;
 }
 
-void rename(const QString& from, const QString& to) {
+void rename(const QString& from, const QString& to, Durability durability) {
     // Opened first: were it not possible afterwards, the change would have been made already.
     const QByteArray folder = QFile::encodeName(QFileInfo(to).path());
     const FileDescriptor fd(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -150,7 +150,8 @@ void rename(const QString& from, const QString& to) {
     if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
         throw fileError(FileAction::replace, to, errno);
     // Some file systems (FAT, network mounts) cannot sync a folder; the file itself is on the disk.
-    if (fd.isValid() && ::fsync(fd.get()) != 0 && errno != EINVAL && errno != ENOTSUP)
+    const bool isSynced = durability == Durability::synced && fd.isValid();
+    if (isSynced && ::fsync(fd.get()) != 0 && errno != EINVAL && errno != ENOTSUP)
         throw fileError(FileAction::write, to, errno);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/files/Durability.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -18,8 +20,9 @@ QByteArray read(const QString& path);
 void remove(const QString& path);
 
 /// Replaces the file's content as a whole: readers see the old bytes or the new ones.
-/// The file is on the disk when the call returns.
-void writeAtomically(const QString& path, const QByteArray& bytes);
+/// The file is on the disk when the call returns, unless `durability` does without.
+void writeAtomically(const QString& path, const QByteArray& bytes,
+                     Durability durability = Durability::synced);
 
 /// Byte-for-byte copy of a regular file; the destination appears whole or not at all.
 void copy(const QString& from, const QString& to);
@@ -35,8 +38,9 @@ void requireWritable(const QString& path);
 /// does not have already.
 unsigned permissionsForNewFile(const QString& path);
 
-/// Puts a file in the place of another, or under a new name, and brings the change onto the disk. Where it
-/// fails both are as they were, unless only the disk would not confirm the change.
-void rename(const QString& from, const QString& to);
+/// Puts a file in the place of another, or under a new name, and brings the change onto the disk where
+/// `durability` asks for it. Where it fails both are as they were, unless only the disk would not confirm the
+/// change.
+void rename(const QString& from, const QString& to, Durability durability = Durability::synced);
 
 }  // namespace vellmora::files

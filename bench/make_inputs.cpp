@@ -1,0 +1,182 @@
+// Writes the documents and pictures that are measured with: make_inputs FOLDER
+//
+// What they show comes from a random generator with a fixed seed, so each run measures the same.
+
+#include "platform/fonts/SystemFonts.h"
+
+#include <random>
+#include <string>
+
+#include <QBuffer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QPageSize>
+#include <QPainter>
+
+#include <QPdfWriter>
+
+using namespace vellmora;
+
+namespace {
+
+constexpr int scanCount = 300;
+constexpr QSize scanSize(1240, 1754);  // A4 at 150 dots an inch
+constexpr qsizetype scanBytes = 433'000;
+constexpr int resolution = 72;
+
+void write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("%s cannot be written", qPrintable(path));
+}
+
+QString words(std::mt19937& random, int count) {
+    QString text;
+    for (int i = 0; i < count; ++i) {
+        const auto length = 3 + random() % 9;
+        for (auto letter = 0UL; letter < length; ++letter)
+            text += QLatin1Char(static_cast<char>('a' + random() % 26));
+        text += QLatin1Char(' ');
+    }
+    return text;
+}
+
+void drawLetter(QPainter& painter, const SystemFonts& fonts, const QRectF& page, std::mt19937& random) {
+    painter.setPen(Qt::black);
+    painter.setFont(fonts.font(page.width() / 50, QFont::Normal));
+    const double margin = page.width() / 10;
+    painter.drawText(page.adjusted(margin, margin, -margin, -margin), Qt::AlignLeft | Qt::TextWordWrap,
+                     words(random, 400));
+}
+
+/// A scanned letter: text on grainy paper, as a JPEG of about `scanBytes`.
+QByteArray makeScan(const SystemFonts& fonts, std::mt19937& random) {
+    QImage image(scanSize, QImage::Format_RGB888);
+    for (int y = 0; y < image.height(); ++y) {
+        uchar* line = image.scanLine(y);
+        for (int x = 0; x < image.width(); ++x) {
+            const auto grain = static_cast<uchar>(243 + random() % 7);
+            line[3 * x] = line[3 * x + 1] = line[3 * x + 2] = grain;
+        }
+    }
+    QPainter painter(&image);
+    drawLetter(painter, fonts, QRectF(image.rect()), random);
+    painter.end();
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    image.save(&buffer, "jpeg", 78);
+    // Filled up: pages of one size make a document of a known one.
+    if (jpeg.size() < scanBytes)
+        jpeg.append(scanBytes - jpeg.size(), '\0');
+    return jpeg;
+}
+
+/// Objects of a PDF file, written one after the other and found again by its table.
+class PdfFile {
+public:
+    void add(const QByteArray& body) {
+        m_offsets.append(m_bytes.size());
+        m_bytes += QByteArray::number(m_offsets.size()) + " 0 obj\n" + body + "\nendobj\n";
+    }
+    void addStream(const QByteArray& entries, const QByteArray& data) {
+        add("<< " + entries + " /Length " + QByteArray::number(data.size()) + " >>\nstream\n" + data +
+            "\nendstream");
+    }
+    QByteArray finished() {
+        const QByteArray table = QByteArray::number(m_bytes.size());
+        const QByteArray size = QByteArray::number(m_offsets.size() + 1);
+        m_bytes += "xref\n0 " + size + "\n0000000000 65535 f \n";
+        for (const qsizetype offset : m_offsets)
+            m_bytes += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
+        return m_bytes + "trailer\n<< /Size " + size + " /Root 1 0 R >>\nstartxref\n" + table + "\n%%EOF\n";
+    }
+
+private:
+    QByteArray m_bytes = "%PDF-1.4\n";
+    QList<qsizetype> m_offsets;
+};
+
+/// One JPEG for each page.
+QByteArray makeScans(const SystemFonts& fonts) {
+    std::mt19937 random(1);
+    PdfFile file;
+    QByteArray kids;
+    for (int i = 0; i < scanCount; ++i)
+        kids += QByteArray::number(3 + 3 * i) + " 0 R ";
+    file.add("<< /Type /Catalog /Pages 2 0 R >>");
+    file.add("<< /Type /Pages /Count " + QByteArray::number(scanCount) + " /Kids [ " + kids + "] >>");
+    const QByteArray picture =
+        "/Type /XObject /Subtype /Image /ColorSpace /DeviceRGB /BitsPerComponent 8 "
+        "/Filter /DCTDecode /Width " +
+        QByteArray::number(scanSize.width()) + " /Height " + QByteArray::number(scanSize.height());
+    for (int i = 0; i < scanCount; ++i) {
+        const QByteArray content = QByteArray::number(4 + 3 * i);
+        const QByteArray image = QByteArray::number(5 + 3 * i);
+        file.add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents " + content +
+                 " 0 R /Resources << /XObject << /Im " + image + " 0 R >> >> >>");
+        file.addStream({}, "q 595 0 0 842 0 0 cm /Im Do Q");
+        file.addStream(picture, makeScan(fonts, random));
+    }
+    return file.finished();
+}
+
+void writeText(const QString& path, int pageCount, const SystemFonts& fonts) {
+    std::mt19937 random(2);
+    QPdfWriter writer(path);
+    writer.setPageSize(QPageSize(QPageSize::A4));
+    writer.setPageMargins({});
+    writer.setResolution(resolution);
+    QPainter painter(&writer);
+    for (int i = 0; i < pageCount; ++i) {
+        if (i > 0)
+            writer.newPage();
+        drawLetter(painter, fonts, QRectF(0, 0, writer.width(), writer.height()), random);
+    }
+}
+
+/// A stamp with soft edges and a grainy, half transparent ground.
+QImage makeStamp(QSize size) {
+    std::mt19937 random(3);
+    QImage image(size, QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));  // NOLINT: the toolkit's own way
+        for (int x = 0; x < image.width(); ++x)
+            line[x] = qRgba(200, 30, x * 255 / size.width(), 40 + static_cast<int>(random() % 8));
+    }
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(QColor(200, 0, 0), size.height() / 12.0));
+    painter.drawEllipse(
+        QRectF(image.rect())
+            .adjusted(0.1 * size.width(), 0.1 * size.height(), -0.1 * size.width(), -0.1 * size.height()));
+    return image;
+}
+
+/// The stamp alone on a page: what other programs lay over the pages.
+void writeOverlay(const QString& path, const QImage& stamp) {
+    QPdfWriter writer(path);
+    writer.setPageSize(QPageSize(QPageSize::A4));
+    writer.setPageMargins({});
+    writer.setResolution(resolution);
+    QPainter(&writer).drawImage(QRectF(200, 642, 200, 80), stamp);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QGuiApplication app(argc, argv);
+    if (argc != 2)
+        return 1;
+    const QString folder = QString::fromLocal8Bit(argv[1]) + QLatin1Char('/');
+    const SystemFonts fonts = SystemFonts::load();
+    write(folder + QStringLiteral("scans.pdf"), makeScans(fonts));
+    writeText(folder + QStringLiteral("text2000.pdf"), 2000, fonts);
+    writeText(folder + QStringLiteral("text200.pdf"), 200, fonts);
+    writeText(folder + QStringLiteral("small.pdf"), 2, fonts);
+    const QImage stamp = makeStamp({1000, 400});
+    stamp.save(folder + QStringLiteral("stamp.png"));
+    writeOverlay(folder + QStringLiteral("overlay.pdf"), stamp);
+    makeStamp({100, 40}).save(folder + QStringLiteral("small.png"));
+    makeStamp({6000, 4000}).save(folder + QStringLiteral("large.png"));
+    return 0;
+}

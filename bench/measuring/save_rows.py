@@ -1,0 +1,86 @@
+"""What is measured of saving: a stamp with alpha on every page, by us and by other programs."""
+import importlib.util
+import json
+import os
+import shutil
+import statistics
+import subprocess
+import time
+from pathlib import Path
+
+from .samples import Row, in_turn
+
+PEERS = Path(__file__).resolve().parent.parent / "peers"
+PLACE = "200,642,200,80"
+MEGABYTE = 1e6
+ALLOWED_MEMORY = 60  # megabytes beside the source
+ALLOWED_GROWTH = 1.05  # of the source's size
+
+
+def peer_commands(inputs, source, target):
+    """Those that are installed."""
+    stamp, overlay = inputs / "stamp.png", inputs / "overlay.pdf"
+    commands = {
+        "mutool": ["mutool", "run", PEERS / "stamp.js", source, stamp, target],
+        "PyMuPDF": ["/usr/bin/python3", PEERS / "stamp_pymupdf.py", source, stamp, target],
+        "qpdf": ["qpdf", source, "--overlay", overlay, "--from=", "--repeat=1", "--", target],
+        "pdftk": ["pdftk", source, "stamp", overlay, "output", target],
+    }
+    is_there = {name: shutil.which(command[0]) for name, command in commands.items()}
+    is_there["PyMuPDF"] = importlib.util.find_spec("fitz")
+    return {name: command for name, command in commands.items() if is_there[name]}
+
+
+class SaveRows:
+    def __init__(self, programs, inputs, rounds):
+        self.programs = programs
+        self.inputs = inputs
+        self.rounds = rounds
+        self.target = inputs / "saved.pdf"
+
+    def timed(self, command):
+        """Milliseconds of the whole process, and what it wrote on its standard output."""
+        self.target.unlink(missing_ok=True)
+        os.sync()  # what others wrote before is not to be written on this one's time
+        started = time.perf_counter()
+        done = subprocess.run([str(word) for word in command], check=True, stdin=subprocess.DEVNULL, capture_output=True)
+        return (time.perf_counter() - started) * 1000, done.stdout
+
+    def ours(self, source):
+        """Time without that of the final sync, which no other program does; that of the sync; and peak memory."""
+        elapsed, output = self.timed([self.programs / "tools/export_pdf", source, self.target, "--png",
+                                      self.inputs / "stamp.png", "--page", "all", "--rect", PLACE])
+        told = json.loads(output)
+        return elapsed - told["sync_ms"], told["sync_ms"], told["peak_rss_kb"] * 1024 / MEGABYTE, \
+            self.target.stat().st_size / MEGABYTE
+
+    def document(self, what, name):
+        source = self.inputs / name
+        candidates = {"ours": lambda: self.ours(source), "cp": lambda: self.timed(["cp", source, self.target])[0]}
+        for peer, command in peer_commands(self.inputs, source, self.target).items():
+            candidates[peer] = lambda command=command: self.timed(command)[0]
+        times = in_turn(candidates, self.rounds)
+        elapsed, sync, memory, size = map(list, zip(*times.pop("ours")))
+        copying = times.pop("cp")
+        source_size = source.stat().st_size / MEGABYTE
+        saving = f"save {what}"
+        rows = [Row(saving, elapsed, "faster", 1, peer, theirs, True) for peer, theirs in times.items()]
+        rows += [
+            # Much of a document of many small objects is work that copying bytes is spared.
+            Row(saving, elapsed, "at most 2 times" if name == "scans.pdf" else "–", 2 if name == "scans.pdf" else None,
+                "cp", copying, True),
+            Row(f"{saving}: the final sync, not counted above", sync),
+            Row(f"{saving}: peak memory", memory, "the source + 60 MB", source_size + ALLOWED_MEMORY, "the source",
+                [source_size], unit="MB"),
+            Row(f"{saving}: size of the file", size, "at most 1.05 times", ALLOWED_GROWTH, "the source", [source_size],
+                True, unit="MB"),
+        ]
+        return rows, elapsed
+
+    def save(self):
+        scan_rows, _ = self.document("130 MB of scans", "scans.pdf")
+        text_rows, many = self.document("2,000 text pages", "text2000.pdf")
+        few = in_turn({"ours": lambda: self.ours(self.inputs / "text200.pdf")[0]}, self.rounds)["ours"]
+        # Ten times the work, and the noise of two measurements.
+        growth = Row("save, ten times the pages (2,000)", many, "linear: at most 11 times", 11, "200 pages", few, True)
+        return [*scan_rows, *text_rows, growth]

@@ -1,0 +1,106 @@
+"""The program on a virtual display, used with real events and watched from outside."""
+import json
+import shutil
+import subprocess
+import time
+from contextlib import contextmanager
+
+from lib.virtual_desktop import WAIT_SECONDS, Accessibility, VirtualDesktop
+
+WHOLE_SCREEN = (0, 0, 1600, 1000)
+REST = 400  # milliseconds without any drawing after which nothing more is to come
+STOP_SECONDS = 5
+
+
+class Screen:
+    """Starts programs and tells, in milliseconds, when the screen shows what is to be seen."""
+
+    def __init__(self, folder, programs):
+        self.desktop = VirtualDesktop(folder)
+        self.programs = programs
+        self.homes = 0
+
+    def __enter__(self):
+        self.desktop.start()
+        self.with_accessibility = dict(self.desktop.env)
+        # Nobody listens to what is on the screen while it is measured, as on most desktops.
+        for name in "QT_ACCESSIBILITY", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON":
+            del self.desktop.env[name]
+        return self
+
+    def __exit__(self, *_):
+        self.desktop.stop()
+
+    def new_home(self):
+        """A home folder without anything in it: environment variables that lead to it."""
+        self.homes += 1
+        home = self.desktop.folder / f"home{self.homes}"
+        home.mkdir()
+        return {"XDG_DATA_HOME": str(home), "XDG_CONFIG_HOME": str(home)}
+
+    def probe(self, command, area, *words):
+        process = subprocess.Popen(
+            [str(word) for word in (self.programs / "bench/screen_probe", command, *area, REST, *words)],
+            env=self.desktop.env, stdout=subprocess.PIPE, text=True)
+        assert process.stdout.readline() == "ready\n", "the screen cannot be watched"
+        return process
+
+    @staticmethod
+    def answer(process):
+        text, _ = process.communicate(timeout=120)
+        if process.returncode != 0:
+            raise RuntimeError(f"{process.args[1]} failed")
+        return json.loads(text)
+
+    def use(self, command, area, *words):
+        """From a key or a click until the last change that it brings about in the area."""
+        seen = self.answer(self.probe(command, area, *words))
+        return seen["last"] - seen["sent"]
+
+    def drag(self, area, at, steps):
+        return self.answer(self.probe("drag", area, *at, steps))
+
+    @contextmanager
+    def running(self, program, *arguments, home, env=None):
+        """The program once its window is there; with the time that this took."""
+        watching = self.probe("watch", WHOLE_SCREEN)
+        started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
+        process = subprocess.Popen([str(word) for word in (self.programs / program, *arguments)],
+                                   env={**(env or self.desktop.env), **home}, cwd=self.desktop.folder,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        try:
+            process.start_time = self.answer(watching)["last"] - started
+            yield process
+        finally:
+            process.terminate()
+            process.wait(STOP_SECONDS)
+            process.stdout.close()
+
+    def start_time(self, program, home):
+        with self.running(program, home=home) as process:
+            return process.start_time
+
+    def places(self):
+        """Where the program's editor area and its insert button are: asked of an own run, since answering costs time."""
+        with self.running("vellmora", home=self.new_home(), env=self.with_accessibility):
+            screen = Accessibility(self.desktop.env["DBUS_SESSION_BUS_ADDRESS"])
+            area = screen.property(screen.find("label", "Keine PDF geladen"), "Parent")
+            x, y, width, height = screen.extents(screen.find("push button", "Stempel auf aktueller Seite"))
+            return screen.extents(area), (x + width // 2, y + height // 2)
+
+    def choose_document(self, path):
+        """Opens the dialog and types the document's name, all but the key that opens it."""
+        run = self.desktop.run
+        run("xdotool", "key", "ctrl+o")
+        run("timeout", WAIT_SECONDS, "xdotool", "search", "--sync", "--onlyvisible", "--name", "^PDF ausw")
+        time.sleep(0.3)
+        run("xdotool", "key", "ctrl+a", "type", "--delay", 15, path)
+        time.sleep(0.5)
+
+    def open_document(self, path, area):
+        self.choose_document(path)
+        return self.use("key", area, "Return")
+
+
+def is_possible():
+    return all(map(shutil.which, ["Xvfb", "openbox", "xdotool", "dbus-daemon"]))

@@ -1,0 +1,114 @@
+#!/usr/bin/python3
+"""Measures how quick the program is, against what it is built on and against other programs: see ./benchmark --help."""
+import argparse
+import os
+import platform
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tools"))
+
+from lib.virtual_desktop import VirtualDesktop  # noqa: F401  (fails early where it cannot be had)
+from measuring.samples import markdown_table, text_table
+from measuring.save_rows import SaveRows
+from measuring.screen import Screen
+from measuring.window_rows import WindowRows
+
+PROGRAMS = ROOT / "build/release"
+INPUTS = ROOT / "build/bench-data"
+REPORT = ROOT / "docs/performance.md"
+WINDOW_PARTS = ["start", "open", "turn", "drag", "insert"]
+PARTS = [*WINDOW_PARTS, "save"]
+LEAST_ROUNDS = 7
+
+
+def arguments():
+    parser = argparse.ArgumentParser(prog="./benchmark", description=__doc__.partition(":")[0])
+    parser.add_argument("parts", nargs="*", metavar="PART", help="of " + ", ".join(PARTS) + "; all where none is named")
+    parser.add_argument("--rounds", type=int, default=LEAST_ROUNDS, help="how often each is measured (%(default)s)")
+    parser.add_argument("--write", action="store_true", help=f"put the table into {REPORT.relative_to(ROOT)}")
+    parser.add_argument("--install", action="store_true", help="install the other programs first, without a question")
+    words = parser.parse_args()
+    if unknown := set(words.parts) - set(PARTS):
+        parser.error("no such part: " + ", ".join(sorted(unknown)))
+    words.parts = words.parts or PARTS
+    return words
+
+
+def make_inputs():
+    """Made once for each state of the program that makes them."""
+    maker = PROGRAMS / "bench/make_inputs"
+    stamp = INPUTS / "made"
+    if stamp.exists() and stamp.stat().st_mtime >= maker.stat().st_mtime:
+        return
+    print("Making the documents …", flush=True)
+    INPUTS.mkdir(parents=True, exist_ok=True)
+    subprocess.run([maker, INPUTS], env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}, check=True)
+    stamp.touch()
+
+
+def measure(parts, rounds):
+    rows = []
+
+    def take(owner, part):
+        print(f"Measuring: {part} …", flush=True)
+        rows.extend(getattr(owner, part)())
+
+    if window_parts := [part for part in WINDOW_PARTS if part in parts]:
+        folder = Path(tempfile.mkdtemp(prefix="vellmora-bench-"))
+        try:
+            with Screen(folder, PROGRAMS) as screen:
+                window_rows = WindowRows(screen, INPUTS, rounds)
+                for part in window_parts:
+                    take(window_rows, part)
+        finally:
+            shutil.rmtree(folder, ignore_errors=True)
+    if "save" in parts:
+        take(SaveRows(PROGRAMS, INPUTS, rounds), "save")
+    return rows
+
+
+def machine():
+    model = next((line.partition(":")[2].strip() for line in open("/proc/cpuinfo") if line.startswith("model name")), "")
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    return f"{model or platform.machine()}, {os.cpu_count()} cores, {memory:.0f} GB of memory"
+
+
+def versions():
+    packages = ["libqt6core6", "libqt6pdf6", "libqpdf29", "mupdf-tools", "python3-fitz", "qpdf", "pdftk-java", "coreutils"]
+    found = subprocess.run(["dpkg-query", "-W", "-f", "${binary:Package} ${Version}\n", *packages], capture_output=True,
+                           text=True).stdout
+    return found.replace(":amd64", "").split("\n")[:-1]
+
+
+def write_report(rows, rounds):
+    REPORT.write_text(f"""# How quick Vellmora is
+
+Measured by `./benchmark --write`, each row at least {rounds} times in turn with what it is compared to, in one run on one
+machine. "Ours" is the median (for steps of a drag the 99th percentile), "Spread" the least and the greatest sample.
+The window is driven with real events on a virtual display, and watched from outside: a time ends with the last change
+on the screen. Saving is timed as a whole process, ours without the final sync to the disk, which no other program does.
+
+{markdown_table(rows)}
+
+Machine: {machine()}.
+
+Versions: {", ".join(versions())}.
+""")
+
+
+def main():
+    words = arguments()
+    make_inputs()
+    rows = measure(words.parts, max(words.rounds, LEAST_ROUNDS))
+    print(text_table(rows))
+    if words.write:
+        write_report(rows, max(words.rounds, LEAST_ROUNDS))
+
+
+if __name__ == "__main__":
+    main()
