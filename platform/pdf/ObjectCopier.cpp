@@ -3,6 +3,7 @@
 #include "platform/pdf/RawStream.h"
 
 #include <memory>
+#include <optional>
 
 namespace vellmora {
 
@@ -14,6 +15,31 @@ QPDFObjectHandle ObjectCopier::copy(const QPDFObjectHandle& object) {
         fill(target, source);
     }
     return result;
+}
+
+/// The stated length holds where the keyword follows (ISO 32000-2, 7.3.8.1).
+static std::optional<std::string_view> storedBytes(QPDFObjectHandle stream, std::string_view file) {
+    QPDFObjectHandle stated = stream.getDict().getKey("/Length");
+    if (!stated.isInteger() || stated.getIntValue() < 0 || stream.getParsedOffset() < 0)
+        return std::nullopt;
+    const auto start = static_cast<size_t>(stream.getParsedOffset());
+    const auto length = static_cast<size_t>(stated.getIntValue());
+    if (start > file.size() || length > file.size() - start)
+        return std::nullopt;
+    const size_t end = file.find_first_not_of("\r\n\t ", start + length);
+    const bool isWhole = end != std::string_view::npos && file.substr(end, 9) == "endstream";
+    return isWhole ? std::optional(file.substr(start, length)) : std::nullopt;
+}
+
+void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& source) {
+    target.replaceStreamData(std::make_shared<RawStream>(source), QPDFObjectHandle::newNull(),
+                             QPDFObjectHandle::newNull());
+    m_carriedStreams.push_back(target);
+    const auto file = m_files.find(source.getOwningQPDF());
+    if (file == m_files.end())
+        return;
+    if (const auto bytes = storedBytes(source, file->second))
+        m_storedStreams.add(target, *bytes);
 }
 
 QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) {
@@ -36,7 +62,7 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
 QPDFObjectHandle ObjectCopier::makeCounterpart(QPDFObjectHandle object) {
     if (object.isStream()) {
         QPDFObjectHandle stream = m_output.newStream();
-        stream.replaceStreamData(std::make_shared<RawStream>(object), {}, {});
+        carryData(stream, object);
         m_pending.emplace_back(stream, object);
         return stream;
     }

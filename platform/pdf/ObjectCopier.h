@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/writing/StoredStreams.h"
 
 #include <map>
 #include <utility>
@@ -9,8 +10,8 @@
 namespace vellmora {
 
 /// Copies objects of source files into the output, each indirect object once however often it is met, and
-/// however long the chains of references are. Streams are not decoded; their bytes are fetched when the
-/// output is written, so the sources must live until then.
+/// however long the chains of references are. The bytes of streams stay where they are and are fetched when
+/// the output is written, so the sources must live until then.
 class ObjectCopier {
 public:
     explicit ObjectCopier(QPDF& output) : m_output(output) {}
@@ -19,7 +20,17 @@ public:
     /// draws.
     QPDFObjectHandle copy(const QPDFObjectHandle& object);
 
+    /// Gives a stream of the output the bytes of one of a source, as they are stored.
+    void carryData(QPDFObjectHandle target, const QPDFObjectHandle& source);
+
+    /// Where the file that objects are copied from lies in memory, so that bytes need not be copied. Not for
+    /// encrypted files.
+    void addFile(const QPDF* source, std::string_view file) { m_files[source] = file; }
+
     QPDF& output() { return m_output; }
+    const StoredStreams& storedStreams() const { return m_storedStreams; }
+    /// All streams that got the bytes of one of a source.
+    const std::vector<QPDFObjectHandle>& carriedStreams() const { return m_carriedStreams; }
 
 private:
     using Source = std::pair<QPDF*, QPDFObjGen>;
@@ -31,6 +42,9 @@ private:
     void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
 
     QPDF& m_output;
+    std::map<const QPDF*, std::string_view> m_files;
+    StoredStreams m_storedStreams;
+    std::vector<QPDFObjectHandle> m_carriedStreams;
     std::map<Source, QPDFObjectHandle> m_copies;
     /// Counterparts that are empty so far, each with its source.
     std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> m_pending;

@@ -93,17 +93,13 @@ void replaceProfiles(QPDF& output, const std::set<QPDFObjGen>& profiles) {
 
 }  // namespace
 
-void prepareStreams(QPDF& output) {
+void prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams) {
     std::set<QPDFObjGen> profiles;
-    for (QPDFObjectHandle object : output.getAllObjects()) {
-        if (!object.isStream())
-            continue;
-        if (object.isStreamOfType("", "/Image"))
-            object.setFilterOnWrite(false);
-        removeRemarks(object);
-        makeFiltersDirect(object);
-        if (contradictsItself(object))
-            profiles.insert(object.getObjGen());
+    for (const QPDFObjectHandle& stream : streams) {
+        removeRemarks(stream);
+        makeFiltersDirect(stream);
+        if (contradictsItself(stream))
+            profiles.insert(stream.getObjGen());
     }
     if (!profiles.empty())
         replaceProfiles(output, profiles);

@@ -5,11 +5,9 @@
 #include "platform/pdf/PageForm.h"
 #include "platform/pdf/PictureObject.h"
 #include "platform/pdf/annotations/Annotations.h"
+#include "platform/pdf/writing/FileWriter.h"
 
 #include <exception>
-
-#include <qpdf/Pipeline.hh>
-#include <qpdf/QPDFWriter.hh>
 
 namespace vellmora {
 
@@ -18,54 +16,6 @@ namespace {
 QPDFObjectHandle emptyDictionary() {
     return QPDFObjectHandle::newDictionary();
 }
-
-/// Hands the written bytes to the consumer in blocks. The library finishes its pipelines in destructors, so a
-/// failure of the consumer must not be thrown through it: it is kept, nothing more is handed over, and
-/// `complete` throws it.
-class ConsumerPipeline : public Pipeline {
-public:
-    explicit ConsumerPipeline(PDFDataConsumer& consumer) : Pipeline("output", nullptr), m_consumer(consumer) {
-        m_block.reserve(blockSize);
-    }
-    void write(const unsigned char* data, size_t length) override {
-        if (m_block.size() + length > blockSize)
-            flush();
-        if (length >= blockSize)
-            hand(reinterpret_cast<const char*>(data), length);
-        else
-            m_block.append(reinterpret_cast<const char*>(data), length);
-    }
-    void finish() override { flush(); }
-
-    void complete() {
-        flush();
-        if (m_failure)
-            std::rethrow_exception(m_failure);
-        m_consumer.finish();
-    }
-
-private:
-    static constexpr size_t blockSize = 1 << 18;
-
-    void flush() {
-        hand(m_block.data(), m_block.size());
-        m_block.clear();
-    }
-
-    void hand(const char* bytes, size_t length) noexcept {
-        if (m_failure || length == 0)
-            return;
-        try {
-            m_consumer.write(bytes, static_cast<qint64>(length));
-        } catch (...) {
-            m_failure = std::current_exception();
-        }
-    }
-
-    PDFDataConsumer& m_consumer;
-    std::string m_block;
-    std::exception_ptr m_failure;
-};
 
 /// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn.
 template <typename Step>
@@ -98,6 +48,8 @@ void PDFContext::Writer::beginPage(const Rect& mediaBox) {
 void PDFContext::Writer::drawPage(const PDFSource& source, qsizetype index, DisplayBox box) {
     const SourcePage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
+    if (!source.isEncrypted())
+        m_copier.addFile(source.catalog().getOwningQPDF(), source.file());
     attempt([&] { carryPageAttributes(page, box); });
     attempt([&] { carryDocumentAttributes(source); });
     attempt([&] { drawContent(page); });
@@ -189,19 +141,10 @@ void PDFContext::Writer::endPage() {
 }
 
 void PDFContext::Writer::write() {
-    attempt([&] { prepareStreams(m_output); });
+    attempt([&] { prepareStreams(m_output, m_copier.carriedStreams()); });
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
-    ConsumerPipeline pipeline(m_consumer);
-    QPDFWriter writer(m_output);
-    writer.setOutputPipeline(&pipeline);
-    writer.setDecodeLevel(qpdf_dl_none);
-    writer.setCompressStreams(true);
-    writer.setObjectStreamMode(qpdf_o_generate);
-    writer.setPreserveEncryption(false);
-    writer.setMinimumPDFVersion("1.7");
-    writer.write();
-    pipeline.complete();
+    FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());
 }
 
 }  // namespace vellmora

@@ -5,6 +5,7 @@
 #include "platform/pdf/Qpdf.h"
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include <QByteArray>
@@ -29,6 +30,9 @@ public:
     const QByteArray& bytes() const { return m_bytes; }
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     const SourcePage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
+    /// The bytes as they are parsed: those of `bytes`, or of a repaired copy.
+    std::string_view file() const { return {m_bytes.constData(), static_cast<size_t>(m_bytes.size())}; }
+    bool isEncrypted() const { return m_qpdf.isEncrypted(); }
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:

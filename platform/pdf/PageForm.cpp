@@ -14,18 +14,6 @@ namespace {
 /// Half a pixel of a thin line may lie outside of the box at its edge.
 constexpr double edgeAllowance = 2;
 
-/// Delivers the bytes of one stream as they stand in the file.
-class RawStream : public QPDFObjectHandle::StreamDataProvider {
-public:
-    explicit RawStream(QPDFObjectHandle stream) : m_stream(std::move(stream)) {}
-    void provideStreamData(const QPDFObjGen&, Pipeline* pipeline) override {
-        m_stream.pipeStreamData(pipeline, nullptr, 0, qpdf_dl_none, true);
-    }
-
-private:
-    QPDFObjectHandle m_stream;
-};
-
 /// Delivers several streams decoded, a line break after each: a token never spans two of them.
 class JoinedStreams : public QPDFObjectHandle::StreamDataProvider {
 public:
@@ -44,13 +32,13 @@ private:
 };
 
 void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPDFObjectHandle> streams) {
-    const auto null = QPDFObjectHandle::newNull();
     if (streams.size() == 1) {
         QPDFObjectHandle source = streams.front().getDict();
-        form.replaceStreamData(std::make_shared<RawStream>(streams.front()),
-                               copier.copy(source.getKey("/Filter")),
-                               copier.copy(source.getKey("/DecodeParms")));
+        copier.carryData(form, streams.front());
+        for (const char* key : {"/Filter", "/DecodeParms"})
+            form.getDict().replaceKey(key, copier.copy(source.getKey(key)));
     } else {
+        const auto null = QPDFObjectHandle::newNull();
         form.replaceStreamData(std::make_shared<JoinedStreams>(streams), null, null);
     }
 }

@@ -1,6 +1,6 @@
 #include "platform/pdf/picture/PngSamples.h"
 
-#include "platform/pdf/picture/DeflateStream.h"
+#include "platform/pdf/DeflateStream.h"
 
 #include <QtEndian>
 

@@ -1,6 +1,6 @@
 #include "platform/pdf/picture/SampleCompression.h"
 
-#include "platform/pdf/picture/DeflateStream.h"
+#include "platform/pdf/DeflateStream.h"
 #include "platform/pdf/picture/RowFilter.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <zlib.h>
@@ -37,6 +38,9 @@ private:
 
 /// The zlib stream (RFC 1950) of consecutive parts.
 std::string zlibStream(const std::vector<DeflatedPart>& parts);
+
+/// The bytes as a zlib stream, compressed as well as readers are used to.
+std::string deflated(std::string_view bytes);
 
 /// Whether the bytes are one whole zlib stream that unpacks to `length` bytes.
 bool isZlibStreamOf(size_t length, const std::string& bytes);

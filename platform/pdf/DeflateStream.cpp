@@ -1,6 +1,8 @@
-#include "platform/pdf/picture/DeflateStream.h"
+#include "platform/pdf/DeflateStream.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <new>
 
 namespace vellmora {
@@ -41,8 +43,12 @@ void DeflateStream::add(const unsigned char* bytes, size_t count) {
     m_part.checksum = ::adler32_z(m_part.checksum, bytes, count);
     m_part.length += static_cast<z_off_t>(count);
     m_stream->next_in = const_cast<Bytef*>(bytes);
-    m_stream->avail_in = static_cast<uInt>(count);
-    run(Z_NO_FLUSH);
+    while (count > 0) {
+        const size_t step = std::min<size_t>(count, std::numeric_limits<uInt>::max());
+        m_stream->avail_in = static_cast<uInt>(step);
+        run(Z_NO_FLUSH);
+        count -= step;
+    }
 }
 
 DeflatedPart DeflateStream::finish(bool isLastPart) {
@@ -60,6 +66,12 @@ std::string zlibStream(const std::vector<DeflatedPart>& parts) {
     for (const int shift : {24, 16, 8, 0})
         bytes += static_cast<char>(checksum >> shift);
     return bytes;
+}
+
+std::string deflated(std::string_view bytes) {
+    DeflateStream stream(Z_DEFAULT_COMPRESSION, Z_DEFAULT_STRATEGY);
+    stream.add(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+    return zlibStream({stream.finish(true)});
 }
 
 bool isZlibStreamOf(size_t length, const std::string& bytes) {
