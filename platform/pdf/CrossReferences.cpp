@@ -6,7 +6,7 @@ namespace vellmora {
 
 namespace {
 
-constexpr int detailBytes = 2;
+constexpr int detailBytes = 4;
 
 void appendNumber(std::string& data, size_t value, int bytes) {
     for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)

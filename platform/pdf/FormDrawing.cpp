@@ -1,6 +1,7 @@
 #include "platform/pdf/FormDrawing.h"
 
 #include "platform/pdf/ContentText.h"
+#include "platform/pdf/PDFValues.h"
 
 namespace vellmora {
 
@@ -104,8 +105,7 @@ QPDFObjectHandle FormDrawing::finish(const Rect& box, const QTransform& matrix) 
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-    dictionary.replaceKey("/BBox", QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(
-                                       box.minX(), box.minY(), box.maxX(), box.maxY())));
+    dictionary.replaceKey("/BBox", arrayOf(box));
     if (!matrix.isIdentity())
         dictionary.replaceKey("/Matrix", QPDFObjectHandle::newArray(QPDFObjectHandle::Matrix(
                                              matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(),

@@ -34,7 +34,7 @@ public:
     /// gets the page's own box and rotation back, and what is drawn after it is placed in page space. Content
     /// is carried over losslessly, also what is damaged in it; what cannot be read is left out. Never fails.
     ///
-    /// The document must live until `close`.
+    /// The document must live until `close`; other threads that draw from it wait for that.
     void drawPage(const PDFDocument& document, qsizetype pageIndex, DisplayBox box);
 
     /// Stores a picture once; it can be drawn any number of times on any page.

@@ -2,12 +2,14 @@
 
 #include "platform/pdf/ContentText.h"
 #include "platform/pdf/OutputStreams.h"
+#include "platform/pdf/PDFValues.h"
 #include "platform/pdf/PageForm.h"
 #include "platform/pdf/PictureObject.h"
 #include "platform/pdf/annotations/Annotations.h"
 #include "platform/pdf/writing/FileWriter.h"
 
 #include <exception>
+#include <utility>
 
 namespace vellmora {
 
@@ -33,31 +35,33 @@ PDFContext::Writer::Writer(PDFDataConsumer& consumer) : m_consumer(consumer), m_
     m_pages = m_output.getRoot().getKey("/Pages");
 }
 
-void PDFContext::Writer::setMediaBox(const Rect& box) {
-    m_page.dictionary.replaceKey("/MediaBox", QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(
-                                                  box.minX(), box.minY(), box.maxX(), box.maxY())));
-}
-
 void PDFContext::Writer::beginPage(const Rect& mediaBox) {
-    m_page = {emptyDictionary(), emptyDictionary(), emptyDictionary(), {}, {}};
+    m_page = {emptyDictionary(), emptyDictionary(), emptyDictionary(), mediaBox, {}, {}};
     m_page.dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
     m_page.dictionary.replaceKey("/Parent", m_pages);
-    setMediaBox(mediaBox);
 }
 
 void PDFContext::Writer::drawPage(const PDFSource& source, qsizetype index, DisplayBox box) {
     const SourcePage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
-    if (!source.isEncrypted())
-        m_copier.addFile(source.catalog().getOwningQPDF(), source.file());
+    useSource(source);
     attempt([&] { carryPageAttributes(page, box); });
     attempt([&] { carryDocumentAttributes(source); });
     attempt([&] { drawContent(page); });
     attempt([&] { drawAnnotations(source, page); });
 }
 
+/// Until the file is written: the bytes of streams are fetched last.
+void PDFContext::Writer::useSource(const PDFSource& source) {
+    if (m_sources.count(&source) != 0)
+        return;
+    m_sources.emplace(&source, source.lock());
+    if (!source.isEncrypted())
+        m_copier.addFile(source.catalog().getOwningQPDF(), source.file());
+}
+
 void PDFContext::Writer::carryPageAttributes(const SourcePage& page, DisplayBox box) {
-    setMediaBox(box == DisplayBox::mediaBox ? page.orientation.mediaBox() : page.cropBox);
+    m_page.mediaBox = box == DisplayBox::mediaBox ? page.orientation.mediaBox() : page.cropBox;
     if (page.orientation.rotation() != 0)
         m_page.dictionary.replaceKey("/Rotate", QPDFObjectHandle::newInteger(page.orientation.rotation()));
     QPDFObjectHandle dictionary = page.dictionary;
@@ -134,6 +138,7 @@ void PDFContext::Writer::endPage() {
     resources.replaceKey("/XObject", m_page.objects);
     if (!m_page.layers.getKeys().empty())
         resources.replaceKey("/Properties", m_page.layers);
+    m_page.dictionary.replaceKey("/MediaBox", arrayOf(m_page.mediaBox));
     m_page.dictionary.replaceKey("/Resources", resources);
     m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
     m_kids.appendItem(m_output.makeIndirectObject(m_page.dictionary));
@@ -141,6 +146,7 @@ void PDFContext::Writer::endPage() {
 }
 
 void PDFContext::Writer::write() {
+    const auto released = std::move(m_sources);  // at the end, however it comes
     attempt([&] { prepareStreams(m_output, m_copier.carriedStreams()); });
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));

@@ -7,6 +7,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -31,11 +32,13 @@ private:
         QPDFObjectHandle dictionary;
         QPDFObjectHandle objects;  ///< the page's XObject resources
         QPDFObjectHandle layers;  ///< the page's property lists, by the names of the objects that are on them
+        Rect mediaBox;
         QTransform fromPageSpace;
         std::string content;
         int annotationCount = 0;
     };
 
+    void useSource(const PDFSource& source);
     void drawContent(const SourcePage& page);
     void drawAnnotations(const PDFSource& source, const SourcePage& page);
     void paintAnnotation(const AnnotationAppearance& appearance, QPDFObjectHandle layer);
@@ -43,8 +46,8 @@ private:
     void carryDocumentAttributes(const PDFSource& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
     QPDFObjectHandle contentStream(const std::string& content);
-    void setMediaBox(const Rect& box);
 
+    std::map<const PDFSource*, std::unique_lock<std::recursive_mutex>> m_sources;
     PDFDataConsumer& m_consumer;
     QPDF m_output;
     ObjectCopier m_copier;

@@ -31,10 +31,6 @@ qsizetype PDFDocument::pageCount() const {
     return m_source->pageCount();
 }
 
-const QByteArray& PDFDocument::bytes() const {
-    return m_source->bytes();
-}
-
 std::optional<PDFPage> PDFDocument::page(qsizetype index) const {
     if (index < 0 || index >= pageCount())
         return std::nullopt;

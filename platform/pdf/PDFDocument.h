@@ -15,7 +15,7 @@ class PDFSource;
 /// An open document: a snapshot of the file's bytes and what its structure says of the pages.
 ///
 /// The file is not touched again after opening; it may be replaced, truncated or unplugged. Documents are
-/// compared by identity and shared; they are used by one thread at a time.
+/// compared by identity and shared, also among threads.
 class PDFDocument {
 public:
     /// Nothing where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond repair,
@@ -31,9 +31,6 @@ public:
     qsizetype pageCount() const;
     /// Nothing for an index outside 0 … pageCount − 1.
     std::optional<PDFPage> page(qsizetype index) const;
-
-    /// The snapshot itself; shared, not copied.
-    const QByteArray& bytes() const;
 
     /// What the platform's own drawing reads; not for use outside of `platform/pdf`.
     const PDFSource& source() const { return *m_source; }

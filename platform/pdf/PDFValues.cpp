@@ -1,5 +1,7 @@
 #include "platform/pdf/PDFValues.h"
 
+#include "platform/pdf/ContentText.h"
+
 #include <cmath>
 
 namespace vellmora {
@@ -27,6 +29,13 @@ std::optional<Rect> rectangleOf(const QPDFObjectHandle& array) {
     if (edges.size() != 4)
         return std::nullopt;
     return rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
+}
+
+QPDFObjectHandle arrayOf(const Rect& rect) {
+    QPDFObjectHandle array = QPDFObjectHandle::newArray();
+    for (const double edge : {rect.minX(), rect.minY(), rect.maxX(), rect.maxY()})
+        array.appendItem(QPDFObjectHandle::newReal(pdfNumber(edge)));
+    return array;
 }
 
 QTransform matrixOf(const QPDFObjectHandle& array) {

@@ -18,6 +18,9 @@ double numberOr(QPDFObjectHandle object, double fallback);
 /// The rectangle between two opposite corners, in whatever order they come; it may be empty.
 std::optional<Rect> rectangleOf(const QPDFObjectHandle& array);
 
+/// The array that stands for a rectangle.
+QPDFObjectHandle arrayOf(const Rect& rect);
+
 /// The identity where the array is no matrix.
 QTransform matrixOf(const QPDFObjectHandle& array);
 

@@ -1,5 +1,6 @@
 #include "platform/pdf/PageForm.h"
 
+#include "platform/pdf/PDFValues.h"
 #include "platform/pdf/PageResources.h"
 
 #include <utility>
@@ -53,8 +54,7 @@ QPDFObjectHandle makePageForm(QPDF& output, ObjectCopier& copier, const SourcePa
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-    dictionary.replaceKey("/BBox", QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(
-                                       box.minX(), box.minY(), box.maxX(), box.maxY())));
+    dictionary.replaceKey("/BBox", arrayOf(box));
     dictionary.replaceKey(
         "/Resources", resources.isDictionary() ? copier.copy(resources) : QPDFObjectHandle::newDictionary());
     return form;

@@ -117,6 +117,8 @@ std::vector<QPDFObjectHandle> contentStreamsOf(const SourcePage& page) {
 
 QPDFObjectHandle resourcesInUse(const SourcePage& page) {
     QPDFObjectHandle resources = page.resources;
+    if (resources.isNull())
+        resources = page.outerResources;
     if (!resources.isDictionary() || countOf(resources) <= usualCount)
         return resources;
     const std::optional<Names> names = namesInContent(page);

@@ -28,6 +28,7 @@ std::optional<Rect> boxFromArray(QPDFObjectHandle array) {
 /// The attributes that a page takes from the nodes above it (ISO 32000-2, table 31).
 struct InheritedAttributes {
     QPDFObjectHandle resources = QPDFObjectHandle::newNull();
+    QPDFObjectHandle outerResources = QPDFObjectHandle::newNull();
     QPDFObjectHandle mediaBox = QPDFObjectHandle::newNull();
     QPDFObjectHandle cropBox = QPDFObjectHandle::newNull();
     QPDFObjectHandle rotate = QPDFObjectHandle::newNull();
@@ -39,11 +40,20 @@ struct InheritedAttributes {
             if (!own.isNull())
                 attribute = own;
         };
-        take(result.resources, "/Resources");
         take(result.mediaBox, "/MediaBox");
         take(result.cropBox, "/CropBox");
         take(result.rotate, "/Rotate");
+        result.takeResources(node.getKey("/Resources"));
         return result;
+    }
+
+private:
+    /// A reference is followed when a page is drawn, not for each page when the file is opened.
+    void takeResources(QPDFObjectHandle own) {
+        if (!own.isIndirect() && own.isNull())
+            return;
+        outerResources = resources;
+        resources = std::move(own);
     }
 };
 
@@ -56,7 +66,7 @@ SourcePage makePage(const QPDFObjectHandle& dictionary, InheritedAttributes attr
     attributes.rotate.getValueAsNumber(rotation);
     const bool isWhole = std::abs(rotation) < 1e6 && rotation == std::floor(rotation);
     const PageOrientation orientation(mediaBox, isWhole ? static_cast<int>(rotation) : 0);
-    return {dictionary, attributes.resources, orientation, cropBox, false};
+    return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, false};
 }
 
 /// Goes through a page tree without recursion: a hostile one is deep.

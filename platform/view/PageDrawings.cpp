@@ -16,11 +16,11 @@ PageDrawings::~PageDrawings() {
 
 void PageDrawings::setDocument(const std::shared_ptr<const PDFDocument>& document) {
     m_waiting.clear();
-    m_source = document ? std::make_shared<Source>(Source{document->bytes(), nullptr}) : nullptr;
+    m_document = document;
 }
 
 void PageDrawings::request(qsizetype pageIndex) {
-    if (m_job == Job{m_source, pageIndex})
+    if (m_job == Job{m_document, pageIndex})
         return;
     std::erase(m_waiting, pageIndex);
     if (m_waiting.size() >= maxWaiting)
@@ -32,13 +32,11 @@ void PageDrawings::request(qsizetype pageIndex) {
 void PageDrawings::drawNext() {
     if (m_job || m_waiting.empty())
         return;
-    m_job = Job{m_source, m_waiting.back()};
+    m_job = Job{m_document, m_waiting.back()};
     m_waiting.pop_back();
     m_thread.start([this, job = *m_job] {
-        if (!job.source->document)
-            job.source->document = PDFDocument::fromData(job.source->bytes);
-        const auto& document = job.source->document;
-        const QByteArray drawing = document ? makePageDrawing(*document, job.pageIndex) : QByteArray();
+        const QByteArray drawing =
+            job.document ? makePageDrawing(*job.document, job.pageIndex) : QByteArray();
         QMetaObject::invokeMethod(
             this, [this, job, drawing] { take(job, drawing); }, Qt::QueuedConnection);
     });
@@ -47,7 +45,7 @@ void PageDrawings::drawNext() {
 void PageDrawings::take(const Job& job, const QByteArray& drawing) {
     m_job.reset();
     drawNext();
-    if (job.source == m_source)
+    if (job.document == m_document)
         Q_EMIT ready(job.pageIndex, drawing);
 }
 

@@ -13,8 +13,7 @@
 namespace vellmora {
 
 /// Makes the drawings of a document's pages on a thread of its own, so that nothing waits for a page that
-/// takes long. The thread reads a parsed copy of the document that nobody else touches, made when it is first
-/// needed.
+/// takes long.
 class PageDrawings : public QObject {
     Q_OBJECT
 
@@ -33,13 +32,8 @@ Q_SIGNALS:
     void ready(qsizetype pageIndex, const QByteArray& drawing);
 
 private:
-    /// The document as the thread has it.
-    struct Source {
-        QByteArray bytes;
-        std::shared_ptr<const PDFDocument> document;
-    };
     struct Job {
-        std::shared_ptr<Source> source;
+        std::shared_ptr<const PDFDocument> document;
         qsizetype pageIndex = 0;
         bool operator==(const Job&) const = default;
     };
@@ -48,7 +42,7 @@ private:
 
     static constexpr size_t maxWaiting = 8;
 
-    std::shared_ptr<Source> m_source;
+    std::shared_ptr<const PDFDocument> m_document;
     std::vector<qsizetype> m_waiting;  ///< newest last
     std::optional<Job> m_job;
     QThreadPool m_thread;
