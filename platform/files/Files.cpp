@@ -1,7 +1,6 @@
 #include "platform/files/Files.h"
 
 #include "platform/files/AtomicFile.h"
-#include "platform/files/FileDescriptor.h"
 #include "platform/files/FileError.h"
 
 #include <cerrno>
@@ -9,6 +8,7 @@
 #include <fcntl.h>
 #include <new>
 #include <sys/stat.h>
+#include <utility>
 
 #include <QDir>
 #include <QFile>
@@ -19,26 +19,6 @@ namespace vellmora::files {
 namespace {
 
 constexpr int maxLinks = 40;  // what the kernel follows before it answers ELOOP
-
-FileDescriptor openForReading(const QString& path) {
-    // Non-blocking, since opening a pipe for reading would wait for a writer.
-    FileDescriptor fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!fd.isValid())
-        throw fileError(FileAction::read, path, errno);
-    return fd;
-}
-
-/// Size of the regular file behind `fd`.
-qint64 regularFileSize(const FileDescriptor& fd, const QString& path) {
-    struct stat info {};
-    if (::fstat(fd.get(), &info) != 0)
-        throw fileError(FileAction::read, path, errno);
-    if (S_ISDIR(info.st_mode))
-        throw fileError(FileAction::read, path, EISDIR);
-    if (!S_ISREG(info.st_mode))
-        throw fileError(FileAction::read, path, EINVAL);
-    return info.st_size;
-}
 
 /// Reads up to `capacity` bytes; fewer only at the end of the file.
 qint64 readFully(const FileDescriptor& fd, char* buffer, qint64 capacity, const QString& path) {
@@ -57,6 +37,19 @@ qint64 readFully(const FileDescriptor& fd, char* buffer, qint64 capacity, const 
 }
 
 }  // namespace
+
+OpenedFile openForReading(const QString& path) {
+    // Non-blocking, since opening a pipe for reading would wait for a writer.
+    FileDescriptor fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat info {};
+    if (!fd.isValid() || ::fstat(fd.get(), &info) != 0)
+        throw fileError(FileAction::read, path, errno);
+    if (S_ISDIR(info.st_mode))
+        throw fileError(FileAction::read, path, EISDIR);
+    if (!S_ISREG(info.st_mode))
+        throw fileError(FileAction::read, path, EINVAL);
+    return {std::move(fd), info.st_size};
+}
 
 void createDirectory(const QString& path) {
     const QByteArray name = QFile::encodeName(path);
@@ -81,10 +74,10 @@ bool exists(const QString& path) {
 }
 
 QByteArray read(const QString& path) {
-    const FileDescriptor fd = openForReading(path);
+    const auto [file, size] = openForReading(path);
     try {
-        QByteArray bytes(regularFileSize(fd, path), Qt::Uninitialized);
-        bytes.truncate(readFully(fd, bytes.data(), bytes.size(), path));
+        QByteArray bytes(size, Qt::Uninitialized);
+        bytes.truncate(readFully(file, bytes.data(), size, path));
         return bytes;
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);
@@ -103,8 +96,7 @@ void writeAtomically(const QString& path, const QByteArray& bytes, Durability du
 }
 
 void copy(const QString& from, const QString& to) {
-    const FileDescriptor source = openForReading(from);
-    regularFileSize(source, from);
+    const FileDescriptor source = openForReading(from).file;
     AtomicFile destination(to);
     QByteArray buffer(1 << 20, Qt::Uninitialized);
     while (const qint64 n = readFully(source, buffer.data(), buffer.size(), from))

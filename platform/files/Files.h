@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/Durability.h"
+#include "platform/files/FileDescriptor.h"
 
 #include <QByteArray>
 #include <QString>
@@ -14,7 +15,15 @@ void createDirectory(const QString& path);
 
 bool exists(const QString& path);
 
-/// Whole content of a regular file. Anything else (folder, pipe, device) is refused without blocking.
+struct OpenedFile {
+    FileDescriptor file;
+    qint64 size = 0;  ///< in bytes
+};
+
+/// Opens a regular file. Anything else (folder, pipe, device) is refused without blocking.
+OpenedFile openForReading(const QString& path);
+
+/// Whole content of a regular file, as of `openForReading`.
 QByteArray read(const QString& path);
 
 void remove(const QString& path);

@@ -94,9 +94,9 @@ std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) {
 }
 
 void Repair::findTrailer() {
-    const QByteArray bytes = file();
+    const FileContent content(this->file());
     QPDF file;
-    openFile(file, bytes);
+    openFile(file, content);
     for (auto& [position, trailer] : trailersByPosition(file)) {
         if (!trailer.isDictionary())
             continue;
@@ -114,9 +114,9 @@ void Repair::findTrailer() {
 }
 
 void Repair::findMembersOfObjectStreams() {
-    const QByteArray bytes = file();
+    const FileContent content(this->file());
     QPDF file;
-    openFile(file, bytes);
+    openFile(file, content);
     for (const auto& [number, place] : m_objectStreams)
         addMembers(number, place.position, file.getObject(number, place.detail));
 }
@@ -143,9 +143,9 @@ void Repair::addMembers(int container, size_t position, QPDFObjectHandle stream)
 void Repair::findCatalog() {
     if (m_trailer.root != emptyCatalog)
         return;
-    const QByteArray bytes = file();
+    const FileContent content(this->file());
     QPDF file;
-    openFile(file, bytes);
+    openFile(file, content);
     QPDFObjectHandle stated = file.getObject(m_statedRoot);
     if (rankAsCatalog(stated) >= CatalogRank::hasPages) {
         m_trailer.root = stated.unparse();

@@ -2,6 +2,7 @@
 
 #include "platform/pdf/RawStream.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -17,8 +18,11 @@ QPDFObjectHandle ObjectCopier::copy(const QPDFObjectHandle& object) {
     return result;
 }
 
+/// Room for the keyword and the white space before it.
+constexpr size_t longestEnd = 32;
+
 /// The stated length holds where the keyword follows (ISO 32000-2, 7.3.8.1).
-static std::optional<std::string_view> storedBytes(QPDFObjectHandle stream, std::string_view file) {
+static std::optional<StoredBytes> storedBytes(QPDFObjectHandle stream, const FileContent& file) {
     QPDFObjectHandle stated = stream.getDict().getKey("/Length");
     if (!stated.isInteger() || stated.getIntValue() < 0 || stream.getParsedOffset() < 0)
         return std::nullopt;
@@ -26,9 +30,11 @@ static std::optional<std::string_view> storedBytes(QPDFObjectHandle stream, std:
     const auto length = static_cast<size_t>(stated.getIntValue());
     if (start > file.size() || length > file.size() - start)
         return std::nullopt;
-    const size_t end = file.find_first_not_of("\r\n\t ", start + length);
-    const bool isWhole = end != std::string_view::npos && file.substr(end, 9) == "endstream";
-    return isWhole ? std::optional(file.substr(start, length)) : std::nullopt;
+    const size_t end = start + length;
+    const std::string_view rest = file.range(end, std::min(longestEnd, file.size() - end));
+    const size_t keyword = rest.find_first_not_of("\r\n\t ");
+    const bool isWhole = keyword != std::string_view::npos && rest.substr(keyword).starts_with("endstream");
+    return isWhole ? std::optional(StoredBytes{&file, start, length}) : std::nullopt;
 }
 
 void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& source) {
@@ -38,7 +44,7 @@ void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& so
     const auto file = m_files.find(source.getOwningQPDF());
     if (file == m_files.end())
         return;
-    if (const auto bytes = storedBytes(source, file->second))
+    if (const auto bytes = storedBytes(source, *file->second))
         m_storedStreams.add(target, *bytes);
 }
 

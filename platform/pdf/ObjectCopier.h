@@ -25,7 +25,7 @@ public:
 
     /// Where the file that objects are copied from lies in memory, so that bytes need not be copied. Not for
     /// encrypted files.
-    void addFile(const QPDF* source, std::string_view file) { m_files[source] = file; }
+    void addFile(const QPDF* source, const FileContent& file) { m_files[source] = &file; }
 
     QPDF& output() { return m_output; }
     const StoredStreams& storedStreams() const { return m_storedStreams; }
@@ -42,7 +42,7 @@ private:
     void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
 
     QPDF& m_output;
-    std::map<const QPDF*, std::string_view> m_files;
+    std::map<const QPDF*, const FileContent*> m_files;
     StoredStreams m_storedStreams;
     std::vector<QPDFObjectHandle> m_carriedStreams;
     std::map<Source, QPDFObjectHandle> m_copies;

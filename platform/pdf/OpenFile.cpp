@@ -1,10 +1,14 @@
 #include "platform/pdf/OpenFile.h"
 
+#include "platform/pdf/FileInput.h"
+
+#include <memory>
+
 #include <qpdf/QPDFLogger.hh>
 
 namespace vellmora {
 
-void openFile(QPDF& file, const QByteArray& bytes, Damage damage) {
+void openFile(QPDF& file, const FileContent& content, Damage damage) {
     const auto silent = QPDFLogger::create();
     silent->setInfo(silent->discard());
     silent->setWarn(silent->discard());
@@ -12,7 +16,7 @@ void openFile(QPDF& file, const QByteArray& bytes, Damage damage) {
     file.setLogger(silent);
     file.setSuppressWarnings(true);
     file.setAttemptRecovery(damage == Damage::recover);
-    file.processMemoryFile("", bytes.constData(), static_cast<size_t>(bytes.size()), "");
+    file.processInputSource(std::make_shared<FileInput>(content), "");
     file.setAttemptRecovery(true);
 }
 

@@ -57,7 +57,7 @@ void PDFContext::Writer::useSource(const PDFSource& source) {
         return;
     m_sources.emplace(&source, source.lock());
     if (!source.isEncrypted())
-        m_copier.addFile(source.catalog().getOwningQPDF(), source.file());
+        m_copier.addFile(source.catalog().getOwningQPDF(), source.content());
 }
 
 void PDFContext::Writer::carryPageAttributes(const SourcePage& page, DisplayBox box) {
@@ -146,11 +146,15 @@ void PDFContext::Writer::endPage() {
 }
 
 void PDFContext::Writer::write() {
-    const auto released = std::move(m_sources);  // at the end, however it comes
+    const auto sources = std::move(m_sources);  // released at the end, however it comes
     attempt([&] { prepareStreams(m_output, m_copier.carriedStreams()); });
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());
+    // The library takes what it cannot read for damage and goes on.
+    for (const auto& [source, lock] : sources)
+        source->content().requireReadable();
+    m_consumer.finish();
 }
 
 }  // namespace vellmora

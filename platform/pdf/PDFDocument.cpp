@@ -1,7 +1,7 @@
 #include "platform/pdf/PDFDocument.h"
 
 #include "platform/error/Error.h"
-#include "platform/files/Files.h"
+#include "platform/files/FileContent.h"
 #include "platform/pdf/PDFSource.h"
 
 #include <utility>
@@ -10,14 +10,19 @@ namespace vellmora {
 
 std::shared_ptr<const PDFDocument> PDFDocument::open(const QUrl& url) {
     try {
-        return fromData(files::read(url.toLocalFile()));
+        return fromContent(FileContent::open(url.toLocalFile()));
     } catch (const Error&) {
         return nullptr;
     }
 }
 
 std::shared_ptr<const PDFDocument> PDFDocument::fromData(const QByteArray& bytes) {
-    std::unique_ptr<PDFSource> source = PDFSource::open(bytes);
+    return fromContent(std::make_shared<const FileContent>(bytes));
+}
+
+std::shared_ptr<const PDFDocument> PDFDocument::fromContent(
+    const std::shared_ptr<const FileContent>& content) {
+    std::unique_ptr<PDFSource> source = PDFSource::open(content);
     if (!source)
         return nullptr;
     return std::make_shared<const PDFDocument>(std::move(source));

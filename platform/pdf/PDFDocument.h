@@ -10,11 +10,13 @@
 
 namespace vellmora {
 
+class FileContent;
 class PDFSource;
 
 /// An open document: a snapshot of the file's bytes and what its structure says of the pages.
 ///
-/// The file is not touched again after opening; it may be replaced, truncated or unplugged. Documents are
+/// Soon after opening (the rest of a large file is read meanwhile) the file is not touched again; it may be
+/// replaced, truncated or unplugged. What was not read in time is never saved as if it were. Documents are
 /// compared by identity and shared, also among threads.
 class PDFDocument {
 public:
@@ -36,6 +38,8 @@ public:
     const PDFSource& source() const { return *m_source; }
 
 private:
+    static std::shared_ptr<const PDFDocument> fromContent(const std::shared_ptr<const FileContent>& content);
+
     std::unique_ptr<PDFSource> m_source;
 };
 

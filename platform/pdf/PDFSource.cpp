@@ -10,15 +10,16 @@
 
 namespace vellmora {
 
-PDFSource::PDFSource(QByteArray bytes, Damage damage) : m_bytes(std::move(bytes)) {
-    openFile(m_qpdf, m_bytes, damage);
+PDFSource::PDFSource(std::shared_ptr<const FileContent> content, Damage damage)
+    : m_content(std::move(content)) {
+    openFile(m_qpdf, *m_content, damage);
     m_catalog = m_qpdf.getRoot();
     m_pages = collectPages(m_qpdf);
 }
 
-std::unique_ptr<PDFSource> PDFSource::read(const QByteArray& bytes, Damage damage) {
+std::unique_ptr<PDFSource> PDFSource::read(const std::shared_ptr<const FileContent>& content, Damage damage) {
     try {
-        return std::unique_ptr<PDFSource>(new PDFSource(bytes, damage));
+        return std::unique_ptr<PDFSource>(new PDFSource(content, damage));
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -28,12 +29,15 @@ qsizetype PDFSource::readablePageCount() const {
     return std::count_if(m_pages.begin(), m_pages.end(), [](const SourcePage& page) { return !page.isLost; });
 }
 
-std::unique_ptr<PDFSource> PDFSource::open(const QByteArray& bytes) {
-    auto source = read(bytes, Damage::refuse);
+std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileContent>& content) {
+    auto source = read(content, Damage::refuse);
     if (source && source->isComplete())
         return source;
     try {
-        auto repaired = read(repairedFile(bytes), Damage::refuse);
+        const std::string_view all = content->all();
+        const auto damaged = QByteArray::fromRawData(all.data(), static_cast<qsizetype>(all.size()));
+        const auto repairedContent = std::make_shared<const FileContent>(repairedFile(damaged));
+        auto repaired = read(repairedContent, Damage::refuse);
         if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0))
             return repaired;
     } catch (const QPDFExc& failure) {
@@ -41,7 +45,7 @@ std::unique_ptr<PDFSource> PDFSource::open(const QByteArray& bytes) {
             return nullptr;
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
-    return source ? std::move(source) : read(bytes, Damage::recover);
+    return source ? std::move(source) : read(content, Damage::recover);
 }
 
 }  // namespace vellmora

@@ -1,15 +1,13 @@
 #pragma once
 
+#include "platform/files/FileContent.h"
 #include "platform/pdf/OpenFile.h"
 #include "platform/pdf/PageOrientation.h"
 #include "platform/pdf/Qpdf.h"
 
 #include <memory>
 #include <mutex>
-#include <string_view>
 #include <vector>
-
-#include <QByteArray>
 
 namespace vellmora {
 
@@ -23,11 +21,11 @@ struct SourcePage {
     bool isLost = false;  ///< the tree names it, but the file does not have it: a blank page
 };
 
-/// The parsed file behind a document. The bytes are shared, not copied.
+/// The parsed file behind a document.
 class PDFSource {
 public:
-    /// Nothing where the bytes are no PDF. No exception leaves this function.
-    static std::unique_ptr<PDFSource> open(const QByteArray& bytes);
+    /// Nothing where the content is no PDF, or cannot be read. No exception leaves this function.
+    static std::unique_ptr<PDFSource> open(const std::shared_ptr<const FileContent>& content);
 
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     const SourcePage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
@@ -36,19 +34,19 @@ public:
     std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(m_mutex); }
 
     /// The bytes as they are parsed: those that were opened, or a repaired copy.
-    std::string_view file() const { return {m_bytes.constData(), static_cast<size_t>(m_bytes.size())}; }
+    const FileContent& content() const { return *m_content; }
     bool isEncrypted() const { return m_qpdf.isEncrypted(); }
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:
-    PDFSource(QByteArray bytes, Damage damage);
+    PDFSource(std::shared_ptr<const FileContent> content, Damage damage);
     /// Pages that can be shown.
     qsizetype readablePageCount() const;
     bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
-    static std::unique_ptr<PDFSource> read(const QByteArray& bytes, Damage damage);
+    static std::unique_ptr<PDFSource> read(const std::shared_ptr<const FileContent>& content, Damage damage);
 
     mutable std::recursive_mutex m_mutex;
-    QByteArray m_bytes;
+    std::shared_ptr<const FileContent> m_content;
     QPDF m_qpdf;
     QPDFObjectHandle m_catalog;
     std::vector<SourcePage> m_pages;

@@ -59,14 +59,13 @@ void FileWriter::write(const QPDFObjectHandle& catalog) {
     writePackedObjects();
     writeCrossReferences(catalogNumber);
     flush();
-    m_consumer.finish();
 }
 
 void FileWriter::writeStream(int number, Handle stream) {
     Entries entries = stream.getDict().getDictAsMap();
-    if (const auto stored = m_streams.bytesOf(stream)) {
+    if (const auto stored = m_streams.find(stream)) {
         if (!isToBeCompressed(stream)) {
-            writeStreamObject(number, std::move(entries), *stored);
+            writeStreamObject(number, std::move(entries), stored->bytes());
             return;
         }
     }

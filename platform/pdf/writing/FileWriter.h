@@ -20,8 +20,8 @@ public:
     /// `streams` knows where the sources have the bytes of those streams that were carried over.
     FileWriter(const StoredStreams& streams, PDFDataConsumer& consumer);
 
-    /// Writes all that can be reached from the catalogue, and finishes the consumer. Throws what it throws,
-    /// and where a stream cannot be delivered.
+    /// Writes all that can be reached from the catalogue. The consumer is not finished yet. Throws what it
+    /// throws, and what the sources do that cannot be read any more.
     void write(const QPDFObjectHandle& catalog);
 
 private:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/files/FileContent.h"
 #include "platform/pdf/Qpdf.h"
 
 #include <map>
@@ -8,19 +9,31 @@
 
 namespace vellmora {
 
-/// The bytes of streams that are the same in the output as in a source file, by their object in the output.
-/// They point into the source's memory.
+/// A range of a source file, which must outlive it.
+struct StoredBytes {
+    const FileContent* file = nullptr;
+    size_t offset = 0;
+    size_t length = 0;
+
+    /// Throws `Error` where it cannot be read.
+    std::string_view bytes() const { return file->range(offset, length); }
+};
+
+/// Where the bytes of streams are that are the same in the output as in a source file, by their object in the
+/// output.
 class StoredStreams {
 public:
-    void add(const QPDFObjectHandle& stream, std::string_view bytes) { m_bytes[stream.getObjGen()] = bytes; }
+    void add(const QPDFObjectHandle& stream, const StoredBytes& bytes) {
+        m_bytes[stream.getObjGen()] = bytes;
+    }
 
-    std::optional<std::string_view> bytesOf(const QPDFObjectHandle& stream) const {
+    std::optional<StoredBytes> find(const QPDFObjectHandle& stream) const {
         const auto found = m_bytes.find(stream.getObjGen());
         return found == m_bytes.end() ? std::nullopt : std::optional(found->second);
     }
 
 private:
-    std::map<QPDFObjGen, std::string_view> m_bytes;
+    std::map<QPDFObjGen, StoredBytes> m_bytes;
 };
 
 }  // namespace vellmora

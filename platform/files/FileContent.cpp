@@ -1,0 +1,132 @@
+#include "platform/files/FileContent.h"
+
+#include "platform/files/FileDescriptor.h"
+#include "platform/files/FileError.h"
+#include "platform/files/Files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <unistd.h>
+#include <utility>
+
+namespace vellmora {
+
+namespace {
+
+/// Small, since the first pages of a document need little from many places.
+constexpr size_t blockSize = 1 << 16;
+/// Below this size a thread costs more than it spares.
+constexpr qint64 largeSize = 4 << 20;
+
+}  // namespace
+
+/// Fills the memory block by block. Each block is read once, by whoever claims it first.
+class FileContent::Reading {
+public:
+    Reading(FileDescriptor file, QString path, char* bytes, size_t size)
+        : m_file(std::move(file)),
+          m_path(std::move(path)),
+          m_bytes(bytes),
+          m_size(size),
+          m_blocks((size + blockSize - 1) / blockSize),
+          m_thread([this](const std::stop_token& stop) { readAll(stop); }) {}
+
+    void require(size_t offset, size_t length) {
+        if (length == 0)
+            return;
+        for (size_t block = offset / blockSize; block <= (offset + length - 1) / blockSize; ++block) {
+            if (obtain(block) == State::failed)
+                requireReadable();
+        }
+    }
+
+    void requireReadable() const {
+        if (const int error = m_error; error != 0)
+            throw fileError(FileAction::read, m_path, error);
+    }
+
+private:
+    enum class State { missing, claimed, there, failed };
+
+    void readAll(const std::stop_token& stop) {
+        for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested(); ++block)
+            claim(block);
+    }
+
+    /// Reads the block, unless somebody does or did.
+    void claim(size_t block) {
+        State state = State::missing;
+        if (!m_blocks[block].compare_exchange_strong(state, State::claimed))
+            return;
+        const int error = read(block);
+        if (error != 0)
+            m_error = error;
+        m_blocks[block] = error == 0 ? State::there : State::failed;
+        m_blocks[block].notify_all();
+    }
+
+    State obtain(size_t block) {
+        if (m_blocks[block] == State::missing)
+            claim(block);
+        m_blocks[block].wait(State::claimed);
+        return m_blocks[block];
+    }
+
+    /// The error number; 0 for success. A file that has become shorter counts as one that cannot be read.
+    int read(size_t block) {
+        size_t at = block * blockSize;
+        const size_t end = std::min(at + blockSize, m_size);
+        while (at < end) {
+            const ssize_t count = ::pread(m_file.get(), m_bytes + at, end - at, static_cast<off_t>(at));
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count <= 0)
+                return count < 0 ? errno : EIO;
+            at += static_cast<size_t>(count);
+        }
+        return 0;
+    }
+
+    FileDescriptor m_file;
+    QString m_path;
+    char* m_bytes;
+    size_t m_size;
+    std::vector<std::atomic<State>> m_blocks;
+    std::atomic<int> m_error = 0;
+    std::jthread m_thread;
+};
+
+std::shared_ptr<const FileContent> FileContent::open(const QString& path) {
+    auto [file, size] = files::openForReading(path);
+    if (size < largeSize)
+        return std::make_shared<const FileContent>(files::read(path));
+    try {
+        QByteArray bytes(size, Qt::Uninitialized);
+        char* memory = bytes.data();
+        auto reading = std::make_unique<Reading>(std::move(file), path, memory, static_cast<size_t>(size));
+        return std::shared_ptr<const FileContent>(new FileContent(std::move(bytes), std::move(reading)));
+    } catch (const std::bad_alloc&) {
+        throw fileError(FileAction::read, path, ENOMEM);
+    }
+}
+
+FileContent::FileContent(QByteArray bytes) : m_bytes(std::move(bytes)) {}
+
+FileContent::FileContent(QByteArray bytes, std::unique_ptr<Reading> reading)
+    : m_bytes(std::move(bytes)), m_reading(std::move(reading)) {}
+
+FileContent::~FileContent() = default;
+
+std::string_view FileContent::range(size_t offset, size_t length) const {
+    if (m_reading)
+        m_reading->require(offset, length);
+    return {m_bytes.constData() + offset, length};
+}
+
+void FileContent::requireReadable() const {
+    if (m_reading)
+        m_reading->requireReadable();
+}
+
+}  // namespace vellmora

@@ -1,0 +1,95 @@
+#include "platform/error/Error.h"
+#include "platform/files/FileContent.h"
+#include "platform/pdf/PDFContext.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+
+#include <thread>
+#include <vector>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+constexpr qint64 megabyte = 1 << 20;
+/// So large that it is not read before the test has gone on.
+constexpr qint64 hugeSize = 2048 * megabyte;
+
+class FileContentTest : public testing::Test {
+protected:
+    QTemporaryDir folder;
+    QString path = folder.filePath(QStringLiteral("datei.pdf"));
+};
+
+/// A page whose content is followed by a stream with a hole of `hugeSize`, which takes no room on the disk.
+void writeHugePdf(const QString& path) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    QByteArray places;
+    const auto add = [&](const QByteArray& object) {
+        places += QByteArray::number(file.pos()).rightJustified(10, '0') + " 00000 n \n";
+        file.write(object);
+    };
+    file.write("%PDF-1.7\n");
+    add("1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n");
+    add("2 0 obj <</Type/Pages/Kids[3 0 R]/Count 1>> endobj\n");
+    add("3 0 obj <</Type/Page/MediaBox[0 0 9 9]/Contents 4 0 R>> endobj\n");
+    add("4 0 obj <</Filter/FlateDecode/Length " + QByteArray::number(hugeSize) + ">> stream\n");
+    file.seek(file.pos() + hugeSize);
+    file.write("\nendstream endobj\n");
+    const QByteArray start = QByteArray::number(file.pos());
+    file.write("xref\n0 5\n0000000000 65535 f \n" + places + "trailer <</Root 1 0 R/Size 5>>\nstartxref\n" +
+               start + "\n%%EOF\n");
+}
+
+}  // namespace
+
+TEST_F(FileContentTest, ManyReadersGetTheSameBytesInAnyOrder) {
+    QByteArray bytes(40 * megabyte + 17, Qt::Uninitialized);
+    for (qsizetype i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 31 / 7);
+    writeFile(path, bytes);
+    const auto content = FileContent::open(path);
+    ASSERT_EQ(content->size(), static_cast<size_t>(bytes.size()));
+    std::atomic<int> wrong = 0;
+    std::vector<std::jthread> readers;
+    for (const size_t step : {size_t{1} << 20, size_t{777777}, size_t{3} << 20}) {
+        readers.emplace_back([&, step] {
+            for (size_t end = content->size(); end > step; end -= step) {
+                const std::string_view part = content->range(end - step, step);
+                wrong += std::string_view(bytes.constData() + (end - step), step) == part ? 0 : 1;
+            }
+        });
+    }
+    readers.clear();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_TRUE(content->all() == std::string_view(bytes.constData(), content->size()));
+    content->requireReadable();
+}
+
+TEST_F(FileContentTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
+    const QByteArray bytes(8 * megabyte, 'x');
+    writeFile(path, bytes);
+    const auto content = FileContent::open(path);
+    content->all();
+    QFile::resize(path, 0);
+    EXPECT_TRUE(content->all() == std::string_view(bytes.constData(), content->size()));
+}
+
+TEST_F(FileContentTest, WhatWasCutOffBeforeItWasReadIsAnErrorAndNeverSaved) {
+    writeHugePdf(path);
+    const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+    ASSERT_TRUE(document);
+    QFile::resize(path, megabyte);
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    context->beginPage(document->page(0)->bounds(DisplayBox::mediaBox));
+    context->drawPage(*document, 0, DisplayBox::mediaBox);
+    context->endPage();
+    EXPECT_THROW(context->close(), Error);
+}
