@@ -115,7 +115,7 @@ TEST_F(KillTest, ASaveOverTheOriginalLeavesTheOldFileOrTheNewOne) {
                 ++old;
             } else {
                 EXPECT_TRUE(isWholePdf(now, pageCount));
-                EXPECT_TRUE(now.contains("/Subtype /Image")) << "without its stamp";
+                EXPECT_TRUE(now.contains("/Subtype/Image")) << "without its stamp";
                 ++replaced;
             }
             ContentView content(restart(), workspace.panels);
