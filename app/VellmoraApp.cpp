@@ -4,6 +4,8 @@
 #include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
+#include <QCommandLineParser>
+#include <QFileInfo>
 #include <QLocale>
 
 // The toolkit's macro must be called outside of any namespace.
@@ -28,6 +30,7 @@ static int& withGermanFormats(int& argc) {
 
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanFormats(argc), argv) {
     QApplication::setApplicationName(QStringLiteral("vellmora"));
+    QApplication::setApplicationVersion(QStringLiteral(VELLMORA_VERSION));
     QApplication::setApplicationDisplayName(QStringLiteral("Vellmora"));
     QGuiApplication::setDesktopFileName(QStringLiteral("vellmora"));
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
@@ -37,6 +40,22 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanForma
     initializeTranslationResources();
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);
+}
+
+std::optional<QUrl> VellmoraApp::documentToOpen() const {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Stempelt PDF-Dokumente."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("datei"), QStringLiteral("PDF, die geöffnet wird."),
+                                 QStringLiteral("[Datei]"));
+    parser.process(m_application);
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1)
+        parser.showHelp(EXIT_FAILURE);
+    if (files.isEmpty())
+        return std::nullopt;
+    return QUrl::fromLocalFile(QFileInfo(files.first()).absoluteFilePath());
 }
 
 }  // namespace vellmora

@@ -7,6 +7,7 @@ using namespace vellmora;
 
 int main(int argc, char** argv) {
     VellmoraApp app(argc, argv);
+    const std::optional<QUrl> document = app.documentToOpen();
     const SystemFonts fonts = SystemFonts::load();
     DialogFilePanels panels;
     ProcessRenderer renderer(ProcessRenderer::installedProgram());
@@ -16,5 +17,7 @@ int main(int argc, char** argv) {
     auto content = std::make_unique<ContentView>(std::move(library), panels);
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().show();
+    if (document)
+        window.content().loadPDF(*document);
     return app.run();
 }
