@@ -3,6 +3,8 @@
 #include "platform/panels/DialogFilePanels.h"
 #include "platform/pdf/render/ProcessRenderer.h"
 
+#include <QScreen>
+
 using namespace vellmora;
 
 int main(int argc, char** argv) {
@@ -16,6 +18,7 @@ int main(int argc, char** argv) {
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
     auto content = std::make_unique<ContentView>(std::move(library), panels);
     ContentWindow window(std::move(content), renderer, Theme(fonts));
+    window.window().fitInto(window.window().screen()->availableSize());
     window.window().show();
     if (document)
         window.content().loadPDF(*document);
