@@ -6,11 +6,13 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QIcon>
 #include <QLocale>
 
 // The toolkit's macro must be called outside of any namespace.
-static void initializeTranslationResources() {
+static void initializeResources() {
     Q_INIT_RESOURCE(vellmora_translations);
+    Q_INIT_RESOURCE(vellmora_icons);
 }
 
 namespace vellmora {
@@ -28,6 +30,13 @@ static int& withGermanFormats(int& argc) {
     return argc;
 }
 
+static QIcon programIcon() {
+    QIcon icon;
+    for (const int size : {16, 48, 256})
+        icon.addFile(QStringLiteral(":/icons/vellmora-%1.png").arg(size));
+    return icon;
+}
+
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanFormats(argc), argv) {
     QApplication::setApplicationName(QStringLiteral("vellmora"));
     QApplication::setApplicationVersion(QStringLiteral(VELLMORA_VERSION));
@@ -37,7 +46,8 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanForma
     installAccessibility();
     installStampViewAccessibility();
     installPageViewAccessibility();
-    initializeTranslationResources();
+    initializeResources();
+    QGuiApplication::setWindowIcon(programIcon());
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);
 }
