@@ -13,6 +13,8 @@ build_packages=(
 # A virtual display, for the guided tour and the tests in the real window.
 tour_packages=(xvfb openbox xdotool dbus-daemon at-spi2-core python3-gi imagemagick poppler-utils)
 wayland_packages=(qt6-wayland)
+# What checks the desktop entry and the metainfo.
+check_packages=(desktop-file-utils appstream)
 
 say() {
     printf '== %s\n' "$*"
