@@ -4,11 +4,15 @@
 #include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QIcon>
 #include <QLocale>
 
 // The toolkit's macro must be called outside of any namespace.
-static void initializeTranslationResources() {
+static void initializeResources() {
     Q_INIT_RESOURCE(vellmora_translations);
+    Q_INIT_RESOURCE(vellmora_icons);
 }
 
 namespace vellmora {
@@ -26,17 +30,42 @@ static int& withGermanFormats(int& argc) {
     return argc;
 }
 
+static QIcon programIcon() {
+    QIcon icon;
+    for (const int size : {16, 48, 256})
+        icon.addFile(QStringLiteral(":/icons/vellmora-%1.png").arg(size));
+    return icon;
+}
+
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanFormats(argc), argv) {
     QApplication::setApplicationName(QStringLiteral("vellmora"));
+    QApplication::setApplicationVersion(QStringLiteral(VELLMORA_VERSION));
     QApplication::setApplicationDisplayName(QStringLiteral("Vellmora"));
     QGuiApplication::setDesktopFileName(QStringLiteral("vellmora"));
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     installAccessibility();
     installStampViewAccessibility();
     installPageViewAccessibility();
-    initializeTranslationResources();
+    initializeResources();
+    QGuiApplication::setWindowIcon(programIcon());
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);
+}
+
+std::optional<QUrl> VellmoraApp::documentToOpen() const {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Stempelt PDF-Dokumente."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("datei"), QStringLiteral("PDF, die geöffnet wird."),
+                                 QStringLiteral("[Datei]"));
+    parser.process(m_application);
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1)
+        parser.showHelp(EXIT_FAILURE);
+    if (files.isEmpty())
+        return std::nullopt;
+    return QUrl::fromLocalFile(QFileInfo(files.first()).absoluteFilePath());
 }
 
 }  // namespace vellmora

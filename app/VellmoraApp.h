@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include <QApplication>
 #include <QTranslator>
+#include <QUrl>
 
 namespace vellmora {
 
@@ -9,6 +12,10 @@ namespace vellmora {
 class VellmoraApp {
 public:
     VellmoraApp(int& argc, char** argv);
+
+    /// The file that is named on the command line. Ends the program where help or the version is asked for
+    /// instead, or the words make no sense.
+    std::optional<QUrl> documentToOpen() const;
 
     int run() { return QApplication::exec(); }
 

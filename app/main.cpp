@@ -3,10 +3,13 @@
 #include "platform/panels/DialogFilePanels.h"
 #include "platform/pdf/render/ProcessRenderer.h"
 
+#include <QScreen>
+
 using namespace vellmora;
 
 int main(int argc, char** argv) {
     VellmoraApp app(argc, argv);
+    const std::optional<QUrl> document = app.documentToOpen();
     const SystemFonts fonts = SystemFonts::load();
     DialogFilePanels panels;
     ProcessRenderer renderer(ProcessRenderer::installedProgram());
@@ -15,6 +18,9 @@ int main(int argc, char** argv) {
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
     auto content = std::make_unique<ContentView>(std::move(library), panels);
     ContentWindow window(std::move(content), renderer, Theme(fonts));
+    window.window().fitInto(window.window().screen()->availableSize());
     window.window().show();
+    if (document)
+        window.content().loadPDF(*document);
     return app.run();
 }

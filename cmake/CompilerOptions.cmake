@@ -8,10 +8,20 @@ target_compile_definitions(vellmora_options INTERFACE
     QT_DISABLE_DEPRECATED_BEFORE=0x060400
     POINTERHOLDER_TRANSITION=4)
 
+# The same sources give the same binaries, in whatever folder they lie and however old they are:
+# the first format of resources has no times of files in it.
+add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+set(VELLMORA_RESOURCE_OPTIONS --format-version 1)
+
 option(VELLMORA_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 if(VELLMORA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+else()
+    # Documents come from strangers: what distributions harden their packages with.
+    add_compile_options(-fstack-protector-strong -fstack-clash-protection
+        $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+    add_link_options(-Wl,-z,relro,-z,now)
 endif()
 
 option(VELLMORA_FUZZ "Build the fuzzers (Clang only)" OFF)

@@ -30,6 +30,12 @@ MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
     stack->addLayout(workRow, 1);
 }
 
+void MainWindow::fitInto(const QSize& room) {
+    // What desktops draw around a window is known only once it is there: about this much.
+    constexpr QSize frame(4, 40);
+    setMinimumSize(minimumContentSize.boundedTo(room - frame).expandedTo(layout()->minimumSize()));
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
     if (!hasFileURL(*event->mimeData()))
         return;

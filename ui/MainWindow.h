@@ -30,6 +30,10 @@ public:
 
     MainWindow(const Callbacks& callbacks, const Theme& theme);
 
+    /// Lowers the minimum as far as a screen with this much room for windows needs it to show the whole
+    /// window with its frame, but never below what the parts need.
+    void fitInto(const QSize& room);
+
     CommandBar& commandBar() { return *m_commandBar; }
     Sidebar& sidebar() { return *m_sidebar; }
     EditorArea& editorArea() { return *m_editorArea; }

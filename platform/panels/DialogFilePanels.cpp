@@ -1,6 +1,7 @@
 #include "platform/panels/DialogFilePanels.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QStandardPaths>
 
@@ -22,11 +23,14 @@ QString defaultSuffix(ContentType type) {
     return type == ContentType::pdf ? QStringLiteral("pdf") : QStringLiteral("png");
 }
 
+QUrl firstFolder() {
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QUrl::fromLocalFile(QDir(documents).exists() ? documents : QDir::homePath());
+}
+
 }  // namespace
 
-DialogFilePanels::DialogFilePanels()
-    : m_lastDirectory(
-          QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))) {}
+DialogFilePanels::DialogFilePanels() : m_lastDirectory(firstFolder()) {}
 
 std::optional<QUrl> DialogFilePanels::runModal(const OpenPanel& panel) {
     QFileDialog dialog(QApplication::activeWindow(), panel.title);

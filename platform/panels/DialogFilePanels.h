@@ -9,7 +9,8 @@ namespace vellmora {
 /// File panels by the toolkit: the desktop's own dialog where there is one.
 class DialogFilePanels : public FilePanels {
 public:
-    /// The first panel starts in the user's documents folder, each later one where the one before ended.
+    /// The first panel starts in the user's documents folder, or at home where there is none, each later one
+    /// where the one before ended.
     DialogFilePanels();
 
     /// The panels are modal to the window that is active when they open.

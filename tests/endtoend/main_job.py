@@ -1,9 +1,10 @@
 #!/usr/bin/python3
 """Does the main job in the real window as a user would who hears what is on it: everything is found by its accessible name.
 
-    main_job.py BUILD_FOLDER
+    main_job.py BUILD_FOLDER [PROGRAM]
 
-The document is dropped from another process. Ends with 77 where there is no virtual display.
+The document is dropped from another process. PROGRAM is an installed one to drive instead of that of the build folder.
+Ends with 77 where there is no virtual display.
 """
 import shutil
 import subprocess
@@ -12,7 +13,7 @@ import tempfile
 from pathlib import Path
 
 SKIPPED = 77
-NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon"]
+NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon", "import"]
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 try:
@@ -21,6 +22,7 @@ except ImportError:
     sys.exit(SKIPPED)
 
 BUILD = Path(sys.argv[1]).resolve()
+PROGRAM = str(Path(sys.argv[2]).resolve() if sys.argv[2:] else BUILD / "vellmora")
 
 
 def middle(rectangle):
@@ -39,10 +41,11 @@ class MainJob:
         self.desktop.run(BUILD / "tools/sample_pdf", self.contract, QT_QPA_PLATFORM="offscreen")
         original = self.contract.read_bytes()
         self.screen = Accessibility(self.desktop.env["DBUS_SESSION_BUS_ADDRESS"])
-        self.desktop.spawn([str(BUILD / "vellmora")])
+        self.desktop.spawn([PROGRAM])
         self.screen.find("label", "Keine PDF geladen")
         self.drop(self.contract)
         self.expect("PDF geladen: Mietvertrag.pdf")
+        wait_for(self.shows_text, "the text of the page")
         self.click("push button", "Aktiven Stempel einfügen")
         self.expect("Stempel auf Seite 1 eingefügt: ")
         before, after = self.drag_stamp(120, -150)
@@ -56,6 +59,8 @@ class MainJob:
         self.expect("Ausgewählter Stempel gelöscht.")
         leftovers = [p.name for p in self.contract.parent.iterdir() if p.name.startswith(".vellmora")]
         assert not leftovers, leftovers
+        self.desktop.spawn([PROGRAM, self.contract.name])
+        self.expect("PDF geladen: Mietvertrag.pdf")
 
     def expect(self, status):
         self.screen.find("label", status)
@@ -68,12 +73,20 @@ class MainJob:
         source = self.screen.find("label", "Dateien")
         zone = self.screen.find("label", "PDF hier ablegen")
         start, end = middle(self.screen.extents(source)), middle(self.screen.extents(zone))
+        self.page_middle = end
         self.desktop.run("xdotool", "mousemove", *map(round, start), "mousedown", 1)
         for step in range(1, 31):
             at = [round(a + (b - a) * step / 30) for a, b in zip(start, end)]
             self.desktop.run("xdotool", "mousemove", *at, "sleep", 0.01)
         self.expect("PDF jetzt loslassen")
         self.desktop.run("xdotool", "mouseup", 1)
+
+    def shows_text(self):
+        """Letters bring many greys. The area lies above what is written on a page that cannot be drawn, and is of one there."""
+        x, y = map(round, self.page_middle)
+        area = f"200x200+{x - 100}+{y - 260}"
+        greys = self.desktop.run("import", "-window", "root", "-crop", area, "-format", "%k", "info:").stdout
+        return int(greys) > 16
 
     def drag_stamp(self, dx, dy, grip=None):
         """Drags the stamp by its middle, or by a point counted from its lower right; its rectangles before and after."""

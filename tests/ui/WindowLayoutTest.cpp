@@ -53,6 +53,23 @@ TEST_F(WindowLayoutTest, PartsLieWhereTheyShould) {
     EXPECT_EQ(inWindow(*window.commandBar().findChildren<Button*>().first()).topLeft(), QPoint(12, 12));
 }
 
+TEST_F(WindowLayoutTest, FitsIntoSmallScreens) {
+    window.fitInto({1920, 1080});
+    EXPECT_EQ(window.minimumSize(), MainWindow::minimumContentSize);
+    const QSize laptop(1280, 680);
+    window.fitInto(laptop);
+    window.resize(window.minimumSize());
+    settle();
+    EXPECT_EQ(window.width(), MainWindow::minimumContentSize.width());
+    EXPECT_LT(window.height(), laptop.height());
+    const QRect area = inWindow(window.editorArea());
+    EXPECT_EQ(area.bottomRight(), window.rect().bottomRight());
+    window.fitInto({200, 100});
+    window.resize(1, 1);
+    settle();
+    EXPECT_GT(window.width(), window.commandBar().findChildren<Button*>().last()->geometry().right());
+}
+
 TEST_F(WindowLayoutTest, BoxesStandInOrderWithTheirPadding) {
     showLibrary(2, 1);
     QStringList titles;

@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034
-# Shared by ./run and ./test: what must be installed, and how the program is built.
+# Shared by ./run, ./test and ./package: what must be installed, and how the program is built.
 # To be sourced, with the top folder as working directory.
 
 build_packages=(
@@ -13,6 +13,9 @@ build_packages=(
 # A virtual display, for the guided tour and the tests in the real window.
 tour_packages=(xvfb openbox xdotool dbus-daemon at-spi2-core python3-gi imagemagick poppler-utils)
 wayland_packages=(qt6-wayland)
+# What checks the desktop entry and the metainfo.
+check_packages=(desktop-file-utils appstream)
+package_packages=(dpkg-dev file)
 
 say() {
     printf '== %s\n' "$*"

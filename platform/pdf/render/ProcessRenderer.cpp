@@ -20,9 +20,10 @@ ProcessRenderer::~ProcessRenderer() = default;
 
 QString ProcessRenderer::installedProgram() {
     const QString folder = QCoreApplication::applicationDirPath();
-    const QString name = QStringLiteral("/libexec/vellmora/vellmora-render");
-    const QString inBuildTree = folder + name;
-    return QFileInfo::exists(inBuildTree) ? inBuildTree : folder + QStringLiteral("/..") + name;
+    const QString name = QStringLiteral("/vellmora-render");
+    const QString inBuildTree = folder + QStringLiteral("/libexec/vellmora") + name;
+    return QFileInfo::exists(inBuildTree) ? inBuildTree
+                                          : folder + QStringLiteral("/" VELLMORA_RENDERER_DIR) + name;
 }
 
 std::optional<pid_t> ProcessRenderer::processID() const {

@@ -29,8 +29,8 @@ public:
     explicit ProcessRenderer(QString program, std::chrono::milliseconds timeLimit = defaultTimeLimit);
     ~ProcessRenderer() override;
 
-    /// The renderer that belongs to the running program: beside it in a build tree, or where it was
-    /// installed.
+    /// The renderer that belongs to the running program: below it in a build tree, or where it was installed.
+    /// Found from the program's own place, so that an installation can be moved.
     static QString installedProgram();
 
     void render(const PageRenderRequest& request, Completion completion) override;
