@@ -40,9 +40,6 @@ std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileConte
         auto repaired = read(repairedContent, Damage::refuse);
         if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0))
             return repaired;
-    } catch (const QPDFExc& failure) {
-        if (failure.getErrorCode() == qpdf_e_password)
-            return nullptr;
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
     return source ? std::move(source) : read(content, Damage::recover);
