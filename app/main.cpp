@@ -3,7 +3,10 @@
 #include "platform/panels/DialogFilePanels.h"
 #include "platform/pdf/render/ProcessRenderer.h"
 
+#include <chrono>
+
 #include <QScreen>
+#include <QTimer>
 
 using namespace vellmora;
 
@@ -20,7 +23,12 @@ int main(int argc, char** argv) {
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().fitInto(window.window().screen()->availableSize());
     window.window().show();
-    if (document)
+    if (document) {
+        renderer.prepare();
         window.content().loadPDF(*document);
+    } else {
+        // Not at once: it would take time from what the user waits for.
+        QTimer::singleShot(std::chrono::milliseconds(500), &renderer, &ProcessRenderer::prepare);
+    }
     return app.run();
 }

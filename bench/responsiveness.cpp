@@ -126,6 +126,8 @@ public:
                                                      fonts}),
                                                  m_panels),
                    m_renderer, Theme(fonts)) {
+        m_renderer.prepare();
+        m_rendererProcess = m_renderer.processID();
         m_probe.onServed = [this] { countRestarts(); };
         m_window.window().show();
         waitFor([] { return false; }, 500ms);

@@ -26,6 +26,18 @@ QColor white(float alpha) {
     return color;
 }
 
+/// A line along the rectangle, as four bars: an outline in one piece the toolkit cuts up and hands to other
+/// threads, and waits for them, for each stamp at each step of a drag.
+void fillOutline(QPainter& painter, const QRectF& rect, double lineWidth, const QColor& color) {
+    const double half = lineWidth / 2;
+    const QRectF outer = rect.adjusted(-half, -half, half, half);
+    const QRectF inner = rect.adjusted(half, half, -half, -half);
+    painter.fillRect(QRectF(outer.topLeft(), QSizeF(outer.width(), lineWidth)), color);
+    painter.fillRect(QRectF(outer.left(), inner.bottom(), outer.width(), lineWidth), color);
+    painter.fillRect(QRectF(outer.left(), inner.top(), lineWidth, inner.height()), color);
+    painter.fillRect(QRectF(inner.right(), inner.top(), lineWidth, inner.height()), color);
+}
+
 }  // namespace
 
 InteractiveStampView::InteractiveStampView(StampItem stamp, StampPictures& pictures, QWidget* overlay)
@@ -139,11 +151,12 @@ void InteractiveStampView::paintEvent(QPaintEvent*) {
 
 void InteractiveStampView::paintBorder(QPainter& painter, const QRectF& frame) const {
     const QRectF border = frame.adjusted(borderInset, borderInset, -borderInset, -borderInset);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(m_isSelectedStamp ? QPen(colors::systemBlue, selectedBorderWidth)
-                                     : QPen(white(borderAlpha), borderWidth));
-    painter.drawRect(border);
+    if (m_isSelectedStamp)
+        fillOutline(painter, border, selectedBorderWidth, colors::systemBlue);
+    else
+        fillOutline(painter, border, borderWidth, white(borderAlpha));
     if (m_showsKeyboardFocus) {
+        painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(Qt::black, borderWidth, Qt::DashLine));
         painter.drawRect(border.adjusted(focusInset, focusInset, -focusInset, -focusInset));
     }

@@ -15,8 +15,9 @@ const QString StampLibrary::metadataFileName = QStringLiteral("stamp-library.jso
 
 StampLibrary::StampLibrary(Environment environment)
     : m_environment(std::move(environment)), m_defaults(m_environment.folders.defaultsFile) {
+    const BuiltinPictures builtins(builtinDefinitions(m_environment.clock()), m_environment.fonts);
     loadLibrary();
-    ensureBuiltinPresets();
+    ensureBuiltinPresets(builtins);
 }
 
 static bool comesBefore(const StampPreset& a, const StampPreset& b) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/BuiltinStampDefinitions.h"
+#include "library/BuiltinPictures.h"
 #include "library/StampPreset.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/files/Durability.h"
@@ -98,7 +98,7 @@ private:
     void prependRecent(const QUuid& id);
     void removeRecent(const QUuid& id);
 
-    void ensureBuiltinPresets();
+    void ensureBuiltinPresets(const BuiltinPictures& pictures);
     bool ensureBuiltinPreset(const BuiltinStampDefinition& definition, const QByteArray& png);
     static void writeBuiltinImage(const QByteArray& png, const QString& path, Durability durability);
 

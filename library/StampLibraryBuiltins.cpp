@@ -1,4 +1,4 @@
-#include "library/BuiltinStampImage.h"
+#include "library/BuiltinPictures.h"
 #include "library/StampLibrary.h"
 #include "platform/error/Error.h"
 #include "platform/files/Files.h"
@@ -6,36 +6,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <utility>
-#include <vector>
-
-#include <QThreadPool>
 
 namespace vellmora {
 
-/// The pictures as PNG files, in the order of the definitions; one that cannot be made is empty.
-static std::vector<QByteArray> drawPictures(const QList<BuiltinStampDefinition>& definitions,
-                                            const SystemFonts& fonts) {
-    std::vector<QByteArray> pictures(static_cast<size_t>(definitions.size()));
-    const auto draw = [&](const BuiltinStampDefinition& stamp) {
-        return Image(makeBuiltinStampImage(fonts, stamp.title, stamp.subtitle, stamp.tint))
-            .pngRepresentation();
-    };
-    // On the toolkit's own threads: on any other it hands each shape to them in pieces and waits for each.
-    QThreadPool& threads = *QThreadPool::globalInstance();
-    for (size_t i = 0; i < pictures.size(); ++i)
-        threads.start([&, i] { pictures[i] = draw(definitions[static_cast<qsizetype>(i)]); });
-    threads.waitForDone();
-    return pictures;
-}
-
-void StampLibrary::ensureBuiltinPresets() {
+void StampLibrary::ensureBuiltinPresets(const BuiltinPictures& pictures) {
     try {
         ensureLibraryDirectories();
-        const QList<BuiltinStampDefinition> definitions = builtinDefinitions(m_environment.clock());
-        const std::vector<QByteArray> pictures = drawPictures(definitions, m_environment.fonts);
+        const QList<BuiltinStampDefinition>& definitions = pictures.definitions();
+        const std::vector<QByteArray>& pngFiles = pictures.pngFiles();
         bool changed = false;
         for (qsizetype i = 0; i < definitions.size(); ++i)
-            changed = ensureBuiltinPreset(definitions[i], pictures[static_cast<size_t>(i)]) || changed;
+            changed = ensureBuiltinPreset(definitions[i], pngFiles[static_cast<size_t>(i)]) || changed;
         sortPresets();
         if (!m_selectedPresetID)
             selectFirstPreset();

@@ -69,7 +69,9 @@ QList<StampPreset> StampLibrary::loadPresets() const {
         throw Error(Error::vellmoraDomain, 2,
                     QStringLiteral("Die Stempelbibliothek konnte nicht gelesen werden."));
     }
-    presets->removeIf([this](const StampPreset& p) { return !files::exists(filePath(p)); });
+    const QSet<QString> names = files::regularFileNames(stampsDirectory());
+    presets->removeIf(
+        [&](const StampPreset& p) { return !names.contains(p.fileName) && !files::exists(filePath(p)); });
     makeIDsUnique(*presets);
     return *presets;
 }

@@ -62,11 +62,12 @@ private:
 
 std::optional<StampPreset> decodePreset(const QJsonValue& value) {
     ObjectReader reader(value);
-    StampPreset preset;
-    preset.id = reader.identifier(idKey);
-    preset.displayName = reader.string(displayNameKey);
-    preset.fileName = reader.string(fileNameKey);
-    preset.createdAt = reader.date(createdAtKey);
+    StampPreset preset{reader.identifier(idKey),
+                       reader.string(displayNameKey),
+                       reader.string(fileNameKey),
+                       reader.date(createdAtKey),
+                       std::nullopt,
+                       std::nullopt};
     if (reader.has(lastUsedAtKey))
         preset.lastUsedAt = reader.date(lastUsedAtKey);
     if (reader.has(builtinKeyKey))

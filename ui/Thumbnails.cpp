@@ -23,6 +23,8 @@ Thumbnails::Thumbnail Thumbnails::thumbnail(const PictureSource& source, QSize p
     const QString key = keyOf(source, pixels);
     if (const Thumbnail* known = m_thumbnails.object(key))
         return *known;
+    if (key == m_loadingKey)
+        return {};
     std::erase_if(m_waiting, [&](const Request& request) { return request.key == key; });
     if (m_waiting.size() >= maxWaiting)
         m_waiting.erase(m_waiting.begin());
@@ -41,11 +43,11 @@ static QImage scaledPicture(const PictureSource& source, QSize pixels) {
 }
 
 void Thumbnails::loadNext() {
-    if (m_isLoading || m_waiting.empty())
+    if (!m_loadingKey.isEmpty() || m_waiting.empty())
         return;
-    m_isLoading = true;
     const Request request = std::move(m_waiting.back());
     m_waiting.pop_back();
+    m_loadingKey = request.key;
     m_thread.start([this, request] {
         const QImage image = scaledPicture(request.source, request.pixels);
         QMetaObject::invokeMethod(
@@ -54,7 +56,7 @@ void Thumbnails::loadNext() {
 }
 
 void Thumbnails::take(const Request& request, const QImage& image) {
-    m_isLoading = false;
+    m_loadingKey.clear();
     if (image.isNull()) {
         m_missing.insert(request.source.version);
     } else {

@@ -53,7 +53,7 @@ private:
     QCache<QString, Thumbnail> m_thumbnails{budgetKilobytes};
     QSet<QString> m_missing;  ///< versions
     std::vector<Request> m_waiting;
-    bool m_isLoading = false;
+    QString m_loadingKey;  ///< of the request that the thread works on; empty while it has none
     QThreadPool m_thread;
 };
 

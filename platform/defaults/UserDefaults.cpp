@@ -49,8 +49,11 @@ void UserDefaults::remove(const QString& key) {
 }
 
 void UserDefaults::set(const QString& key, const QJsonValue& value) {
-    m_unsaved.insert(key, value);
     m_values = readObject(m_file);
+    // Not written for nothing: bringing it onto the disk takes longer than drawing the window.
+    if (m_unsaved.isEmpty() && m_values.value(key) == value)
+        return;
+    m_unsaved.insert(key, value);
     for (auto it = m_unsaved.cbegin(); it != m_unsaved.cend(); ++it)
         m_values.insert(it.key(), it.value());  // an undefined value removes the key
     store();

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
 #include <new>
 #include <sys/stat.h>
@@ -71,6 +72,18 @@ void createDirectory(const QString& path) {
 
 bool exists(const QString& path) {
     return QFileInfo::exists(path);
+}
+
+QSet<QString> regularFileNames(const QString& folder) {
+    QSet<QString> names;
+    if (DIR* entries = ::opendir(QFile::encodeName(folder).constData())) {
+        while (const dirent* entry = ::readdir(entries)) {
+            if (entry->d_type == DT_REG)
+                names.insert(QFile::decodeName(entry->d_name));
+        }
+        ::closedir(entries);
+    }
+    return names;
 }
 
 QByteArray read(const QString& path) {

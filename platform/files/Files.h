@@ -4,6 +4,7 @@
 #include "platform/files/FileDescriptor.h"
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
 
 namespace vellmora::files {
@@ -14,6 +15,10 @@ namespace vellmora::files {
 void createDirectory(const QString& path);
 
 bool exists(const QString& path);
+
+/// Names of the regular files in the folder, for those who would ask for thousands of them one by one. Links
+/// are left out, and on some file systems all names; a folder that cannot be listed has none.
+QSet<QString> regularFileNames(const QString& folder);
 
 struct OpenedFile {
     FileDescriptor file;

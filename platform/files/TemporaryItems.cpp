@@ -9,17 +9,18 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include <QDir>
 #include <QFile>
+#include <QList>
 
 namespace vellmora {
 
 namespace {
 
-constexpr QLatin1String prefix(".vellmora-");
+constexpr QByteArrayView prefix(".vellmora-");
+constexpr QByteArrayView placeholders("XXXXXX");
 
 QByteArray nameTemplate(const QString& folder) {
-    return QFile::encodeName(folder + QLatin1Char('/') + prefix + QStringLiteral("XXXXXX"));
+    return QFile::encodeName(folder) + '/' + prefix.toByteArray() + placeholders.toByteArray();
 }
 
 /// Locks a new item. False where another program's clearing got hold of it between its creation and now.
@@ -40,6 +41,20 @@ void removeFolder(int fd, const char* path) {
         ::closedir(entries);
     }
     ::rmdir(path);
+}
+
+/// Paths of the temporary items in the folder, which may hold thousands of other files.
+QList<QByteArray> temporaryItems(const QByteArray& folder) {
+    QList<QByteArray> paths;
+    if (DIR* entries = ::opendir(folder.constData())) {
+        while (const dirent* entry = ::readdir(entries)) {
+            const QByteArrayView name(entry->d_name);
+            if (name.size() == prefix.size() + placeholders.size() && name.startsWith(prefix))
+                paths.append(folder + '/' + entry->d_name);
+        }
+        ::closedir(entries);
+    }
+    return paths;
 }
 
 bool isFolder(int fd) {
@@ -81,10 +96,7 @@ void removeTemporaryDirectory(const TemporaryDirectory& directory) {
 }
 
 void removeStaleTemporaryItems(const QString& folder) {
-    const auto entries = QDir(folder).entryInfoList({prefix + QStringLiteral("??????")},
-                                                    QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    for (const QFileInfo& entry : entries) {
-        const QByteArray name = QFile::encodeName(entry.filePath());
+    for (const QByteArray& name : temporaryItems(QFile::encodeName(folder))) {
         const FileDescriptor fd(::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         if (!fd.isValid() || ::flock(fd.get(), LOCK_EX | LOCK_NB) != 0)
             continue;

@@ -2,7 +2,6 @@
 
 #include <QLocale>
 #include <QRegularExpression>
-#include <QTimeZone>
 
 namespace vellmora {
 
@@ -12,20 +11,22 @@ QString internetDateTimeText(const QDateTime& date) {
 
 std::optional<QDateTime> parseInternetDateTime(const QString& text) {
     static const QRegularExpression form(
-        QStringLiteral("\\A([0-9]{4}-[0-9]{2}-[0-9]{2})T([0-9]{2}:[0-9]{2}:[0-9]{2})"
-                       "(?:Z|([+-])([0-9]{2}):([0-9]{2}))\\z"));
-    const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch())
+        QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}"
+                       "(Z|[+-][0-9]{2}:[0-9]{2})\\z"));
+    if (!form.match(text).hasMatch())
         return std::nullopt;
-    const QDate day = QDate::fromString(match.captured(1), Qt::ISODate);
-    const QTime time = QTime::fromString(match.captured(2), QStringLiteral("HH:mm:ss"));
-    const int hours = match.captured(4).toInt();
-    const int minutes = match.captured(5).toInt();
+    const auto number = [&](qsizetype at, qsizetype digits) {
+        return QStringView(text).sliced(at, digits).toInt();
+    };
+    const QDate day(number(0, 4), number(5, 2), number(8, 2));
+    const QTime time(number(11, 2), number(14, 2), number(17, 2));
+    const bool hasOffset = !text.endsWith(QLatin1Char('Z'));
+    const int hours = hasOffset ? number(20, 2) : 0;
+    const int minutes = hasOffset ? number(23, 2) : 0;
     if (!day.isValid() || !time.isValid() || hours > 23 || minutes > 59)
         return std::nullopt;
-    const qint64 offset =
-        qint64{60} * (hours * 60 + minutes) * (match.captured(3) == QStringLiteral("-") ? -1 : 1);
-    return QDateTime(day, time, QTimeZone::utc()).addSecs(-offset);
+    const qint64 offset = qint64{60} * (hours * 60 + minutes) * (text[19] == QLatin1Char('-') ? -1 : 1);
+    return QDateTime(day, time, Qt::UTC).addSecs(-offset);
 }
 
 QString germanDateText(const QDateTime& date) {

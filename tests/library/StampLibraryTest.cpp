@@ -140,6 +140,14 @@ TEST_F(StampLibraryTest, EntriesWhoseFileIsGoneAreDroppedAtTheNextStart) {
     EXPECT_EQ(stored().size(), 7) << "the file is not rewritten by loading";
 }
 
+TEST_F(StampLibraryTest, AnEntryWhoseFileIsALinkIsKept) {
+    writeMetadata("[" + entry(firstID, "Link", "link.png") + "]");
+    writeFile(workspace.path(QStringLiteral("Ziel.png")), plainPng(20, 10, Qt::blue));
+    ASSERT_TRUE(QFile::link(workspace.path(QStringLiteral("Ziel.png")),
+                            workspace.stampsFolder() + QStringLiteral("/link.png")));
+    EXPECT_EQ(userNames(*workspace.makeLibrary()), QStringList{QStringLiteral("Link")});
+}
+
 TEST_F(StampLibraryTest, AnUnreadableFileYieldsTheBuiltinsAndIsKeptAsideOnce) {
     for (const QByteArray& content : {QByteArray("{}"), QByteArray(R"([{"id": "broken)")}) {
         writeMetadata(content);

@@ -65,3 +65,13 @@ TEST(UserDefaultsTest, KeepsWhatAnotherProgramWrote) {
     first.setString(key, QStringLiteral("kept"));
     EXPECT_EQ(UserDefaults(file).string(QStringLiteral("Vellmora.other")), QStringLiteral("text"));
 }
+
+TEST(UserDefaultsTest, AValueThatTheFileLostIsWrittenAgain) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("settings.json"));
+    UserDefaults defaults(file);
+    defaults.setString(key, QStringLiteral("kept"));
+    QFile::remove(file);
+    defaults.setString(key, QStringLiteral("kept"));
+    EXPECT_EQ(UserDefaults(file).string(key), QStringLiteral("kept"));
+}

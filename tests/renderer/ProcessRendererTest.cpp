@@ -15,6 +15,8 @@ namespace {
 
 class ProcessRendererTest : public testing::Test {
 protected:
+    ProcessRendererTest() { renderer.prepare(); }
+
     static QByteArray redPage() {
         PdfBuilder source;
         source.page("/MediaBox [0 0 100 100]", filledRect("1 0 0", "0 0 50 100"));

@@ -2,8 +2,11 @@
 #include "tests/support/GTestQt.h"
 #include "tests/ui/WindowFixture.h"
 
+#include <atomic>
+
 #include <QAccessible>
 #include <QScrollBar>
+#include <QSemaphore>
 #include <QTest>
 
 using namespace vellmora;
@@ -105,6 +108,26 @@ TEST_F(PresetViewsTest, ARefreshWithTheSameLibraryKeepsTheTilesAndDecodesNothing
     settle();
     EXPECT_EQ(tiles(), before);
     EXPECT_EQ(decodes, decoded);
+}
+
+TEST(ThumbnailsTest, APictureThatIsBeingLoadedIsNotLoadedAgain) {
+    std::atomic<int> loads = 0;
+    QSemaphore mayGoOn;
+    {
+        Thumbnails thumbnails(nullptr);
+        const PictureSource source{QStringLiteral("version"), [&]() -> std::optional<Image> {
+                                       ++loads;
+                                       mayGoOn.acquire();
+                                       return Image(plainImage(40, 20, Qt::red));
+                                   }};
+        const auto state = [&] { return thumbnails.thumbnail(source, {20, 20}).state; };
+        EXPECT_EQ(state(), Thumbnails::State::loading);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return loads > 0; }));
+        EXPECT_EQ(state(), Thumbnails::State::loading);
+        mayGoOn.release(2);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return state() == Thumbnails::State::ready; }));
+    }
+    EXPECT_EQ(loads, 1);
 }
 
 /// Selecting a built-in stamp makes the box above grow; the tile that was clicked stays under the mouse.

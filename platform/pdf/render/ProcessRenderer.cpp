@@ -13,7 +13,6 @@ ProcessRenderer::ProcessRenderer(QString program, std::chrono::milliseconds time
     m_limit.setSingleShot(true);
     m_limit.setInterval(timeLimit);
     connect(&m_limit, &QTimer::timeout, this, &ProcessRenderer::giveUp);
-    startProcess();
 }
 
 ProcessRenderer::~ProcessRenderer() = default;
@@ -28,6 +27,11 @@ QString ProcessRenderer::installedProgram() {
 
 std::optional<pid_t> ProcessRenderer::processID() const {
     return m_process ? std::optional(m_process->pid()) : std::nullopt;
+}
+
+void ProcessRenderer::prepare() {
+    if (!m_process)
+        startProcess();
 }
 
 void ProcessRenderer::startProcess() {

@@ -16,9 +16,9 @@
 
 namespace vellmora {
 
-/// Renders in a process of its own, which is started ahead of the first request and again whenever it is
-/// needed. A page that crashes the process, or takes longer than the limit, is answered with a null image,
-/// and the process is killed.
+/// Renders in a process of its own, which is started with the first request and again whenever it is needed.
+/// A page that crashes the process, or takes longer than the limit, is answered with a null image, and the
+/// process is killed.
 class ProcessRenderer : public QObject, public PageRenderer {
     Q_OBJECT
 
@@ -33,6 +33,8 @@ public:
     /// Found from the program's own place, so that an installation can be moved.
     static QString installedProgram();
 
+    /// Starts the process ahead of the first request, which then takes less time.
+    void prepare();
     void render(const PageRenderRequest& request, Completion completion) override;
 
     /// Of the running process; nothing while there is none.
