@@ -69,7 +69,7 @@ QList<StampPreset> StampLibrary::loadPresets() const {
         throw Error(Error::vellmoraDomain, 2,
                     QStringLiteral("Die Stempelbibliothek konnte nicht gelesen werden."));
     }
-    presets->removeIf([this](const StampPreset& p) { return !files::exists(filePath(p)); });
+    presets->removeIf([this](const StampPreset& p) { return files::isGone(filePath(p)); });
     makeIDsUnique(*presets);
     return *presets;
 }
@@ -80,7 +80,8 @@ void StampLibrary::loadLibrary() {
         sortPresets();
         restoreSelection();
     } catch (const Error&) {
-        m_hasUnreadableMetadata = files::exists(metadataPath());
+        // Also where no file is in sight: it may be on a volume that cannot be reached now.
+        m_hasUnreadableMetadata = true;
         m_presets.clear();
         setSelectedPresetID(std::nullopt);
     }
@@ -99,7 +100,7 @@ QString StampLibrary::unusedAsidePath() const {
 /// Keeps a metadata file that could not be loaded beside the new one, once, before it is overwritten: a copy
 /// where its bytes can be read, else the file itself.
 void StampLibrary::keepUnreadableMetadata() {
-    if (!m_hasUnreadableMetadata)
+    if (!m_hasUnreadableMetadata || !files::exists(metadataPath()))
         return;
     std::optional<QByteArray> bytes;
     try {
@@ -116,6 +117,7 @@ void StampLibrary::persistMetadata() {
     ensureLibraryDirectories();
     keepUnreadableMetadata();
     files::writeAtomically(metadataPath(), encodePresets(m_presets));
+    m_hasUnreadableMetadata = false;
 }
 
 }  // namespace vellmora

@@ -73,6 +73,12 @@ bool exists(const QString& path) {
     return QFileInfo::exists(path);
 }
 
+bool isGone(const QString& path) {
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) != 0 &&
+           (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
+}
+
 QByteArray read(const QString& path) {
     const auto [file, size] = openForReading(path);
     try {

@@ -15,6 +15,10 @@ void createDirectory(const QString& path);
 
 bool exists(const QString& path);
 
+/// True where there is surely no such file; false where there is one, and where that cannot be told, since a
+/// folder or the volume cannot be reached.
+bool isGone(const QString& path);
+
 struct OpenedFile {
     FileDescriptor file;
     qint64 size = 0;  ///< in bytes
