@@ -70,7 +70,7 @@ protected:
     void expectStamped(const QString& file) {
         const QByteArray now = readFile(file);
         EXPECT_TRUE(isWholePdf(now, pageCount)) << file.toStdString();
-        EXPECT_TRUE(now.contains("/Subtype /Image")) << "without its stamp";
+        EXPECT_TRUE(now.contains("/Subtype/Image")) << "without its stamp";
         EXPECT_EQ(leftovers(workspace.path(QString())), QStringList());
     }
 
