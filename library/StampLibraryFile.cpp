@@ -71,7 +71,7 @@ QList<StampPreset> StampLibrary::loadPresets() const {
     }
     const QSet<QString> names = files::regularFileNames(stampsDirectory());
     presets->removeIf(
-        [&](const StampPreset& p) { return !names.contains(p.fileName) && !files::exists(filePath(p)); });
+        [&](const StampPreset& p) { return !names.contains(p.fileName) && files::isGone(filePath(p)); });
     makeIDsUnique(*presets);
     return *presets;
 }
@@ -82,7 +82,8 @@ void StampLibrary::loadLibrary() {
         sortPresets();
         restoreSelection();
     } catch (const Error&) {
-        m_hasUnreadableMetadata = files::exists(metadataPath());
+        // Also where no file is in sight: it may be on a volume that cannot be reached now.
+        m_hasUnreadableMetadata = true;
         m_presets.clear();
         setSelectedPresetID(std::nullopt);
     }
@@ -101,7 +102,7 @@ QString StampLibrary::unusedAsidePath() const {
 /// Keeps a metadata file that could not be loaded beside the new one, once, before it is overwritten: a copy
 /// where its bytes can be read, else the file itself.
 void StampLibrary::keepUnreadableMetadata() {
-    if (!m_hasUnreadableMetadata)
+    if (!m_hasUnreadableMetadata || !files::exists(metadataPath()))
         return;
     std::optional<QByteArray> bytes;
     try {
@@ -118,6 +119,7 @@ void StampLibrary::persistMetadata() {
     ensureLibraryDirectories();
     keepUnreadableMetadata();
     files::writeAtomically(metadataPath(), encodePresets(m_presets));
+    m_hasUnreadableMetadata = false;
 }
 
 }  // namespace vellmora

@@ -79,16 +79,22 @@ void PresetGrid::showTiles(Refresh refresh) {
     QSet<QUuid> wanted;
     for (qsizetype i = first; i < last; ++i)
         wanted.insert(m_data.presets[i].id);
+    QList<PresetTile*> unwanted;
     m_tiles.removeIf([&](const auto& entry) {
         if (wanted.contains(entry.key()))
             return false;
-        entry.value()->hide();
-        entry.value()->deleteLater();
+        unwanted.append(entry.value());
         return true;
     });
     for (qsizetype i = first; i < last; ++i)
         place(i, refresh);
     updateTabOrder(first, last);
+    // Last, since hiding a tile passes its focus on, and the tile that gets it is scrolled into sight: that
+    // comes back here.
+    for (PresetTile* tile : unwanted) {
+        tile->hide();
+        tile->deleteLater();
+    }
 }
 
 void PresetGrid::place(qsizetype index, Refresh refresh) {

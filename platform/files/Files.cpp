@@ -86,6 +86,12 @@ QSet<QString> regularFileNames(const QString& folder) {
     return names;
 }
 
+bool isGone(const QString& path) {
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) != 0 &&
+           (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
+}
+
 QByteArray read(const QString& path) {
     const auto [file, size] = openForReading(path);
     try {

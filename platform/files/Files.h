@@ -20,6 +20,10 @@ bool exists(const QString& path);
 /// are left out, and on some file systems all names; a folder that cannot be listed has none.
 QSet<QString> regularFileNames(const QString& folder);
 
+/// True where there is surely no such file; false where there is one, and where that cannot be told, since a
+/// folder or the volume cannot be reached.
+bool isGone(const QString& path);
+
 struct OpenedFile {
     FileDescriptor file;
     qint64 size = 0;  ///< in bytes

@@ -6,7 +6,9 @@
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 #include <QDir>
 #include <QMimeData>
@@ -119,6 +121,27 @@ TEST_F(ContentViewTest, DropsThatAreNoPdfFilesAreAnswered) {
     drop({workspace.url(QStringLiteral("fehlt.pdf"))});
     EXPECT_EQ(status(), QStringLiteral("PDF konnte nicht geladen werden."));
     EXPECT_EQ(content.pdfSourceURL.value(), workspace.url(QStringLiteral("a.pdf")));
+}
+
+TEST_F(ContentViewTest, DropsOfThingsThatAreNoFilesNeitherWaitNorHurt) {
+    content.loadPDF(writePdf("a.pdf"));
+    const auto path = [&](const char* name) { return workspace.path(QString::fromUtf8(name)); };
+    QDir().mkdir(path("Ordner.pdf"));
+    ASSERT_EQ(::mkfifo(qPrintable(path("Leitung.pdf")), 0600), 0);
+    ASSERT_EQ(::symlink("/dev/zero", qPrintable(path("endlos.pdf"))), 0);
+    ASSERT_EQ(::symlink("weg.pdf", qPrintable(path("verwaist.pdf"))), 0);
+    for (const char* name : {"Ordner.pdf", "Leitung.pdf", "endlos.pdf", "verwaist.pdf"}) {
+        content.statusText = QString();
+        drop({workspace.url(QString::fromUtf8(name)), workspace.url(QStringLiteral("a.pdf"))});
+        EXPECT_EQ(status(), QStringLiteral("PDF konnte nicht geladen werden.")) << name;
+    }
+    QMimeData remote;
+    remote.setUrls(
+        {QUrl(QStringLiteral("https://example.org/a.pdf")), QUrl(QStringLiteral("ftp://example.org/b.pdf"))});
+    EXPECT_FALSE(content.handlePDFDrop(itemProviders(remote)));
+    EXPECT_EQ(status(), QStringLiteral("Bitte eine PDF-Datei ablegen."));
+    EXPECT_EQ(content.pdfSourceURL.value(), workspace.url(QStringLiteral("a.pdf")));
+    EXPECT_EQ(content.pdfDocument.value()->pageCount(), 3);
 }
 
 TEST_F(ContentViewTest, ADropMayBeDeliveredOnAnyThreadAndMayFail) {

@@ -25,10 +25,15 @@ struct Trouble {
     bool stays;
 };
 
-/// Every combination in the long tests; a full disk, a disk that fails once and a lost permission otherwise.
+/// Every combination in the long tests; otherwise a full disk and quota, a disk that fails once, a lost
+/// permission and a volume that becomes read-only.
 QList<Trouble> troubles() {
     using namespace faults;
-    QList<Trouble> all{{removeCall, EACCES, false}, {anyCall, EIO, true}, {anyButRemove, EACCES, false}};
+    QList<Trouble> all{{removeCall, EACCES, false},
+                       {anyCall, EIO, true},
+                       {anyButRemove, EACCES, false},
+                       {writeCall, EDQUOT, true},
+                       {openCall, EROFS, true}};
     const unsigned kinds[] = {openCall, writeCall, syncCall, closeCall, renameCall, anyButRemove};
     for (const unsigned kind : kinds) {
         all.append({kind, ENOSPC, true});

@@ -1,11 +1,14 @@
 // The real window on a user's files, which is killed at a chosen file call of a save or an import:
 //
 //   stamp_job save|import HOME NTH AFTER
+//   stamp_job library HOME ROUNDS 0
 //
 // Opens HOME/Akten/Vertrag.pdf, puts a stamp on its page, and then saves over it or imports HOME/Kanzlei.png.
-// NTH and AFTER say where it dies (see Plan); with 0 it lives and prints how many calls there were.
+// NTH and AFTER say where it dies (see Plan); with 0 it lives and prints how many calls there were. `library`
+// starts with the library of HOME and imports, uses and removes a stamp, over and over.
 
 #include "app/ContentWindow.h"
+#include "platform/error/Error.h"
 #include "platform/pdf/render/ProcessRenderer.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/support/EventLoop.h"
@@ -18,6 +21,26 @@
 
 using namespace vellmora;
 using namespace vellmora::test;
+
+namespace {
+
+int workOnTheLibrary(const StampLibrary::Environment& environment, const QString& picture, int rounds) {
+    for (int round = 0; round < rounds; ++round) {
+        try {
+            StampLibrary library(environment);
+            const StampPreset preset = library.importPreset(QUrl::fromLocalFile(picture));
+            library.recordUse(preset.id);
+            if (round % 2)
+                library.removePreset(preset.id);
+        } catch (const Error& error) {
+            std::fprintf(stderr, "%s\n", error.what());
+            return 1;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     const QApplication app(argc, argv);
@@ -32,8 +55,10 @@ int main(int argc, char** argv) {
     const SystemFonts fonts = SystemFonts::load();
     const Folders folders{home + QStringLiteral("/data"), home + QStringLiteral("/tmp"),
                           home + QStringLiteral("/settings.json")};
-    auto library =
-        std::make_unique<StampLibrary>(StampLibrary::Environment{folders, systemClock(), panels, fonts});
+    const StampLibrary::Environment environment{folders, systemClock(), panels, fonts};
+    if (arguments[1] == QStringLiteral("library"))
+        return workOnTheLibrary(environment, home + QStringLiteral("/Kanzlei.png"), arguments[3].toInt());
+    auto library = std::make_unique<StampLibrary>(environment);
     ContentWindow shown(std::make_unique<ContentView>(std::move(library), panels), renderer, Theme(fonts));
     shown.window().show();
     shown.window().activateWindow();

@@ -130,6 +130,20 @@ TEST(ThumbnailsTest, APictureThatIsBeingLoadedIsNotLoadedAgain) {
     EXPECT_EQ(loads, 1);
 }
 
+/// The focus goes on from tile to tile as they go away, and scrolls each into sight.
+TEST_F(PresetViewsTest, TilesMayGoAwayWhileOneOfThemHasTheFocus) {
+    showLibrary(60, 0);
+    for (const int count : {60, 40, 3, 60, 0}) {
+        window.sidebar().verticalScrollBar()->setValue(count * 20);
+        settle();
+        tiles().last()->deleteButton().setFocus(Qt::TabFocusReason);
+        showLibrary(count, 0);
+        const QList<PresetTile*> shown = tiles();
+        EXPECT_EQ(shown.isEmpty(), count == 0);
+        EXPECT_LT(shown.size(), 30);
+    }
+}
+
 /// Selecting a built-in stamp makes the box above grow; the tile that was clicked stays under the mouse.
 TEST_F(PresetViewsTest, WhatIsUnderTheMouseStaysThereWhenABoxAboveGrows) {
     showLibrary(20, 0);

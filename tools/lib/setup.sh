@@ -16,6 +16,7 @@ wayland_packages=(qt6-wayland)
 # What checks the desktop entry and the metainfo.
 check_packages=(desktop-file-utils appstream)
 package_packages=(dpkg-dev file)
+fuzz_packages=(clang libclang-rt-dev)
 
 say() {
     printf '== %s\n' "$*"

@@ -15,7 +15,7 @@ uchar paeth(uchar left, uchar above, uchar aboveLeft) {
     const auto toAbove = static_cast<short>(std::abs(short(left - aboveLeft)));
     const auto toAboveLeft = static_cast<short>(std::abs(short(left + above - 2 * aboveLeft)));
     const uchar nearer = toAbove <= toAboveLeft ? above : aboveLeft;
-    return (toLeft <= toAbove) & (toLeft <= toAboveLeft) ? left : nearer;
+    return ((toLeft <= toAbove) & (toLeft <= toAboveLeft)) ? left : nearer;
 }
 
 /// Sum of the bytes taken as signed numbers without their sign.
