@@ -1,12 +1,12 @@
 #include "platform/pdf/PDFContextWriter.h"
 
-#include "platform/pdf/ContentText.h"
-#include "platform/pdf/OutputStreams.h"
 #include "platform/pdf/PDFValues.h"
-#include "platform/pdf/PageForm.h"
-#include "platform/pdf/PictureObject.h"
 #include "platform/pdf/annotations/Annotations.h"
+#include "platform/pdf/drawing/ContentText.h"
+#include "platform/pdf/drawing/PageForm.h"
+#include "platform/pdf/picture/PictureObject.h"
 #include "platform/pdf/writing/FileWriter.h"
+#include "platform/pdf/writing/OutputStreams.h"
 
 #include <exception>
 #include <utility>

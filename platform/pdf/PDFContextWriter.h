@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/pdf/ObjectCopier.h"
 #include "platform/pdf/PDFContext.h"
-#include "platform/pdf/PDFSource.h"
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/reading/PDFSource.h"
+#include "platform/pdf/writing/ObjectCopier.h"
 
 #include <map>
 #include <memory>

@@ -2,7 +2,7 @@
 
 #include "platform/error/Error.h"
 #include "platform/files/FileContent.h"
-#include "platform/pdf/PDFSource.h"
+#include "platform/pdf/reading/PDFSource.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "platform/pdf/PDFValues.h"
 
-#include "platform/pdf/ContentText.h"
+#include "platform/pdf/drawing/ContentText.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "platform/error/Error.h"
-#include "platform/pdf/ContentText.h"
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/PageDrawing.h"
+#include "platform/pdf/drawing/ContentText.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"

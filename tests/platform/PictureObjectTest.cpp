@@ -1,4 +1,4 @@
-#include "platform/pdf/PictureObject.h"
+#include "platform/pdf/picture/PictureObject.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 

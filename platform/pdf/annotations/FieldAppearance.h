@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/pdf/ObjectCopier.h"
-#include "platform/pdf/PDFSource.h"
 #include "platform/pdf/annotations/Annotation.h"
+#include "platform/pdf/reading/PDFSource.h"
+#include "platform/pdf/writing/ObjectCopier.h"
 
 #include <optional>
 

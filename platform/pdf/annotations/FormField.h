@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/pdf/PDFSource.h"
 #include "platform/pdf/annotations/Annotation.h"
+#include "platform/pdf/reading/PDFSource.h"
 
 #include <string>
 

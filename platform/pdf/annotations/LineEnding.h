@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pdf/FormDrawing.h"
+#include "platform/pdf/drawing/FormDrawing.h"
 
 namespace vellmora {
 

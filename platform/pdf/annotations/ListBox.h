@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/pdf/FormDrawing.h"
 #include "platform/pdf/annotations/FormField.h"
 #include "platform/pdf/annotations/TextFont.h"
 #include "platform/pdf/annotations/TextStyle.h"
+#include "platform/pdf/drawing/FormDrawing.h"
 
 namespace vellmora {
 

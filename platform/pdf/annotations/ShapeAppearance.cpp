@@ -1,7 +1,7 @@
 #include "platform/pdf/annotations/ShapeAppearance.h"
 
-#include "platform/pdf/FormDrawing.h"
 #include "platform/pdf/annotations/LineEnding.h"
+#include "platform/pdf/drawing/FormDrawing.h"
 
 #include <algorithm>
 

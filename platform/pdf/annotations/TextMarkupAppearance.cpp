@@ -1,6 +1,6 @@
 #include "platform/pdf/annotations/TextMarkupAppearance.h"
 
-#include "platform/pdf/FormDrawing.h"
+#include "platform/pdf/drawing/FormDrawing.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "platform/pdf/picture/PngSamples.h"
 
-#include "platform/pdf/DeflateStream.h"
+#include "platform/pdf/writing/DeflateStream.h"
 
 #include <QtEndian>
 

@@ -1,7 +1,7 @@
 #include "platform/pdf/picture/SampleCompression.h"
 
-#include "platform/pdf/DeflateStream.h"
 #include "platform/pdf/picture/RowFilter.h"
+#include "platform/pdf/writing/DeflateStream.h"
 
 #include <algorithm>
 #include <future>

@@ -1,7 +1,7 @@
 #include "platform/pdf/writing/FileWriter.h"
 
-#include "platform/pdf/CrossReferences.h"
-#include "platform/pdf/DeflateStream.h"
+#include "platform/pdf/writing/CrossReferences.h"
+#include "platform/pdf/writing/DeflateStream.h"
 
 #include <optional>
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pdf/ObjectScan.h"
+#include "platform/pdf/ObjectPlaces.h"
 #include "platform/pdf/PDFDataConsumer.h"
 #include "platform/pdf/writing/ObjectNumbers.h"
 #include "platform/pdf/writing/ObjectText.h"

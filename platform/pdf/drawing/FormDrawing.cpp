@@ -1,7 +1,7 @@
-#include "platform/pdf/FormDrawing.h"
+#include "platform/pdf/drawing/FormDrawing.h"
 
-#include "platform/pdf/ContentText.h"
 #include "platform/pdf/PDFValues.h"
+#include "platform/pdf/drawing/ContentText.h"
 
 namespace vellmora {
 

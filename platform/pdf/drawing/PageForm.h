@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/pdf/ObjectCopier.h"
-#include "platform/pdf/PDFSource.h"
+#include "platform/pdf/reading/PDFSource.h"
+#include "platform/pdf/writing/ObjectCopier.h"
 
 namespace vellmora {
 

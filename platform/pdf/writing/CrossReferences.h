@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pdf/ObjectScan.h"
+#include "platform/pdf/ObjectPlaces.h"
 
 #include <string>
 

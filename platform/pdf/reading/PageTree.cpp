@@ -1,4 +1,4 @@
-#include "platform/pdf/PageTree.h"
+#include "platform/pdf/reading/PageTree.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "platform/pdf/PageForm.h"
+#include "platform/pdf/drawing/PageForm.h"
 
 #include "platform/pdf/PDFValues.h"
-#include "platform/pdf/PageResources.h"
+#include "platform/pdf/drawing/PageResources.h"
 
 #include <utility>
 #include <vector>

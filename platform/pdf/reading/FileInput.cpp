@@ -1,4 +1,4 @@
-#include "platform/pdf/FileInput.h"
+#include "platform/pdf/reading/FileInput.h"
 
 #include <algorithm>
 #include <cstdio>

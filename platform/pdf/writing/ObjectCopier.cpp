@@ -1,6 +1,6 @@
-#include "platform/pdf/ObjectCopier.h"
+#include "platform/pdf/writing/ObjectCopier.h"
 
-#include "platform/pdf/RawStream.h"
+#include "platform/pdf/writing/RawStream.h"
 
 #include <algorithm>
 #include <memory>

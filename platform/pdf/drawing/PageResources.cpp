@@ -1,4 +1,4 @@
-#include "platform/pdf/PageResources.h"
+#include "platform/pdf/drawing/PageResources.h"
 
 #include <cctype>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "platform/pdf/OutputStreams.h"
+#include "platform/pdf/writing/OutputStreams.h"
 
 #include <set>
 #include <string>

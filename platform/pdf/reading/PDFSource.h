@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/files/FileContent.h"
-#include "platform/pdf/OpenFile.h"
 #include "platform/pdf/PageOrientation.h"
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/reading/OpenFile.h"
 
 #include <memory>
 #include <mutex>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pdf/PDFSource.h"
+#include "platform/pdf/reading/PDFSource.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
-#include "platform/pdf/OpenFile.h"
+#include "platform/pdf/reading/OpenFile.h"
 
-#include "platform/pdf/FileInput.h"
+#include "platform/pdf/reading/FileInput.h"
 
 #include <memory>
 

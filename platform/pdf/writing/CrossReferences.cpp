@@ -1,6 +1,6 @@
-#include "platform/pdf/CrossReferences.h"
+#include "platform/pdf/writing/CrossReferences.h"
 
-#include "platform/pdf/DeflateStream.h"
+#include "platform/pdf/writing/DeflateStream.h"
 
 namespace vellmora {
 

@@ -1,8 +1,8 @@
-#include "platform/pdf/PDFSource.h"
+#include "platform/pdf/reading/PDFSource.h"
 
-#include "platform/pdf/FileRepair.h"
-#include "platform/pdf/OpenFile.h"
-#include "platform/pdf/PageTree.h"
+#include "platform/pdf/reading/FileRepair.h"
+#include "platform/pdf/reading/OpenFile.h"
+#include "platform/pdf/reading/PageTree.h"
 
 #include <algorithm>
 #include <exception>

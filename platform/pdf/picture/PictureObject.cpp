@@ -1,4 +1,4 @@
-#include "platform/pdf/PictureObject.h"
+#include "platform/pdf/picture/PictureObject.h"
 
 #include "platform/pdf/picture/PictureEncoding.h"
 

@@ -1,8 +1,8 @@
-#include "platform/pdf/FileRepair.h"
+#include "platform/pdf/reading/FileRepair.h"
 
-#include "platform/pdf/CrossReferences.h"
-#include "platform/pdf/ObjectScan.h"
-#include "platform/pdf/OpenFile.h"
+#include "platform/pdf/reading/ObjectScan.h"
+#include "platform/pdf/reading/OpenFile.h"
+#include "platform/pdf/writing/CrossReferences.h"
 
 #include <exception>
 #include <memory>

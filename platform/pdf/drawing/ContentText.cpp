@@ -1,4 +1,4 @@
-#include "platform/pdf/ContentText.h"
+#include "platform/pdf/drawing/ContentText.h"
 
 #include <QByteArray>
 

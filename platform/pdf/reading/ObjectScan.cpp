@@ -1,4 +1,4 @@
-#include "platform/pdf/ObjectScan.h"
+#include "platform/pdf/reading/ObjectScan.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "platform/pdf/DeflateStream.h"
+#include "platform/pdf/writing/DeflateStream.h"
 
 #include <algorithm>
 #include <array>

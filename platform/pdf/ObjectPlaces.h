@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+
+namespace vellmora {
+
+/// Where an object of a file is to be found.
+struct ObjectPlace {
+    size_t position = 0;  ///< in the file; a member of an object stream has that of the stream
+    int container = 0;    ///< number of the object stream; 0 for an object of its own
+    int detail = 0;       ///< the generation, or the index in the object stream
+};
+
+/// By object number.
+using ObjectPlaces = std::map<int, ObjectPlace>;
+
+}  // namespace vellmora
