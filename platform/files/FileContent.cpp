@@ -98,13 +98,14 @@ private:
 };
 
 std::shared_ptr<const FileContent> FileContent::open(const QString& path) {
-    auto [file, size] = files::openForReading(path);
-    if (size < largeSize)
+    files::OpenedFile opened = files::openForReading(path);
+    if (opened.size < largeSize)
         return std::make_shared<const FileContent>(files::read(path));
     try {
-        QByteArray bytes(size, Qt::Uninitialized);
+        QByteArray bytes(opened.size, Qt::Uninitialized);
         char* memory = bytes.data();
-        auto reading = std::make_unique<Reading>(std::move(file), path, memory, static_cast<size_t>(size));
+        const auto size = static_cast<size_t>(opened.size);
+        auto reading = std::make_unique<Reading>(std::move(opened.file), path, memory, size);
         return std::shared_ptr<const FileContent>(new FileContent(std::move(bytes), std::move(reading)));
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);

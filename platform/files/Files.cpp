@@ -93,10 +93,10 @@ bool isGone(const QString& path) {
 }
 
 QByteArray read(const QString& path) {
-    const auto [file, size] = openForReading(path);
+    const OpenedFile opened = openForReading(path);
     try {
-        QByteArray bytes(size, Qt::Uninitialized);
-        bytes.truncate(readFully(file, bytes.data(), size, path));
+        QByteArray bytes(opened.size, Qt::Uninitialized);
+        bytes.truncate(readFully(opened.file, bytes.data(), opened.size, path));
         return bytes;
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);
@@ -115,10 +115,10 @@ void writeAtomically(const QString& path, const QByteArray& bytes, Durability du
 }
 
 void copy(const QString& from, const QString& to) {
-    const FileDescriptor source = openForReading(from).file;
+    const OpenedFile source = openForReading(from);
     AtomicFile destination(to);
     QByteArray buffer(1 << 20, Qt::Uninitialized);
-    while (const qint64 n = readFully(source, buffer.data(), buffer.size(), from))
+    while (const qint64 n = readFully(source.file, buffer.data(), buffer.size(), from))
         destination.write(buffer.constData(), n);
     destination.commit();
 }

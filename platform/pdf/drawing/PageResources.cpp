@@ -1,11 +1,11 @@
 #include "platform/pdf/drawing/PageResources.h"
 
+#include <array>
 #include <cctype>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include <qpdf/Pl_String.hh>
 
@@ -16,7 +16,7 @@ namespace {
 /// A page with no more pictures, forms and fonts than this is not worth the reading of its content.
 constexpr size_t usualCount = 12;
 
-constexpr const char* trimmedCategories[] = {"/XObject", "/Font"};
+constexpr std::array trimmedCategories{"/XObject", "/Font"};
 
 using Names = std::set<std::string>;
 
@@ -67,7 +67,7 @@ std::optional<Names> namesInContent(const SourcePage& page) {
 
 /// Whether what the entry stands for draws with the resources of the page.
 bool drawsWithPageResources(QPDFObjectHandle entry) {
-    QPDFObjectHandle dictionary = entry.isStream() ? entry.getDict() : std::move(entry);
+    QPDFObjectHandle dictionary = entry.isStream() ? entry.getDict() : entry;
     if (!dictionary.isDictionary())
         return false;
     QPDFObjectHandle subtype = dictionary.getKey("/Subtype");

@@ -83,7 +83,7 @@ private:
 
 void replaceProfiles(QPDF& output, const std::set<QPDFObjGen>& profiles) {
     const ProfileReplacement replacement(profiles);
-    for (QPDFObjectHandle object : output.getAllObjects()) {
+    for (const QPDFObjectHandle& object : output.getAllObjects()) {
         if (replacement.isMeant(object))
             output.replaceObject(object.getObjGen(), ProfileReplacement::replacement());
         else

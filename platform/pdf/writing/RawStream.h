@@ -2,15 +2,13 @@
 
 #include "platform/pdf/Qpdf.h"
 
-#include <utility>
-
 namespace vellmora {
 
 /// Delivers the bytes of a stream of a source file as they stand there, compressed, only decrypted where need
 /// be.
 class RawStream : public QPDFObjectHandle::StreamDataProvider {
 public:
-    explicit RawStream(QPDFObjectHandle stream) : m_stream(std::move(stream)) {}
+    explicit RawStream(const QPDFObjectHandle& stream) : m_stream(stream) {}
     void provideStreamData(const QPDFObjGen&, Pipeline* pipeline) override {
         m_stream.pipeStreamData(pipeline, nullptr, 0, qpdf_dl_none, true);
     }
