@@ -10,7 +10,6 @@
 #include "tests/support/TestWorkspace.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <csignal>
 
@@ -176,7 +175,7 @@ protected:
         }
     }
     void pressAKey() {
-        static constexpr std::array keys{Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home,   Qt::Key_End,
+        static const QList<Qt::Key> keys{Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home,   Qt::Key_End,
                                          Qt::Key_Tab,      Qt::Key_Space,  Qt::Key_Return, Qt::Key_Escape,
                                          Qt::Key_Delete,   Qt::Key_Left,   Qt::Key_Down,   Qt::Key_Plus,
                                          Qt::Key_Minus,    Qt::Key_0};
