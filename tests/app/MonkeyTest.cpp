@@ -148,7 +148,7 @@ protected:
         inserts += content().totalStampCount() > before;
     }
     void clickAnItem() {
-        PresetItem* item = anyVisible<PresetItem>();
+        auto* item = anyVisible<PresetItem>();
         if (!item)
             return;
         const QPoint point = anyPoint(*item, random).toPoint();
@@ -175,10 +175,10 @@ protected:
         }
     }
     void pressAKey() {
-        static constexpr Qt::Key keys[] = {Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home,   Qt::Key_End,
-                                           Qt::Key_Tab,      Qt::Key_Space,  Qt::Key_Return, Qt::Key_Escape,
-                                           Qt::Key_Delete,   Qt::Key_Left,   Qt::Key_Down,   Qt::Key_Plus,
-                                           Qt::Key_Minus,    Qt::Key_0};
+        static const QList<Qt::Key> keys{Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home,   Qt::Key_End,
+                                         Qt::Key_Tab,      Qt::Key_Space,  Qt::Key_Return, Qt::Key_Escape,
+                                         Qt::Key_Delete,   Qt::Key_Left,   Qt::Key_Down,   Qt::Key_Plus,
+                                         Qt::Key_Minus,    Qt::Key_0};
         QWidget* target = shown->window().focusWidget();
         QTest::keyClick(target ? target : &shown->window(), anyOf(keys),
                         below(3) ? Qt::NoModifier : Qt::ControlModifier);

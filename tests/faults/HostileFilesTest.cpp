@@ -13,6 +13,7 @@
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
+#include <array>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -114,8 +115,8 @@ public:
                   0);
     }
     bool hasSeenAnything() const {
-        char events[4096];
-        return ::read(m_fd.get(), events, sizeof events) > 0;
+        std::array<char, 4096> events;
+        return ::read(m_fd.get(), events.data(), events.size()) > 0;
     }
 
 private:

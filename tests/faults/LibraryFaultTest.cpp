@@ -28,7 +28,7 @@ protected:
     LibraryFaultTest() {
         writeFile(workspace.path(QStringLiteral("Kanzlei.png")), plainPng(40, 20, Qt::red));
     }
-    ~LibraryFaultTest() override {
+    void TearDown() override {
         for (const QString& path : {workspace.storeFolder(), workspace.stampsFolder()})
             setMode(path, 0755);
     }

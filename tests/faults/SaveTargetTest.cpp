@@ -8,6 +8,7 @@
 #include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include <QDir>
 
@@ -27,7 +28,7 @@ protected:
         QDir().mkpath(folder());
         open(QStringLiteral("Vertrag.pdf"));
     }
-    ~SaveTargetTest() override { ::chmod(qPrintable(folder()), 0755); }
+    void TearDown() override { ::chmod(qPrintable(folder()), 0755); }
 
     QString folder() const { return workspace.path(QStringLiteral("Akten")); }
     QString path(const QString& name) const { return folder() + QLatin1Char('/') + name; }
@@ -157,7 +158,7 @@ TEST_F(SaveTargetTest, WritesFilesOfAnyName) {
 
 TEST_F(SaveTargetTest, DoesNotNeedTheSourceAnyMore) {
     const QString original = path(QStringLiteral("Vertrag.pdf"));
-    const std::function<void()> whatOthersDo[] = {
+    const std::vector<std::function<void()>> whatOthersDo{
         [&] { QFile::remove(original); },
         [&] { QFile::resize(original, 50); },
         [&] { writeFile(original, "overwritten"); },

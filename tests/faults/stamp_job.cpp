@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 5)
         return 1;
-    const QString home = arguments[2];
+    const QString& home = arguments[2];
     const bool isSave = arguments[1] == QStringLiteral("save");
 
     ScriptedPanels panels;
