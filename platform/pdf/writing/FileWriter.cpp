@@ -25,6 +25,9 @@ constexpr size_t objectsInStream = 100;
 using Handle = QPDFObjectHandle;
 using Entries = std::map<std::string, Handle>;
 
+/// What a source has uncompressed for all its size would take seconds.
+constexpr size_t largestToCompress = 16 << 20;
+
 /// What was not compressed so far is, except pictures: trying costs seconds and gains little.
 bool isToBeCompressed(Handle stream) {
     return stream.getDict().getKey("/Filter").isNull() && !stream.isStreamOfType("", "/Image");
@@ -63,16 +66,16 @@ void FileWriter::write(const QPDFObjectHandle& catalog) {
 
 void FileWriter::writeStream(int number, Handle stream) {
     Entries entries = stream.getDict().getDictAsMap();
-    if (const auto stored = m_streams.find(stream)) {
-        if (!isToBeCompressed(stream)) {
-            writeStreamObject(number, std::move(entries), stored->bytes());
-            return;
-        }
+    const auto stored = m_streams.find(stream);
+    const bool isCompressed = isToBeCompressed(stream) && (!stored || stored->length <= largestToCompress);
+    if (stored && !isCompressed) {
+        writeStreamObject(number, std::move(entries), stored->bytes());
+        return;
     }
     std::string data;
     Pl_String receiver("stream", nullptr, data);
     stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_none, true);
-    if (isToBeCompressed(stream)) {
+    if (isCompressed) {
         data = deflated(data);
         entries["/Filter"] = Handle::newName("/FlateDecode");
         entries.erase("/DecodeParms");
