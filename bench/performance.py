@@ -85,20 +85,27 @@ def versions():
     return found.replace(":amd64", "").split("\n")[:-1]
 
 
+def remarks():
+    """What was written by hand below the table."""
+    _, heading, text = (REPORT.read_text() if REPORT.exists() else "").partition("\n## ")
+    return heading + text
+
+
 def write_report(rows, rounds):
     REPORT.write_text(f"""# How quick Vellmora is
 
 Measured by `./benchmark --write`, each row at least {rounds} times in turn with what it is compared to, in one run on one
 machine. "Ours" is the median (for steps of a drag the 99th percentile), "Spread" the least and the greatest sample.
 The window is driven with real events on a virtual display, and watched from outside: a time ends with the last change
-on the screen. Saving is timed as a whole process, ours without the final sync to the disk, which no other program does.
+on the screen. Saving is timed from the start of a process that opens, stamps and writes (others until its end, ours until
+the file has its name, without the final sync to the disk, which no other program does).
 
 {markdown_table(rows)}
 
 Machine: {machine()}.
 
 Versions: {", ".join(versions())}.
-""")
+{remarks()}""")
 
 
 def main():

@@ -127,6 +127,7 @@ int run(const Arguments& arguments) {
             "\n",
             openTime, exportTime, syncTime, static_cast<long long>(document->pageCount()),
             peakResidentKilobytes());
+        std::fflush(stdout);  // whoever waits for the file need not wait for the end of the process
     }
     return 0;
 }

