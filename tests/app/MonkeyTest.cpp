@@ -1,6 +1,7 @@
 #include "app/ContentWindow.h"
 #include "library/StampPresetJson.h"
 #include "platform/pdf/render/ProcessRenderer.h"
+#include "tests/app/Invariants.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
@@ -10,7 +11,6 @@
 #include "tests/support/TestWorkspace.h"
 
 #include <algorithm>
-#include <cmath>
 #include <csignal>
 
 #include <QDir>
@@ -18,8 +18,6 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRandomGenerator>
-#include <QRegularExpression>
-#include <QSet>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -256,69 +254,6 @@ protected:
         }
     }
 
-    void checkStamps() {
-        QSet<QUuid> ids;
-        qsizetype count = 0;
-        for (auto page = content().stampsByPage.value().cbegin();
-             page != content().stampsByPage.value().cend(); ++page) {
-            for (const StampItem& stamp : page.value()) {
-                EXPECT_EQ(stamp.pageIndex, page.key());
-                EXPECT_TRUE(std::isfinite(stamp.rect.x) && std::isfinite(stamp.rect.y));
-                EXPECT_GT(stamp.rect.width, 0);
-                EXPECT_GT(stamp.rect.height, 0);
-                // Frames are rounded to whole points of the view, which distorts small ones.
-                const double stretch = stamp.rect.width / stamp.rect.height / stamp.aspectRatio;
-                const bool isSmall = std::min(stamp.rect.width, stamp.rect.height) < 20;
-                EXPECT_TRUE(isSmall || (stretch > 0.5 && stretch < 2)) << stretch;
-                EXPECT_FALSE(stamp.imageData.isEmpty());
-                ids.insert(stamp.id);
-                ++count;
-            }
-        }
-        EXPECT_EQ(ids.size(), count);
-        EXPECT_EQ(content().totalStampCount(), count);
-    }
-    void checkPage() {
-        const auto document = content().pdfDocument.value();
-        EXPECT_EQ(bool(document), content().pdfSourceURL.value().has_value());
-        if (!document)
-            return;
-        const qsizetype page = content().currentPageIndex;
-        EXPECT_TRUE(page >= 0 && page < std::max<qsizetype>(document->pageCount(), 1)) << page;
-        ASSERT_TRUE(shown->editor());
-        EXPECT_EQ(shown->editor()->currentPageIndex(), page);
-        for (const StampItem& stamp : content().stampsByPage.value().value(page)) {
-            const InteractiveStampView* view = shown->editor()->stampView(stamp.id);
-            ASSERT_TRUE(view);
-            EXPECT_EQ(view->stamp().rect, stamp.rect);
-            EXPECT_EQ(view->isSelectedStamp(), content().selectedStampID.value() == stamp.id);
-        }
-    }
-    void checkLibrary() {
-        const StampLibrary& library = content().stampLibrary();
-        QSet<QUuid> ids;
-        for (const StampPreset& preset : library.presets())
-            ids.insert(preset.id);
-        EXPECT_EQ(ids.size(), library.presets().size());
-        EXPECT_LE(library.recentPresets().size(), 8);
-        EXPECT_EQ(library.selectedPreset().has_value(), !library.presets().isEmpty());
-    }
-    void checkMessage() {
-        static const QRegularExpression known(QStringLiteral(
-            "^(PDF laden, Stempelbibliothek füllen und loslegen\\.|PDF geladen: .+|PDF konnte nicht geladen "
-            "werden\\.|"
-            "Bitte eine PDF-Datei ablegen\\.|Nur PDF-Dateien werden unterstützt\\.|Stempel importiert: .+|"
-            "Stempel konnte nicht importiert werden: .+|Stempel auf Seite \\d+ eingefügt: .+|Kein aktiver "
-            "Stempel gewählt\\.|"
-            "Stempel konnte nicht vorbereitet werden\\.|Ausgewählter Stempel gelöscht\\.|Stempel aus "
-            "Bibliothek entfernt\\.|"
-            "Stempel konnte nicht entfernt werden: .+|Original überschrieben: .+|Fehler beim Überschreiben: "
-            ".+|"
-            "PDF gespeichert: .+|Fehler beim Speichern unter: .+|Speichern unter abgebrochen\\.)$"));
-        EXPECT_TRUE(known.match(content().statusText.value()).hasMatch())
-            << content().statusText.value().toStdString();
-    }
-
     quint32 seed = 0;
     int saves = 0;
     int inserts = 0;
@@ -338,10 +273,7 @@ TEST_F(MonkeyTest, NothingThatAUserDoesBreaksTheWorkspace) {
         SCOPED_TRACE("step " + std::to_string(i) + " of seed " + std::to_string(seed));
         step();
         settle();
-        checkStamps();
-        checkPage();
-        checkLibrary();
-        checkMessage();
+        checkInvariants(*shown);
         if (i % restartInterval == restartInterval - 1)
             start();
     }
