@@ -53,6 +53,16 @@ TEST(PDFContextTest, JoinsSeveralContentStreamsWithoutGluingTheirTokens) {
     EXPECT_EQ(text(output.drawn("/P").getStreamData()), "q\n1 0 0 rg\nQ\n");
 }
 
+TEST(PDFContextTest, CarriesValuesOfEveryKind) {
+    const std::string values =
+        "[ / 5 /A#20B#2f (a\\)b\\\\) <00ff> -1.50 .5 true null << / << /B [ ] >> /C#23 / >> () [ / / ] ]";
+    PdfBuilder source;
+    source.page("/Group << /S /Transparency /Values " + values + " >>");
+    Output output(drawFirstPage(source));
+    EXPECT_EQ(output.page().getKey("/Group").getKey("/Values").unparse(),
+              QPDFObjectHandle::parse(values).unparse());
+}
+
 TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
     PdfBuilder source;
     source

@@ -6,8 +6,13 @@ namespace vellmora {
 
 namespace {
 
-bool isDelimiter(char c) {
-    return std::string_view("\n ()<>[]/").find(c) != std::string_view::npos;
+/// A name may be empty: what follows its slash directly would be taken for it.
+bool endsWord(char last) {
+    return std::string_view("\n )>[]<").find(last) != std::string_view::npos;
+}
+
+bool startsWord(char first) {
+    return std::string_view("(<>[]/").find(first) != std::string_view::npos;
 }
 
 /// A character that stands for itself in a name.
@@ -19,7 +24,7 @@ bool isPlain(char c) {
 }  // namespace
 
 void ObjectText::add(std::string_view word) {
-    if (!m_text.empty() && !isDelimiter(m_text.back()) && !isDelimiter(word.front()))
+    if (!m_text.empty() && !endsWord(m_text.back()) && !startsWord(word.front()))
         m_text += ' ';
     m_text += word;
 }
