@@ -1,6 +1,5 @@
 #include "platform/pdf/PDFContextWriter.h"
 
-#include "platform/pdf/PDFValues.h"
 #include "platform/pdf/annotations/Annotations.h"
 #include "platform/pdf/drawing/ContentText.h"
 #include "platform/pdf/drawing/PageForm.h"
@@ -84,7 +83,7 @@ void PDFContext::Writer::carryDocumentAttributes(const PDFSource& source) {
 }
 
 void PDFContext::Writer::drawContent(const SourcePage& page) {
-    paint("/P", makePageForm(m_output, m_copier, page), {});
+    paint("/P", makePageForm(m_copier, m_boxes, page), {});
 }
 
 void PDFContext::Writer::drawAnnotations(const PDFSource& source, const SourcePage& page) {
@@ -138,7 +137,7 @@ void PDFContext::Writer::endPage() {
     resources.replaceKey("/XObject", m_page.objects);
     if (!m_page.layers.getKeys().empty())
         resources.replaceKey("/Properties", m_page.layers);
-    m_page.dictionary.replaceKey("/MediaBox", arrayOf(m_page.mediaBox));
+    m_page.dictionary.replaceKey("/MediaBox", m_boxes.of(m_page.mediaBox));
     m_page.dictionary.replaceKey("/Resources", resources);
     m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
     m_kids.appendItem(m_output.makeIndirectObject(m_page.dictionary));

@@ -2,6 +2,7 @@
 
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/drawing/BoxArrays.h"
 #include "platform/pdf/reading/PDFSource.h"
 #include "platform/pdf/writing/ObjectCopier.h"
 
@@ -51,6 +52,7 @@ private:
     PDFDataConsumer& m_consumer;
     QPDF m_output;
     ObjectCopier m_copier;
+    BoxArrays m_boxes;
     QPDFObjectHandle m_pages;
     QPDFObjectHandle m_kids = QPDFObjectHandle::newArray();
     std::vector<QPDFObjectHandle> m_pictures;

@@ -1,6 +1,5 @@
 #include "platform/pdf/drawing/PageForm.h"
 
-#include "platform/pdf/PDFValues.h"
 #include "platform/pdf/drawing/PageResources.h"
 
 #include <utility>
@@ -46,15 +45,15 @@ void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPD
 
 }  // namespace
 
-QPDFObjectHandle makePageForm(QPDF& output, ObjectCopier& copier, const SourcePage& page) {
+QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, const SourcePage& page) {
     const Rect box = page.orientation.mediaBox().insetBy(-edgeAllowance);
-    QPDFObjectHandle form = output.newStream();
+    QPDFObjectHandle form = copier.output().newStream();
     QPDFObjectHandle resources = resourcesInUse(page);
     provideContent(form, copier, contentStreamsOf(page));
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-    dictionary.replaceKey("/BBox", arrayOf(box));
+    dictionary.replaceKey("/BBox", boxes.of(box));
     dictionary.replaceKey(
         "/Resources", resources.isDictionary() ? copier.copy(resources) : QPDFObjectHandle::newDictionary());
     return form;

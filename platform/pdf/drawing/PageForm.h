@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/pdf/drawing/BoxArrays.h"
 #include "platform/pdf/reading/PDFSource.h"
 #include "platform/pdf/writing/ObjectCopier.h"
 
@@ -8,6 +9,6 @@ namespace vellmora {
 /// The content of a page as one form XObject of the output. As a form it cannot disturb what is drawn after
 /// it, even where its operators are not balanced. One content stream passes through as it is, still
 /// compressed and byte for byte, also where it is damaged; several are joined.
-QPDFObjectHandle makePageForm(QPDF& output, ObjectCopier& copier, const SourcePage& page);
+QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, const SourcePage& page);
 
 }  // namespace vellmora
