@@ -7,7 +7,7 @@ build_packages=(
     qt6-base-dev qt6-base-dev-tools qt6-pdf-dev qt6-translations-l10n
     libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
     fonts-roboto-unhinted
-    libgtest-dev
+    libgmock-dev libgtest-dev
     poppler-utils mupdf-tools qpdf
 )
 # A virtual display, for the guided tour and the tests in the real window.
