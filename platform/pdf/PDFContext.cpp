@@ -4,6 +4,7 @@
 #include "platform/pdf/PDFContextWriter.h"
 
 #include <exception>
+#include <new>
 
 namespace vellmora {
 
@@ -43,6 +44,8 @@ void PDFContext::close() {
     try {
         m_writer->write();
     } catch (const Error&) {
+        throw;
+    } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
         throw Error(Error::pdfDomain, 1, QStringLiteral("Die PDF-Daten konnten nicht erzeugt werden."));

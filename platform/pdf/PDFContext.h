@@ -47,7 +47,7 @@ public:
     void endPage();
 
     /// Writes the file. Throws the consumer's `Error`, or one of the PDF domain where writing fails
-    /// otherwise.
+    /// otherwise, or `std::bad_alloc`.
     void close();
 
 private:

@@ -3,6 +3,7 @@
 #include "platform/pdf/annotations/Annotations.h"
 #include "platform/pdf/drawing/ContentText.h"
 #include "platform/pdf/drawing/PageForm.h"
+#include "platform/pdf/picture/PictureEncoding.h"
 #include "platform/pdf/picture/PictureObject.h"
 #include "platform/pdf/writing/FileWriter.h"
 #include "platform/pdf/writing/OutputStreams.h"
@@ -109,13 +110,13 @@ void PDFContext::Writer::paintAnnotation(const AnnotationAppearance& appearance,
 }
 
 PDFContext::Picture PDFContext::Writer::addPicture(const Image& image) {
-    m_pictures.push_back(makePictureObject(m_output, image));
+    m_pictures.push_back({m_output.newStream(), std::async(encodePicture, image)});
     return {static_cast<int>(m_pictures.size()) - 1};
 }
 
 void PDFContext::Writer::drawPicture(Picture picture, const Rect& rect) {
     const QTransform unitSquareToRect(rect.width, 0, 0, rect.height, rect.x, rect.y);
-    paint("/S" + std::to_string(picture.index), m_pictures.at(static_cast<size_t>(picture.index)),
+    paint("/S" + std::to_string(picture.index), m_pictures.at(static_cast<size_t>(picture.index)).object,
           unitSquareToRect * m_page.fromPageSpace);
 }
 
@@ -147,6 +148,8 @@ void PDFContext::Writer::endPage() {
 void PDFContext::Writer::write() {
     const auto sources = std::move(m_sources);  // released at the end, however it comes
     attempt([&] { prepareStreams(m_output, m_copier.carriedStreams()); });
+    for (PictureInWork& picture : m_pictures)
+        fillPictureObject(m_output, picture.object, picture.encoded.get());
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());

@@ -3,9 +3,11 @@
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/Qpdf.h"
 #include "platform/pdf/drawing/BoxArrays.h"
+#include "platform/pdf/picture/EncodedPicture.h"
 #include "platform/pdf/reading/PDFSource.h"
 #include "platform/pdf/writing/ObjectCopier.h"
 
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -39,6 +41,12 @@ private:
         int annotationCount = 0;
     };
 
+    /// Compressed on a thread of its own while the pages are drawn.
+    struct PictureInWork {
+        QPDFObjectHandle object;
+        std::future<EncodedPicture> encoded;
+    };
+
     void useSource(const PDFSource& source);
     void drawContent(const SourcePage& page);
     void drawAnnotations(const PDFSource& source, const SourcePage& page);
@@ -55,7 +63,7 @@ private:
     BoxArrays m_boxes;
     QPDFObjectHandle m_pages;
     QPDFObjectHandle m_kids = QPDFObjectHandle::newArray();
-    std::vector<QPDFObjectHandle> m_pictures;
+    std::vector<PictureInWork> m_pictures;
     /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
     std::map<std::string, QPDFObjectHandle> m_contentStreams;
     OpenPage m_page;

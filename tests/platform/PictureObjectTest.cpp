@@ -1,3 +1,5 @@
+#include "platform/image/Image.h"
+#include "platform/pdf/picture/PictureEncoding.h"
 #include "platform/pdf/picture/PictureObject.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
@@ -22,7 +24,8 @@ class Written {
 public:
     explicit Written(const Image& image) {
         m_pdf.emptyPDF();
-        m_object = makePictureObject(m_pdf, image);
+        m_object = m_pdf.newStream();
+        fillPictureObject(m_pdf, m_object, encodePicture(image));
     }
     QPDFObjectHandle dictionary() const { return m_object.getDict(); }
     std::string raw() const { return text(m_object.getRawStreamData()); }

@@ -1,7 +1,5 @@
 #include "platform/pdf/picture/PictureObject.h"
 
-#include "platform/pdf/picture/PictureEncoding.h"
-
 namespace vellmora {
 
 namespace {
@@ -44,8 +42,7 @@ Handle makeFilterParameters(const EncodedSamples& samples) {
     return parameters;
 }
 
-Handle makeSampleObject(QPDF& output, const EncodedSamples& samples) {
-    Handle object = output.newStream();
+void fillSampleObject(QPDF& output, Handle object, const EncodedSamples& samples) {
     object.replaceStreamData(samples.data, Handle::newName("/FlateDecode"), makeFilterParameters(samples));
     Handle dictionary = object.getDict();
     dictionary.replaceKey("/Type", Handle::newName("/XObject"));
@@ -54,17 +51,17 @@ Handle makeSampleObject(QPDF& output, const EncodedSamples& samples) {
     dictionary.replaceKey("/Height", Handle::newInteger(samples.height));
     dictionary.replaceKey("/ColorSpace", makeColorSpace(output, samples));
     dictionary.replaceKey("/BitsPerComponent", Handle::newInteger(samples.bitsPerComponent));
-    return object;
 }
 
 }  // namespace
 
-QPDFObjectHandle makePictureObject(QPDF& output, const Image& image) {
-    const EncodedPicture encoded = encodePicture(image);
-    Handle picture = makeSampleObject(output, encoded.colors);
-    if (encoded.alpha)
-        picture.getDict().replaceKey("/SMask", makeSampleObject(output, *encoded.alpha));
-    return picture;
+void fillPictureObject(QPDF& output, const QPDFObjectHandle& stream, const EncodedPicture& picture) {
+    fillSampleObject(output, stream, picture.colors);
+    if (!picture.alpha)
+        return;
+    const Handle mask = output.newStream();
+    fillSampleObject(output, mask, *picture.alpha);
+    Handle(stream).getDict().replaceKey("/SMask", mask);
 }
 
 }  // namespace vellmora

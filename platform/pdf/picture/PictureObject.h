@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/image/Image.h"
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/picture/EncodedPicture.h"
 
 namespace vellmora {
 
-/// An image XObject of the output with the picture's pixels in sRGB or grey, and its straight alpha as a soft
-/// mask where a pixel is transparent. The samples are compressed losslessly.
-QPDFObjectHandle makePictureObject(QPDF& output, const Image& image);
+/// Makes a new stream of the output an image XObject with the picture's pixels, and its straight alpha as a
+/// soft mask where a pixel is transparent.
+void fillPictureObject(QPDF& output, const QPDFObjectHandle& stream, const EncodedPicture& picture);
 
 }  // namespace vellmora
