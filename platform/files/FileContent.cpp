@@ -50,7 +50,7 @@ private:
     enum class State { missing, claimed, there, failed };
 
     void readAll(const std::stop_token& stop) {
-        for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested(); ++block)
+        for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested() && m_error == 0; ++block)
             claim(block);
     }
 

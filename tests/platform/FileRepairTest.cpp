@@ -1,13 +1,7 @@
 #include "platform/pdf/PageDrawing.h"
-#include "platform/pdf/Qpdf.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/RewrittenPdf.h"
 #include "tests/support/TestPdf.h"
-
-#include <functional>
-
-#include <qpdf/Buffer.hh>
-#include <qpdf/Pl_Buffer.hh>
-#include <qpdf/QPDFWriter.hh>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -42,26 +36,8 @@ QByteArray upTo(const QByteArray& bytes, const char* text) {
     return bytes.left(bytes.lastIndexOf(text));
 }
 
-using Settings = std::function<void(QPDFWriter&)>;
-
-/// The document written anew, everything possible in object streams.
-QByteArray rewritten(const QByteArray& bytes, const Settings& settings = {}) {
-    QPDF pdf;
-    pdf.processMemoryFile("document", bytes.constData(), static_cast<size_t>(bytes.size()));
-    Pl_Buffer buffer("output");
-    QPDFWriter writer(pdf);
-    writer.setOutputPipeline(&buffer);
-    writer.setObjectStreamMode(qpdf_o_generate);
-    if (settings)
-        settings(writer);
-    writer.write();
-    const auto data = buffer.getBufferSharedPointer();
-    return QByteArray(reinterpret_cast<const char*>(data->getBuffer()),
-                      static_cast<qsizetype>(data->getSize()));
-}
-
 /// Encryption of every kind that a file may have, with a user password.
-std::vector<Settings> encryptions(const char* password) {
+std::vector<WriterSettings> encryptions(const char* password) {
     return {
         [=](QPDFWriter& w) { w.setR2EncryptionParametersInsecure(password, "o", true, true, true, true); },
         [=](QPDFWriter& w) {
@@ -140,7 +116,7 @@ TEST(FileRepairTest, BringsBackPagesThatTheTableLacks) {
 }
 
 TEST(FileRepairTest, ReadsEncryptedFilesWithoutAPassword) {
-    for (const Settings& encryption : encryptions("")) {
+    for (const WriterSettings& encryption : encryptions("")) {
         const QByteArray bytes = rewritten(pages(2).bytes(), encryption);
         EXPECT_EQ(readablePages(bytes), 2);
         EXPECT_EQ(readablePages(upTo(bytes, "startxref")), 2);
@@ -148,7 +124,7 @@ TEST(FileRepairTest, ReadsEncryptedFilesWithoutAPassword) {
 }
 
 TEST(FileRepairTest, RefusesFilesThatNeedAPassword) {
-    for (const Settings& encryption : encryptions("geheim")) {
+    for (const WriterSettings& encryption : encryptions("geheim")) {
         const QByteArray bytes = rewritten(pages(2).bytes(), encryption);
         EXPECT_EQ(readablePages(bytes), -1);
         EXPECT_EQ(readablePages(upTo(bytes, "startxref")), -1);

@@ -38,10 +38,10 @@ size_t FileInput::read(char* target, size_t length) {
     const size_t start = std::min(m_position, m_content.size());
     length = std::min(length, m_content.size() - start);
     last_offset = static_cast<qpdf_offset_t>(start);
-    if (length > 0)
-        std::memcpy(target, m_content.range(start, length).data(), length);
-    if (length > 0)
-        m_position = start + length;
+    if (length == 0)
+        return 0;
+    std::memcpy(target, m_content.range(start, length).data(), length);
+    m_position = start + length;
     return length;
 }
 

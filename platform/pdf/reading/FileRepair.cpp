@@ -1,5 +1,6 @@
 #include "platform/pdf/reading/FileRepair.h"
 
+#include "platform/pdf/reading/FileInput.h"
 #include "platform/pdf/reading/ObjectScan.h"
 #include "platform/pdf/reading/OpenFile.h"
 #include "platform/pdf/writing/CrossReferences.h"
@@ -9,7 +10,6 @@
 #include <sstream>
 
 #include <qpdf/Buffer.hh>
-#include <qpdf/BufferInputSource.hh>
 #include <qpdf/QPDFTokenizer.hh>
 
 namespace vellmora {
@@ -64,7 +64,7 @@ public:
     }
 
 private:
-    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file);
+    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file, const FileContent& content);
     void addMembers(int container, size_t position, QPDFObjectHandle stream);
 
     QByteArray m_bytes;
@@ -74,9 +74,9 @@ private:
     QPDFObjGen m_statedRoot;
 };
 
-std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) {
+std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file, const FileContent& content) {
     std::map<size_t, QPDFObjectHandle> trailers;
-    const auto input = std::make_shared<BufferInputSource>("", m_bytes.toStdString());
+    const auto input = std::make_shared<FileInput>(content);
     QPDFTokenizer tokenizer;
     for (const size_t position : scanForTrailers(viewOf(m_bytes))) {
         input->seek(static_cast<qpdf_offset_t>(position), SEEK_SET);
@@ -97,7 +97,7 @@ void Repair::findTrailer() {
     const FileContent content(this->file());
     QPDF file;
     openFile(file, content);
-    for (auto& [position, trailer] : trailersByPosition(file)) {
+    for (auto& [position, trailer] : trailersByPosition(file, content)) {
         if (!trailer.isDictionary())
             continue;
         QPDFObjectHandle root = trailer.getKey("/Root");

@@ -48,8 +48,15 @@ void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& so
         m_storedStreams.add(target, *bytes);
 }
 
+static bool isPageNode(QPDFObjectHandle object) {
+    if (!object.isDictionary())
+        return false;
+    QPDFObjectHandle type = object.getKey("/Type");
+    return type.isNameAndEquals("/Page") || type.isNameAndEquals("/Pages");
+}
+
 QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) {
-    if (levels == 0 || object.isDictionaryOfType("/Page") || object.isDictionaryOfType("/Pages"))
+    if (levels == 0)
         return QPDFObjectHandle::newNull();
     if (object.isIndirect()) {
         const auto [known, isNew] = m_copies.try_emplace({object.getOwningQPDF(), object.getObjGen()});
@@ -59,6 +66,8 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     }
     if (!object.isDictionary() && !object.isArray())
         return object.shallowCopy();
+    if (isPageNode(object))
+        return QPDFObjectHandle::newNull();
     auto result = object.isArray() ? QPDFObjectHandle::newArray() : QPDFObjectHandle::newDictionary();
     fill(result, object, levels);
     return result;
@@ -72,6 +81,8 @@ QPDFObjectHandle ObjectCopier::makeCounterpart(QPDFObjectHandle object) {
         m_pending.emplace_back(stream, object);
         return stream;
     }
+    if (isPageNode(object))
+        return QPDFObjectHandle::newNull();
     if (!object.isDictionary() && !object.isArray())
         return object.isNull() ? QPDFObjectHandle::newNull()
                                : m_output.makeIndirectObject(object.shallowCopy());
