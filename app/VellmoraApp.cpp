@@ -1,6 +1,7 @@
 #include "app/VellmoraApp.h"
 
 #include "editor/StampViewAccessible.h"
+#include "platform/fonts/FontConfiguration.h"
 #include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
@@ -8,6 +9,7 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QLocale>
+#include <QTimer>
 
 // The toolkit's macro must be called outside of any namespace.
 static void initializeResources() {
@@ -19,7 +21,7 @@ namespace vellmora {
 
 /// Dates and numbers of the toolkit's own dialogs follow the environment. Only they are set: the character
 /// set stays as the user has it.
-static int& withGermanFormats(int& argc) {
+static void setGermanFormats() {
     const QByteArray all = qgetenv("LC_ALL");
     if (!all.isEmpty()) {
         qputenv("LC_CTYPE", all);
@@ -27,7 +29,12 @@ static int& withGermanFormats(int& argc) {
     }
     for (const char* category : {"LC_TIME", "LC_NUMERIC", "LC_MEASUREMENT"})
         qputenv(category, "de_DE.UTF-8");
-    return argc;
+}
+
+/// What must be done, or begin, before the toolkit connects to the display.
+static std::future<void> prepare() {
+    setGermanFormats();
+    return readFontConfiguration();
 }
 
 static QIcon programIcon() {
@@ -37,7 +44,7 @@ static QIcon programIcon() {
     return icon;
 }
 
-VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanFormats(argc), argv) {
+VellmoraApp::VellmoraApp(int& argc, char** argv) : m_fontConfiguration(prepare()), m_application(argc, argv) {
     QApplication::setApplicationName(QStringLiteral("vellmora"));
     QApplication::setApplicationVersion(QStringLiteral(VELLMORA_VERSION));
     QApplication::setApplicationDisplayName(QStringLiteral("Vellmora"));
@@ -47,9 +54,15 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(withGermanForma
     installStampViewAccessibility();
     installPageViewAccessibility();
     initializeResources();
-    QGuiApplication::setWindowIcon(programIcon());
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);
+    m_fontConfiguration.wait();
+}
+
+int VellmoraApp::run() {
+    // While the display prepares the window's first paint: pictures take a while to load.
+    QTimer::singleShot(0, &m_application, [] { QGuiApplication::setWindowIcon(programIcon()); });
+    return QApplication::exec();
 }
 
 std::optional<QUrl> VellmoraApp::documentToOpen() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <future>
 #include <optional>
 
 #include <QApplication>
@@ -17,9 +18,10 @@ public:
     /// instead, or the words make no sense.
     std::optional<QUrl> documentToOpen() const;
 
-    int run() { return QApplication::exec(); }
+    int run();
 
 private:
+    std::future<void> m_fontConfiguration;
     QApplication m_application;
     QTranslator m_toolkitTexts;
 };

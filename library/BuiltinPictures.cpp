@@ -28,14 +28,9 @@ void BuiltinPictures::draw(bool withSubtitle) {
         const BuiltinStampDefinition& stamp = m_definitions[static_cast<qsizetype>(i)];
         if (stamp.subtitle.has_value() == withSubtitle) {
             const QImage image = makeBuiltinStampImage(m_fonts, stamp.title, stamp.subtitle, stamp.tint);
-            m_pngFiles[i] = Image(image).pngRepresentation();
+            m_pngFiles[i].set_value(Image(image).pngRepresentation());
         }
     }
-}
-
-const std::vector<QByteArray>& BuiltinPictures::pngFiles() const {
-    QThreadPool::globalInstance()->waitForDone();
-    return m_pngFiles;
 }
 
 }  // namespace vellmora

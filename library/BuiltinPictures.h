@@ -3,6 +3,7 @@
 #include "library/BuiltinStampDefinitions.h"
 #include "platform/fonts/SystemFonts.h"
 
+#include <future>
 #include <vector>
 
 #include <QByteArray>
@@ -18,17 +19,16 @@ public:
     BuiltinPictures(const BuiltinPictures&) = delete;
     BuiltinPictures& operator=(const BuiltinPictures&) = delete;
 
-    const QList<BuiltinStampDefinition>& definitions() const { return m_definitions; }
-    /// PNG files in the order of the definitions; one that cannot be made is empty. Waits until they are
-    /// drawn.
-    const std::vector<QByteArray>& pngFiles() const;
+    /// The PNG file of a definition, by its place among them; empty where it cannot be made. Waits until it
+    /// is drawn; to be called once for each.
+    QByteArray takePngFile(size_t index) { return m_pngFiles[index].get_future().get(); }
 
 private:
     void draw(bool withSubtitle);
 
     const QList<BuiltinStampDefinition> m_definitions;
     const SystemFonts m_fonts;
-    std::vector<QByteArray> m_pngFiles;
+    std::vector<std::promise<QByteArray>> m_pngFiles;
 };
 
 }  // namespace vellmora

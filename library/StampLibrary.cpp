@@ -15,9 +15,10 @@ const QString StampLibrary::metadataFileName = QStringLiteral("stamp-library.jso
 
 StampLibrary::StampLibrary(Environment environment)
     : m_environment(std::move(environment)), m_defaults(m_environment.folders.defaultsFile) {
-    const BuiltinPictures builtins(builtinDefinitions(m_environment.clock()), m_environment.fonts);
+    const QList<BuiltinStampDefinition> builtins = builtinDefinitions(m_environment.clock());
+    auto pictures = std::make_unique<BuiltinPictures>(builtins, m_environment.fonts);
     loadLibrary();
-    ensureBuiltinPresets(builtins);
+    ensureBuiltinPresets(builtins, std::move(pictures));
 }
 
 static bool comesBefore(const StampPreset& a, const StampPreset& b) {
@@ -44,6 +45,8 @@ QList<StampPreset>::const_iterator StampLibrary::findPreset(const QUuid& id) con
 }
 
 std::optional<Image> StampLibrary::image(const StampPreset& preset) const {
+    if (preset.isBuiltin())
+        waitForBuiltinFiles();
     return Image::fromFile(filePath(preset));
 }
 
@@ -52,6 +55,14 @@ PictureSource StampLibrary::pictureSource(const StampPreset& preset) const {
     const QFileInfo file(path);
     if (path.isEmpty() || !file.exists())
         return {};
+    if (preset.isBuiltin()) {
+        // Written once, at this start.
+        return {path, [path, written = m_builtinFiles] {
+                    if (written.valid())
+                        written.wait();
+                    return Image::fromFile(path);
+                }};
+    }
     const QString version =
         QStringLiteral("%1 %2 %3").arg(path).arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size());
     return {version, [path] { return Image::fromFile(path); }};
@@ -88,6 +99,8 @@ void StampLibrary::removePreset(const QUuid& id) {
     const auto preset = std::as_const(*this).findPreset(id);
     if (preset == m_presets.constEnd())
         return;
+    if (preset->isBuiltin())
+        waitForBuiltinFiles();
     const QString path = filePath(*preset);
     if (files::exists(path))
         files::remove(path);

@@ -11,6 +11,8 @@
 #include "platform/panels/FilePanels.h"
 #include "platform/time/Clock.h"
 
+#include <future>
+#include <memory>
 #include <optional>
 
 #include <QList>
@@ -21,9 +23,10 @@ namespace vellmora {
 
 /// The persistent stamp library: picture files in a folder, one metadata file beside it, and two settings.
 ///
-/// Loads synchronously when it is made, and draws the built-in stamps anew then. Every change rewrites the
-/// metadata file as a whole; changes that another process makes to the folder are seen at the next start.
-/// Operations that can fail throw `Error`.
+/// Loads synchronously when it is made, and draws the built-in stamps anew then: beside what follows where
+/// only their pictures are written, so that whoever asks for one of them may wait a moment. Every change
+/// rewrites the metadata file as a whole; changes that another process makes to the folder are seen at the
+/// next start. Operations that can fail throw `Error`.
 class StampLibrary : public QObject {
     Q_OBJECT
 
@@ -77,6 +80,11 @@ Q_SIGNALS:
     void objectWillChange();
 
 private:
+    struct BuiltinFile {
+        QString path;
+        Durability durability;
+    };
+
     QString libraryRoot() const;
     QString stampsDirectory() const;
     QString metadataPath() const;
@@ -98,10 +106,16 @@ private:
     void prependRecent(const QUuid& id);
     void removeRecent(const QUuid& id);
 
-    void ensureBuiltinPresets(const BuiltinPictures& pictures);
-    bool ensureBuiltinPreset(const BuiltinStampDefinition& definition, const QByteArray& png);
-    static void writeBuiltinImage(const QByteArray& png, const QString& path, Durability durability);
+    void ensureBuiltinPresets(const QList<BuiltinStampDefinition>& definitions,
+                              std::unique_ptr<BuiltinPictures> pictures);
+    static qsizetype writeBuiltinFiles(BuiltinPictures& pictures, const QList<BuiltinFile>& files);
+    /// For whoever reads or removes the picture of a built-in stamp.
+    void waitForBuiltinFiles() const;
+    BuiltinFile builtinFile(const BuiltinStampDefinition& definition);
+    bool isCurrent(const BuiltinStampDefinition& definition);
+    void adoptBuiltin(const BuiltinStampDefinition& definition, const QDateTime& now);
 
+    QList<StampPreset>::iterator findBuiltin(const BuiltinStampDefinition& definition);
     QList<StampPreset>::iterator findPreset(const QUuid& id);
     QList<StampPreset>::const_iterator findPreset(const QUuid& id) const;
 
@@ -110,6 +124,7 @@ private:
     QList<StampPreset> m_presets;
     std::optional<QUuid> m_selectedPresetID;
     bool m_hasUnreadableMetadata = false;
+    std::shared_future<qsizetype> m_builtinFiles;  ///< how many were written
 };
 
 }  // namespace vellmora

@@ -34,6 +34,11 @@ void PictureView::thumbnailChanged(const QString& version) {
         onLoaded(isKnownToBeMissing(m_source));
 }
 
+void PictureView::showEvent(QShowEvent*) {
+    // By the time of the first paint it may be there.
+    m_thumbnails.thumbnail(m_source, wantedPixels());
+}
+
 void PictureView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -35,6 +35,7 @@ public:
     std::function<void(bool isMissing)> onLoaded;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
