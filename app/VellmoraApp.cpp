@@ -9,7 +9,6 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QLocale>
-#include <QTimer>
 
 // The toolkit's macro must be called outside of any namespace.
 static void initializeResources() {
@@ -37,10 +36,11 @@ static std::future<void> prepare() {
     return readFontConfiguration();
 }
 
+/// Of a named format: to detect it, the toolkit would load all of its decoders.
 static QIcon programIcon() {
     QIcon icon;
     for (const int size : {16, 48, 256})
-        icon.addFile(QStringLiteral(":/icons/vellmora-%1.png").arg(size));
+        icon.addPixmap(QPixmap(QStringLiteral(":/icons/vellmora-%1.png").arg(size), "PNG"));
     return icon;
 }
 
@@ -54,15 +54,10 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_fontConfiguration(prepare()
     installStampViewAccessibility();
     installPageViewAccessibility();
     initializeResources();
+    QGuiApplication::setWindowIcon(programIcon());
     if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_toolkitTexts);
     m_fontConfiguration.wait();
-}
-
-int VellmoraApp::run() {
-    // While the display prepares the window's first paint: pictures take a while to load.
-    QTimer::singleShot(0, &m_application, [] { QGuiApplication::setWindowIcon(programIcon()); });
-    return QApplication::exec();
 }
 
 std::optional<QUrl> VellmoraApp::documentToOpen() const {

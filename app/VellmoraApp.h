@@ -18,7 +18,7 @@ public:
     /// instead, or the words make no sense.
     std::optional<QUrl> documentToOpen() const;
 
-    int run();
+    int run() { return QApplication::exec(); }
 
 private:
     std::future<void> m_fontConfiguration;

@@ -11,7 +11,7 @@
 
 namespace vellmora {
 
-/// The pictures of the built-in stamps, drawn on other threads from the moment the object is made.
+/// The pictures of the built-in stamps, drawn on another thread from the moment the object is made.
 class BuiltinPictures {
 public:
     BuiltinPictures(QList<BuiltinStampDefinition> definitions, SystemFonts fonts);
@@ -24,7 +24,7 @@ public:
     QByteArray takePngFile(size_t index) { return m_pngFiles[index].get_future().get(); }
 
 private:
-    void draw(bool withSubtitle);
+    void draw();
 
     const QList<BuiltinStampDefinition> m_definitions;
     const SystemFonts m_fonts;

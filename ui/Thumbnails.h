@@ -1,20 +1,13 @@
 #pragma once
 
-#include "platform/image/PictureSource.h"
-
-#include <vector>
+#include "ui/ThumbnailLoader.h"
 
 #include <QCache>
-#include <QObject>
 #include <QPixmap>
-#include <QSet>
-#include <QSize>
-#include <QThreadPool>
 
 namespace vellmora {
 
-/// Pictures scaled for the sizes at which they are shown. Each is decoded once for each version and size, on
-/// a thread of its own: a huge or damaged file holds nothing up but its own place.
+/// Pictures scaled for the sizes at which they are shown. Each is decoded once for each version and size.
 class Thumbnails : public QObject {
     Q_OBJECT
 
@@ -26,11 +19,10 @@ public:
     };
 
     explicit Thumbnails(QObject* parent);
-    ~Thumbnails() override;
 
     /// The picture scaled to fit into `pixels`, its aspect ratio kept. What is not there yet is loaded, the
-    /// newest request first, and `changed` tells when it is. To be called while painting, so that only what
-    /// is in sight is ever loaded.
+    /// newest request first, and `changed` tells when it is. To be called when a view is shown or painted, so
+    /// that only what is in sight is ever loaded.
     Thumbnail thumbnail(const PictureSource& source, QSize pixels);
 
     bool isKnownToBeMissing(const PictureSource& source) const { return m_missing.contains(source.version); }
@@ -39,22 +31,13 @@ Q_SIGNALS:
     void changed(const QString& version);
 
 private:
-    struct Request {
-        QString key;
-        PictureSource source;
-        QSize pixels;
-    };
-    void loadNext();
-    void take(const Request& request, const QImage& image);
+    void take(const ThumbnailLoader::Request& request, const QImage& picture);
 
     static constexpr int budgetKilobytes = 64 * 1024;
-    static constexpr size_t maxWaiting = 64;
 
     QCache<QString, Thumbnail> m_thumbnails{budgetKilobytes};
     QSet<QString> m_missing;  ///< versions
-    std::vector<Request> m_waiting;
-    QString m_loadingKey;  ///< of the request that the thread works on; empty while it has none
-    QThreadPool m_thread;
+    ThumbnailLoader m_loader;
 };
 
 }  // namespace vellmora
