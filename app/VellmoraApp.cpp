@@ -36,10 +36,11 @@ static std::future<void> prepare() {
     return readFontConfiguration();
 }
 
-/// Of a named format: to detect it, the toolkit would load all of its decoders.
+/// Small ones, for window managers that do not look into the installed icons. The format is named, since to
+/// detect it the toolkit would load all of its decoders.
 static QIcon programIcon() {
     QIcon icon;
-    for (const int size : {16, 48, 256})
+    for (const int size : {16, 48})
         icon.addPixmap(QPixmap(QStringLiteral(":/icons/vellmora-%1.png").arg(size), "PNG"));
     return icon;
 }

@@ -28,6 +28,8 @@ MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
     workRow->addWidget(new Divider(Qt::Vertical, this));
     workRow->addWidget(m_editorArea, 1);
     stack->addLayout(workRow, 1);
+    // Else the first button has the keyboard, unseen.
+    setFocus();
 }
 
 void MainWindow::fitInto(const QSize& room) {

@@ -37,11 +37,15 @@ std::optional<ThumbnailLoader::Request> ThumbnailLoader::takeNext() {
 }
 
 static QImage scaledPicture(const PictureSource& source, QSize pixels) {
-    const std::optional<Image> image = source.load();
+    std::optional<Image> image = source.load();
     if (!image)
         return {};
-    const QSize size = image->pixels().size().scaled(pixels, Qt::KeepAspectRatio).expandedTo({1, 1});
-    return image->pixels().scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage picture = std::move(*image).pixels();
+    // In place: only such pixels are scaled smoothly, else the toolkit would convert a copy of them.
+    if (picture.hasAlphaChannel())
+        picture.convertTo(QImage::Format_ARGB32_Premultiplied);
+    const QSize size = picture.size().scaled(pixels, Qt::KeepAspectRatio).expandedTo({1, 1});
+    return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 void ThumbnailLoader::work() {

@@ -3,6 +3,7 @@
 #include "platform/geometry/Rect.h"
 
 #include <optional>
+#include <utility>
 
 #include <QByteArray>
 #include <QImage>
@@ -24,7 +25,8 @@ public:
     explicit Image(QImage pixels);
 
     /// Straight (not premultiplied) alpha where there is any.
-    const QImage& pixels() const { return m_pixels; }
+    const QImage& pixels() const& { return m_pixels; }
+    QImage pixels() && { return std::move(m_pixels); }
 
     /// Size in points, one for each pixel of a row; a file that states unlike resolutions for its two
     /// directions (fax scans) is as high as it looks.
