@@ -2,8 +2,8 @@
 //
 //   filled_window DOCUMENT.pdf STAMP.png COUNT ELSEWHERE
 //
-// COUNT stamps lie on the first page and ELSEWHERE more on the others; the last one on the first page shows
-// STAMP.png, all others the same picture too. Prints where the last one is on the screen, once it is there.
+// COUNT stamps with this picture lie on the first page and ELSEWHERE more on the others. Prints where the
+// last one of the first page is on the screen, once it is there.
 
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
@@ -50,8 +50,8 @@ StampsByPage makeStamps(const QByteArray& picture, qsizetype onFirst, qsizetype 
     return stamps;
 }
 
-void tellPlace(const ContentWindow& window, const QUuid& stampID) {
-    const QWidget* editor = const_cast<ContentWindow&>(window).editor();
+void tellPlace(ContentWindow& window, const QUuid& stampID) {
+    const QWidget* editor = window.editor();
     for (const InteractiveStampView* view : editor->findChildren<InteractiveStampView*>()) {
         if (view->stamp().id != stampID)
             continue;

@@ -28,9 +28,9 @@
 
 namespace {
 
+// Milliseconds. The interval is that of a hand that moves a mouse slowly, and longer than any step may take.
 constexpr double timeLimit = 30'000;
-constexpr double stepInterval =
-    25;                        // that of a hand that moves a mouse slowly; longer than any step may take
+constexpr double stepInterval = 25;
 constexpr int stepLength = 2;  // pixels
 constexpr int stepsBeforeTurn = 60;
 
