@@ -86,8 +86,11 @@ protected:
                 act();
                 const bool hasFailed = faults::disarm() >= nth;
                 check(trouble);
-                if (!hasFailed)
+                if (!hasFailed) {
+                    EXPECT_TRUE(nth > 1 || trouble.kinds == faults::removeCall)
+                        << "the action makes no such call";
                     break;
+                }
                 ++tried;
                 if (testing::Test::HasFailure())
                     return;
