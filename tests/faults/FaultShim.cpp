@@ -82,17 +82,21 @@ auto pass(Kind kind, Target target, Call call) -> decltype(call()) {
     return pass(kind, target, call, call);
 }
 
-[[gnu::constructor]] void armFromEnvironment() {
+bool armFromEnvironment() {
     const char* words = std::getenv("VELLMORA_FAULTS");
     if (!words)
-        return;
+        return false;
     Plan fromEnvironment;
     std::istringstream stream(words);
     stream >> fromEnvironment.kinds >> fromEnvironment.nth >> fromEnvironment.error >>
         fromEnvironment.stays >> fromEnvironment.isAfter >> fromEnvironment.folder;
     ::unsetenv("LD_PRELOAD");  // what the program starts is left alone
     arm(fromEnvironment);
+    return true;
 }
+
+/// As soon as the program is loaded, and after the variables above, which it sets.
+[[maybe_unused]] const bool isArmedFromEnvironment = armFromEnvironment();
 
 }  // namespace
 
