@@ -22,6 +22,7 @@ using namespace vellmora;
 namespace {
 
 constexpr double stampWidth = 140;  // points
+constexpr qsizetype columns = 14;
 constexpr Rect lastStamp{200, 400, stampWidth, 0};
 
 StampItem makeStamp(const QByteArray& picture, qsizetype page, const Rect& rect) {
@@ -39,7 +40,9 @@ StampsByPage makeStamps(const QByteArray& picture, qsizetype onFirst, qsizetype 
     rect.height = rect.width * size.height / size.width;
     StampsByPage stamps;
     for (qsizetype i = 0; i + 1 < onFirst; ++i) {
-        const Rect other = rect.translated(double(i % 14) * 20 - 160, double(i / 14) * 20 - 200);
+        const qsizetype column = i % columns;
+        const qsizetype row = i / columns;
+        const Rect other = rect.translated(double(column) * 20 - 160, double(row) * 20 - 200);
         stamps[0].append(makeStamp(picture, 0, other));
     }
     stamps[0].append(makeStamp(picture, 0, rect));
