@@ -5,6 +5,8 @@
 #include "tests/support/TestPdf.h"
 
 #include <sys/resource.h>
+#include <utility>
+#include <vector>
 
 #include <QBuffer>
 #include <QColorSpace>
@@ -82,9 +84,10 @@ TEST(ImageTest, NoChunkTakesMoreMemoryThanItsFileIsWorth) {
     claiming.insert(afterHeader, QByteArray::fromHex("65000000") + "tEXtTitle");  // 1.7 GB of text
     EXPECT_FALSE(Image::fromData(claiming));
     const QByteArray packed = packedText(256);
-    const std::pair<const char*, QByteArray> heads[] = {{"zTXt", QByteArray("Title\0\0", 7)},
-                                                        {"iCCP", QByteArray("Profile\0\0", 9)},
-                                                        {"iTXt", QByteArray("Title\0\1\0\0\0", 10)}};
+    const std::vector<std::pair<const char*, QByteArray>> heads = {
+        {"zTXt", QByteArray("Title\0\0", 7)},
+        {"iCCP", QByteArray("Profile\0\0", 9)},
+        {"iTXt", QByteArray("Title\0\1\0\0\0", 10)}};
     for (const auto& [type, head] : heads) {
         QByteArray png = picture;
         png.insert(afterHeader, pngChunk(type, head + packed));
