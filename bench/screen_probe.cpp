@@ -170,7 +170,7 @@ double dragStep(Watcher& watcher, int x, int y) {
     if (last == 0)
         fail("a step of the drag changes nothing");
     const double end = std::max(last, sent) + stepInterval;
-    while (const double drawn = watcher.nextDrawing(end))
+    for (double drawn = last; drawn > 0; drawn = watcher.nextDrawing(end))
         last = drawn;
     return last - sent;
 }
