@@ -7,6 +7,7 @@
 
 #include "tests/faults/FaultShim.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -46,9 +47,9 @@ bool concerns(int fd) {
     if (!isArmed)
         return false;
     const std::string link = "/proc/self/fd/" + std::to_string(fd);
-    char path[PATH_MAX];
-    const ssize_t length = ::readlink(link.c_str(), path, sizeof path);
-    return length > 0 && isBelow({path, static_cast<size_t>(length)});
+    std::array<char, PATH_MAX> path;
+    const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+    return length > 0 && isBelow({path.data(), static_cast<size_t>(length)});
 }
 
 [[noreturn]] void die() {

@@ -34,7 +34,7 @@ QList<Trouble> troubles() {
                        {anyButRemove, EACCES, false},
                        {writeCall, EDQUOT, true},
                        {openCall, EROFS, true}};
-    const unsigned kinds[] = {openCall, writeCall, syncCall, closeCall, renameCall, anyButRemove};
+    const QList<unsigned> kinds{openCall, writeCall, syncCall, closeCall, renameCall, anyButRemove};
     for (const unsigned kind : kinds) {
         all.append({kind, ENOSPC, true});
         all.append({kind, EIO, false});
