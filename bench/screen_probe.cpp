@@ -170,9 +170,12 @@ double dragStep(Watcher& watcher, int x, int y) {
     if (last == 0)
         fail("a step of the drag changes nothing");
     const double end = std::max(last, sent) + stepInterval;
-    for (double drawn = last; drawn > 0; drawn = watcher.nextDrawing(end))
+    for (;;) {
+        const double drawn = watcher.nextDrawing(end);
+        if (drawn == 0)
+            return last - sent;
         last = drawn;
-    return last - sent;
+    }
 }
 
 void drag(Watcher& watcher, double quiet, int x, int y, int steps) {
