@@ -2,8 +2,8 @@
 //
 //   filled_window DOCUMENT.pdf STAMP.png COUNT ELSEWHERE
 //
-// COUNT stamps lie on the first page and ELSEWHERE more on the others; the last one on the first page shows
-// STAMP.png, all others the same picture too. Prints where the last one is on the screen, once it is there.
+// COUNT stamps with this picture lie on the first page and ELSEWHERE more on the others. Prints where the
+// last one of the first page is on the screen, once it is there.
 
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
@@ -22,6 +22,7 @@ using namespace vellmora;
 namespace {
 
 constexpr double stampWidth = 140;  // points
+constexpr qsizetype columns = 14;
 constexpr Rect lastStamp{200, 400, stampWidth, 0};
 
 StampItem makeStamp(const QByteArray& picture, qsizetype page, const Rect& rect) {
@@ -39,7 +40,9 @@ StampsByPage makeStamps(const QByteArray& picture, qsizetype onFirst, qsizetype 
     rect.height = rect.width * size.height / size.width;
     StampsByPage stamps;
     for (qsizetype i = 0; i + 1 < onFirst; ++i) {
-        const Rect other = rect.translated(double(i % 14) * 20 - 160, double(i / 14) * 20 - 200);
+        const qsizetype column = i % columns;
+        const qsizetype row = i / columns;
+        const Rect other = rect.translated(double(column) * 20 - 160, double(row) * 20 - 200);
         stamps[0].append(makeStamp(picture, 0, other));
     }
     stamps[0].append(makeStamp(picture, 0, rect));
@@ -50,8 +53,8 @@ StampsByPage makeStamps(const QByteArray& picture, qsizetype onFirst, qsizetype 
     return stamps;
 }
 
-void tellPlace(const ContentWindow& window, const QUuid& stampID) {
-    const QWidget* editor = const_cast<ContentWindow&>(window).editor();
+void tellPlace(ContentWindow& window, const QUuid& stampID) {
+    const QWidget* editor = window.editor();
     for (const InteractiveStampView* view : editor->findChildren<InteractiveStampView*>()) {
         if (view->stamp().id != stampID)
             continue;

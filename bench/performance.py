@@ -12,7 +12,6 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
-from lib.virtual_desktop import VirtualDesktop  # noqa: F401  (fails early where it cannot be had)
 from measuring.samples import markdown_table, text_table
 from measuring.save_rows import SaveRows
 from measuring.screen import Screen

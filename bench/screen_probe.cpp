@@ -28,9 +28,9 @@
 
 namespace {
 
+// Milliseconds. The interval is that of a hand that moves a mouse slowly, and longer than any step may take.
 constexpr double timeLimit = 30'000;
-constexpr double stepInterval =
-    25;                        // that of a hand that moves a mouse slowly; longer than any step may take
+constexpr double stepInterval = 25;
 constexpr int stepLength = 2;  // pixels
 constexpr int stepsBeforeTurn = 60;
 
@@ -170,9 +170,12 @@ double dragStep(Watcher& watcher, int x, int y) {
     if (last == 0)
         fail("a step of the drag changes nothing");
     const double end = std::max(last, sent) + stepInterval;
-    while (const double drawn = watcher.nextDrawing(end))
+    for (;;) {
+        const double drawn = watcher.nextDrawing(end);
+        if (drawn == 0)
+            return last - sent;
         last = drawn;
-    return last - sent;
+    }
 }
 
 void drag(Watcher& watcher, double quiet, int x, int y, int steps) {

@@ -1,6 +1,5 @@
 """The program on a virtual display, used with real events and watched from outside."""
 import json
-import shutil
 import subprocess
 import time
 from contextlib import contextmanager
@@ -100,7 +99,3 @@ class Screen:
     def open_document(self, path, area):
         self.choose_document(path)
         return self.use("key", area, "Return")
-
-
-def is_possible():
-    return all(map(shutil.which, ["Xvfb", "openbox", "xdotool", "dbus-daemon"]))

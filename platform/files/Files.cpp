@@ -37,6 +37,11 @@ qint64 readFully(const FileDescriptor& fd, char* buffer, qint64 capacity, const 
     return done;
 }
 
+void requireRegular(mode_t mode, FileAction action, const QString& path) {
+    if (!S_ISREG(mode))
+        throw fileError(action, path, S_ISDIR(mode) ? EISDIR : EINVAL);
+}
+
 }  // namespace
 
 OpenedFile openForReading(const QString& path) {
@@ -45,10 +50,7 @@ OpenedFile openForReading(const QString& path) {
     struct stat info {};
     if (!fd.isValid() || ::fstat(fd.get(), &info) != 0)
         throw fileError(FileAction::read, path, errno);
-    if (S_ISDIR(info.st_mode))
-        throw fileError(FileAction::read, path, EISDIR);
-    if (!S_ISREG(info.st_mode))
-        throw fileError(FileAction::read, path, EINVAL);
+    requireRegular(info.st_mode, FileAction::read, path);
     return {std::move(fd), info.st_size};
 }
 
@@ -138,8 +140,9 @@ void requireWritable(const QString& path) {
     const QByteArray name = QFile::encodeName(path);
     if (::access(name.constData(), F_OK) == 0 && ::access(name.constData(), W_OK) != 0)
         throw fileError(FileAction::write, path, errno);
-    if (QFileInfo(path).isDir())
-        throw fileError(FileAction::write, path, EISDIR);
+    struct stat info {};
+    if (::stat(name.constData(), &info) == 0)
+        requireRegular(info.st_mode, FileAction::write, path);
 }
 
 unsigned permissionsForNewFile(const QString& path) {

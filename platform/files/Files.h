@@ -49,7 +49,7 @@ void copy(const QString& from, const QString& to);
 /// does not exist yet.
 QString resolved(const QString& path);
 
-/// Refuses a target that exists and may not be written, or that is a folder.
+/// Refuses a target that exists and may not be written, or that is no regular file (folder, pipe, device).
 void requireWritable(const QString& path);
 
 /// Permissions for a file that takes the name `path`: what the umask gives, and none that a file of that name

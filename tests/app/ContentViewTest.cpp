@@ -33,7 +33,7 @@ TEST_F(ContentViewTest, InsertsOnTheCurrentPageAndRecordsTheUse) {
     EXPECT_EQ(stamps[0].imageData.constData(), stamps[1].imageData.constData()) << "the picture is kept once";
     EXPECT_EQ(content.selectedStampID.value(), stamps[1].id);
     EXPECT_EQ(content.totalStampCount(), 2);
-    EXPECT_EQ(library().recentPresets().first().id, preset.id);
+    EXPECT_EQ(library().recentPresets().value(0).id, preset.id);
 }
 
 TEST_F(ContentViewTest, InsertsThatCannotBeMadeSayWhy) {
@@ -53,7 +53,7 @@ TEST_F(ContentViewTest, InsertsThatCannotBeMadeSayWhy) {
     EXPECT_EQ(insert(library().selectedPreset()), QStringLiteral("Stempel konnte nicht vorbereitet werden."));
 }
 
-TEST_F(ContentViewTest, DeletesTheSelectedStampAndKeepsTheEmptyList) {
+TEST_F(ContentViewTest, DeletesTheSelectedStampAloneAndKeepsAnEmptyList) {
     content.loadPDF(writePdf("a.pdf"));
     content.addStampToCurrentPage(library().selectedPreset());
     const QString before = status();
@@ -66,6 +66,14 @@ TEST_F(ContentViewTest, DeletesTheSelectedStampAndKeepsTheEmptyList) {
     EXPECT_EQ(status(), QStringLiteral("Ausgewählter Stempel gelöscht."));
     EXPECT_EQ(content.stampsByPage.value(), (StampsByPage{{0, {}}}));
     EXPECT_FALSE(content.selectedStampID.value());
+    for (const qsizetype page : {0, 0, 1}) {
+        content.currentPageIndex = page;
+        content.addStampToCurrentPage(library().selectedPreset());
+    }
+    const StampsByPage three = content.stampsByPage;
+    content.selectedStampID = three[0][0].id;
+    content.deleteSelectedStamp();
+    EXPECT_EQ(content.stampsByPage.value(), (StampsByPage{{0, {three[0][1]}}, {1, three[1]}}));
     content.statusText = QString();
     content.selectedStampID = QUuid::createUuid();
     content.deleteSelectedStamp();

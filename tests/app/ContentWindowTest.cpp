@@ -127,7 +127,7 @@ TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     start();
     EXPECT_EQ(content().stampLibrary().presets().size(), 5);
     EXPECT_EQ(content().stampLibrary().selectedPreset()->id, used);
-    EXPECT_EQ(content().stampLibrary().recentPresets().first().id, used);
+    EXPECT_EQ(content().stampLibrary().recentPresets().value(0).id, used);
 }
 
 TEST_F(ContentWindowTest, EnablesCommandsAsTheStateAllows) {
@@ -174,6 +174,15 @@ TEST_F(ContentWindowTest, PageTurnsAndStampsOfOtherPagesStayApart) {
     open("Vertrag.pdf");
     EXPECT_EQ(shown->editor()->currentPageIndex(), 0);
     EXPECT_EQ(content().pageDisplayText(), QStringLiteral("1 / 3"));
+}
+
+TEST_F(ContentWindowTest, WhatIsPressedDuringWorkDoesNotBeginMoreOfIt) {
+    Q_EMIT content().willWork();
+    open("Vertrag.pdf");
+    EXPECT_FALSE(content().pdfDocument.value());
+    Q_EMIT content().didWork();
+    open("Vertrag.pdf");
+    EXPECT_TRUE(content().pdfDocument.value());
 }
 
 TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {

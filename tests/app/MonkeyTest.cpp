@@ -89,7 +89,7 @@ protected:
         all.removeIf([](const Widget* widget) { return !widget->isVisible() || !widget->isEnabled(); });
         return all.isEmpty() ? nullptr : anyOf(all);
     }
-    static QPointF anyPoint(const QWidget& widget, QRandomGenerator& random) {
+    QPointF anyPoint(const QWidget& widget) {
         return {random.bounded(double(widget.width() + 1)), random.bounded(double(widget.height() + 1))};
     }
 
@@ -149,7 +149,7 @@ protected:
         auto* item = anyVisible<PresetItem>();
         if (!item)
             return;
-        const QPoint point = anyPoint(*item, random).toPoint();
+        const QPoint point = anyPoint(*item).toPoint();
         QTest::mouseClick(item, Qt::LeftButton, {}, point);
         if (below(2))
             QTest::mouseDClick(item, Qt::LeftButton, {}, point);
@@ -159,7 +159,7 @@ protected:
         if (!view)
             return;
         const QPointF handle(view->width() - 4, view->height() - 4);
-        drag(*view, below(2) ? handle : anyPoint(*view, random), below(1200) - 600, below(1200) - 600);
+        drag(*view, below(2) ? handle : anyPoint(*view), below(1200) - 600, below(1200) - 600);
     }
     /// Pressed here, moved over there, perhaps never let go.
     void fumble() {
@@ -168,7 +168,7 @@ protected:
             return;
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseMove, QEvent::MouseButtonRelease}) {
             if (below(4))
-                sendMouse(*widget, type, anyPoint(*widget, random) * 1.5,
+                sendMouse(*widget, type, anyPoint(*widget) * 1.5,
                           below(5) ? Qt::LeftButton : Qt::RightButton);
         }
     }
@@ -185,7 +185,7 @@ protected:
         if (!shown->editor())
             return;
         PDFView& view = shown->editor()->pdfView();
-        const QPointF at = anyPoint(view, random);
+        const QPointF at = anyPoint(view);
         QWheelEvent event(at, view.mapToGlobal(at), {}, {0, below(960) - 480}, Qt::NoButton,
                           below(2) ? Qt::NoModifier : Qt::ControlModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(&view, &event);

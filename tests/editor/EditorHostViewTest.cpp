@@ -119,6 +119,7 @@ TEST_F(EditorHostViewTest, RepeatedClicksDoNotMakeAStampGrow) {
     const Rect frame = host.stampView(stamp.id)->frame();
     for (int i = 0; i < 50; ++i) {
         QTest::mouseClick(host.stampView(stamp.id), Qt::LeftButton);
+        ASSERT_FALSE(changed.isEmpty());
         host.setStampsByPage({{0, {changed.last()}}});
     }
     EXPECT_EQ(host.stampView(stamp.id)->frame(), frame);

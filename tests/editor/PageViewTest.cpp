@@ -196,7 +196,7 @@ TEST_F(PDFViewTest, TheNextPageIsThereBeforeItIsTurnedTo) {
     source.page({}, filledRect("1 0 0", "0 0 595 842")).page({}, filledRect("0 0 1", "0 0 595 842"));
     view.setDocument(source.document());
     ASSERT_TRUE(QTest::qWaitFor([&] { return isClose(pixel(300, 400), Qt::red); }));
-    QTest::qWait(200);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !view.pictures().picture(1).pixmap.isNull(); }));
     QTest::keyClick(&view, Qt::Key_PageDown);
     EXPECT_TRUE(isClose(pixel(300, 400), Qt::blue)) << "painted at once, without a turn of the event loop";
 }

@@ -7,7 +7,6 @@ The document is dropped from another process. PROGRAM is an installed one to dri
 Ends with 77 where there is no virtual display.
 """
 import shutil
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
@@ -34,7 +33,6 @@ class MainJob:
     def __init__(self, folder):
         self.desktop = VirtualDesktop(folder)
         self.contract = folder / "Mietvertrag.pdf"
-        self.stamp = folder / "Kanzlei.png"
 
     def run(self):
         self.desktop.start()

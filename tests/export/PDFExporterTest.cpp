@@ -104,13 +104,12 @@ TEST_F(PDFExporterTest, DrawsStampsOverThePageAndLaterOnesOnTop) {
     EXPECT_TRUE(isClose(at(252, 231), Qt::green));
 }
 
-/// The page says "up" with a blue bar along its upper edge as the reader sees it.
 TEST_F(PDFExporterTest, ATurnedPageKeepsItsRotationAndItsStampIsUpright) {
     REQUIRE_RENDERER();
-    QImage arrow = plainImage(10, 20, Qt::red);
+    QImage greenOverRed = plainImage(10, 20, Qt::red);
     for (int x = 0; x < 10; ++x) {
         for (int y = 0; y < 10; ++y)
-            arrow.setPixelColor(x, y, Qt::green);
+            greenOverRed.setPixelColor(x, y, Qt::green);
     }
     for (const int rotation : {0, 90, 180, 270}) {
         PdfBuilder source;
@@ -118,7 +117,7 @@ TEST_F(PDFExporterTest, ATurnedPageKeepsItsRotationAndItsStampIsUpright) {
         const auto document = source.document();
         const Rect box = document->page(0)->bounds(DisplayBox::mediaBox);
         const Rect rect{box.x + 20, box.y + 30, 40, 80};
-        PDFExporter::save(*document, {{0, {stamp(pngOf(arrow), rect)}}}, url("out.pdf"));
+        PDFExporter::save(*document, {{0, {stamp(pngOf(greenOverRed), rect)}}}, url("out.pdf"));
         const QImage page = render(path("out.pdf"));
         ASSERT_EQ(page.size(), QSize(int(box.width), int(box.height))) << rotation;
         const auto at = [&](int x, int y) { return page.pixelColor(x, page.height() - y - 1); };

@@ -7,6 +7,7 @@
 
 #include "tests/faults/FaultShim.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -46,9 +47,9 @@ bool concerns(int fd) {
     if (!isArmed)
         return false;
     const std::string link = "/proc/self/fd/" + std::to_string(fd);
-    char path[PATH_MAX];
-    const ssize_t length = ::readlink(link.c_str(), path, sizeof path);
-    return length > 0 && isBelow({path, static_cast<size_t>(length)});
+    std::array<char, PATH_MAX> path;
+    const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+    return length > 0 && isBelow({path.data(), static_cast<size_t>(length)});
 }
 
 [[noreturn]] void die() {
@@ -82,17 +83,21 @@ auto pass(Kind kind, Target target, Call call) -> decltype(call()) {
     return pass(kind, target, call, call);
 }
 
-[[gnu::constructor]] void armFromEnvironment() {
+bool armFromEnvironment() {
     const char* words = std::getenv("VELLMORA_FAULTS");
     if (!words)
-        return;
+        return false;
     Plan fromEnvironment;
     std::istringstream stream(words);
     stream >> fromEnvironment.kinds >> fromEnvironment.nth >> fromEnvironment.error >>
         fromEnvironment.stays >> fromEnvironment.isAfter >> fromEnvironment.folder;
     ::unsetenv("LD_PRELOAD");  // what the program starts is left alone
     arm(fromEnvironment);
+    return true;
 }
+
+/// As soon as the program is loaded, and after the variables above, which it sets.
+[[maybe_unused]] const bool isArmedFromEnvironment = armFromEnvironment();
 
 }  // namespace
 

@@ -34,7 +34,7 @@ QList<Trouble> troubles() {
                        {anyButRemove, EACCES, false},
                        {writeCall, EDQUOT, true},
                        {openCall, EROFS, true}};
-    const unsigned kinds[] = {openCall, writeCall, syncCall, closeCall, renameCall, anyButRemove};
+    const QList<unsigned> kinds{openCall, writeCall, syncCall, closeCall, renameCall, anyButRemove};
     for (const unsigned kind : kinds) {
         all.append({kind, ENOSPC, true});
         all.append({kind, EIO, false});
@@ -86,8 +86,11 @@ protected:
                 act();
                 const bool hasFailed = faults::disarm() >= nth;
                 check(trouble);
-                if (!hasFailed)
+                if (!hasFailed) {
+                    EXPECT_TRUE(nth > 1 || trouble.kinds == faults::removeCall)
+                        << "the action makes no such call";
                     break;
+                }
                 ++tried;
                 if (testing::Test::HasFailure())
                     return;
@@ -126,6 +129,9 @@ protected:
             [&] { content->beginSaveFlow(mode); },
             [&](const Trouble& trouble) {
                 const bool isNew = succeeded(success, failure, trouble);
+                if (!isNew && mode == ContentView::SaveMode::saveAs) {
+                    EXPECT_EQ(status(), failure + QStringLiteral("PDF-Datei konnte nicht erstellt werden."));
+                }
                 const QByteArray now = readFile(target);
                 const bool isOld = QFile::exists(target) == !before.isNull() && now == before;
                 // Only the disk's word that it has the new name can be missing when the new file is in place.
@@ -181,6 +187,20 @@ TEST_F(FaultWalkTest, SavingAsOverAnotherFile) {
     workspace.panels.answer = QUrl::fromLocalFile(copy());
     walkSave(ContentView::SaveMode::saveAs, copy(), "somebody's other file",
              QStringLiteral("PDF gespeichert: Kopie.pdf"), QStringLiteral("Fehler beim Speichern unter: "));
+}
+
+TEST_F(FaultWalkTest, AFileIsOnTheDiskBeforeItHasItsNameAndItsNameIsThereafter) {
+    workspace.panels.answer = QUrl::fromLocalFile(copy());
+    for (int nth = 1; nth <= 4; ++nth) {
+        QFile::remove(copy());
+        faults::arm(
+            {workspace.path(QString()).toStdString(), faults::syncCall | faults::renameCall, nth, EIO});
+        content->beginSaveFlow(ContentView::SaveMode::saveAs);
+        faults::disarm();
+        // The calls are: sync the file, rename it, sync the folder.
+        EXPECT_EQ(QFile::exists(copy()), nth >= 3) << nth;
+        EXPECT_EQ(status() == QStringLiteral("PDF gespeichert: Kopie.pdf"), nth > 3) << nth;
+    }
 }
 
 TEST_F(FaultWalkTest, ImportingAStamp) {

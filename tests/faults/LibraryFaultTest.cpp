@@ -113,6 +113,23 @@ TEST_F(LibraryFaultTest, SeveralProgramsAtOnceNeverBreakIt) {
     EXPECT_EQ(leftovers(workspace.path(QString())), QStringList());
 }
 
+TEST_F(LibraryFaultTest, FaultsCanBeGivenToAProgramFromOutside) {
+    const auto exitCodeWith = [&](const QString& faults) {
+        QProcess program;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("VELLMORA_FAULTS"), faults + workspace.path(QString()));
+        program.setProcessEnvironment(environment);
+        program.start(
+            QStringLiteral(VELLMORA_STAMP_JOB),
+            {QStringLiteral("library"), workspace.path(QString()), QStringLiteral("1"), QStringLiteral("0")});
+        EXPECT_TRUE(program.waitForFinished());
+        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+        return program.exitCode();
+    };
+    EXPECT_EQ(exitCodeWith(QStringLiteral("2 0 28 1 0 ")), 0);
+    EXPECT_EQ(exitCodeWith(QStringLiteral("2 1 28 1 0 ")), 1) << "the disk was full";
+}
+
 TEST_F(LibraryFaultTest, MetadataThatCannotBeReadIsKeptBeforeItIsReplaced) {
     const QByteArray stored = makeStoredLibrary();
     setMode(workspace.metadataFile(), 0);

@@ -32,7 +32,6 @@ protected:
 
     QString folder() const { return workspace.path(QStringLiteral("Akten")); }
     QString path(const QString& name) const { return folder() + QLatin1Char('/') + name; }
-    QByteArray name(const QString& path) const { return QFile::encodeName(path); }
 
     /// Writes a document of this name, opens it and puts a stamp on its page.
     void open(const QString& fileName) {
@@ -116,6 +115,29 @@ TEST_F(SaveTargetTest, SaysWhyTheOriginalCannotBeReplaced) {
     EXPECT_FALSE(QFile::exists(folder())) << "nobody asked for a new folder";
     writeFile(folder(), "a file where the folder was");
     expectReason("ersetzt werden. Ein Teil des Pfades ist kein Ordner.");
+}
+
+/// Somebody waits at its other end: it is no document, and must neither be replaced nor be waited for.
+TEST_F(SaveTargetTest, APipeStaysAPipe) {
+    const QString pipe = path(QStringLiteral("Vertrag.pdf"));
+    QFile::remove(pipe);
+    ASSERT_EQ(::mkfifo(qPrintable(pipe), 0666), 0);
+    ASSERT_EQ(::symlink("Vertrag.pdf", qPrintable(path(QStringLiteral("Verweis.pdf")))), 0);
+    const auto expectRefused = [&](const QString& message) {
+        struct stat info {};
+        EXPECT_EQ(status(), message);
+        EXPECT_TRUE(::lstat(qPrintable(pipe), &info) == 0 && S_ISFIFO(info.st_mode));
+        EXPECT_EQ(leftovers(workspace.path(QString())), QStringList());
+    };
+    const OrdinaryUser user(workspace.path(QString()));
+    save(overwriteOriginal);
+    expectRefused(
+        QStringLiteral("Fehler beim Überschreiben: „Vertrag.pdf“ konnte nicht geschrieben werden. "
+                       "Der Dateiname oder der Datenträger lässt das nicht zu."));
+    for (const QString& target : {pipe, path(QStringLiteral("Verweis.pdf"))}) {
+        save(saveAs, target);
+        expectRefused(QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden."));
+    }
 }
 
 TEST_F(SaveTargetTest, SaysThatANewFileCannotBeMade) {

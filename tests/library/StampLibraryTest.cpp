@@ -74,7 +74,7 @@ TEST_F(StampLibraryTest, ImportCopiesTheFileAndPutsTheEntryFirstAmongTheUsersOwn
               readFile(workspace.path(QStringLiteral("Sig.PNG"))));
     EXPECT_EQ(userNames(*library), (QStringList{QStringLiteral("Sig"), QStringLiteral("alt")}));
     EXPECT_EQ(library->selectedPresetID(), preset.id);
-    EXPECT_EQ(library->recentPresets().first(), preset);
+    EXPECT_EQ(library->recentPresets().value(0), preset);
     EXPECT_EQ(stored().size(), 7);
 }
 

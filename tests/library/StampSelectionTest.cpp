@@ -66,10 +66,12 @@ TEST_F(StampSelectionTest, UseMovesAnEntryToTheFrontAndKeepsTheSelection) {
     library->selectPreset(presets[1].id);
     library->recordUse(presets[0].id);
     EXPECT_EQ(library->selectedPresetID(), presets[1].id);
-    EXPECT_EQ(library->recentPresets().first().id, presets[0].id);
+    EXPECT_EQ(library->recentPresets().value(0).id, presets[0].id);
     EXPECT_EQ(library->recentPresets().size(), 3);
-    EXPECT_EQ(library->recentPresets().first().lastUsedAt, workspace.now);
-    EXPECT_EQ(workspace.makeLibrary()->recentPresets().first().id, presets[0].id);
+    EXPECT_EQ(library->recentPresets().value(0).lastUsedAt, workspace.now);
+    const StampPreset restarted = workspace.makeLibrary()->recentPresets().value(0);
+    EXPECT_EQ(restarted.id, presets[0].id);
+    EXPECT_EQ(restarted.lastUsedAt, workspace.now);
 }
 
 TEST_F(StampSelectionTest, TwelveRecentsAreStoredAndEightShown) {

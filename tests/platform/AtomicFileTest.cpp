@@ -158,7 +158,11 @@ TEST_F(FilesTest, RefusesPipesAndFoldersWithoutBlocking) {
     EXPECT_THROW(files::read(path("pipe.pdf")), Error);
     EXPECT_THROW(files::copy(path("pipe.pdf"), path("copy.pdf")), Error);
     EXPECT_THROW(files::read(m_folder.path()), Error);
-    EXPECT_FALSE(QFile::exists(path("copy.pdf")));
+    EXPECT_THROW(files::writeAtomically(path("pipe.pdf"), "x"), Error);
+    EXPECT_THROW(ReplacementDirectory{path("pipe.pdf")}, Error);
+    EXPECT_EQ(entries(), QStringList{QStringLiteral("pipe.pdf")});
+    struct stat info {};
+    EXPECT_TRUE(::stat(qPrintable(path("pipe.pdf")), &info) == 0 && S_ISFIFO(info.st_mode));
 }
 
 TEST_F(FilesTest, AReplacementTakesTheOriginalsPlaceInOneStepAndTheLinkStays) {

@@ -26,8 +26,9 @@ protected:
     QString path = folder.filePath(QStringLiteral("datei.pdf"));
 };
 
-/// A page whose content is followed by a stream with a hole of `hugeSize`, which takes no room on the disk.
-void writeHugePdf(const QString& path) {
+/// A page, and after it streams of these lengths, one of which is its content. They are holes, which take no
+/// room on the disk.
+void writePdf(const QString& path, const std::vector<qint64>& streams, size_t content) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     QByteArray places;
@@ -35,16 +36,22 @@ void writeHugePdf(const QString& path) {
         places += QByteArray::number(file.pos()).rightJustified(10, '0') + " 00000 n \n";
         file.write(object);
     };
+    constexpr size_t firstStream = 4;
     file.write("%PDF-1.7\n");
     add("1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n");
     add("2 0 obj <</Type/Pages/Kids[3 0 R]/Count 1>> endobj\n");
-    add("3 0 obj <</Type/Page/MediaBox[0 0 9 9]/Contents 4 0 R>> endobj\n");
-    add("4 0 obj <</Filter/FlateDecode/Length " + QByteArray::number(hugeSize) + ">> stream\n");
-    file.seek(file.pos() + hugeSize);
-    file.write("\nendstream endobj\n");
+    add("3 0 obj <</Type/Page/MediaBox[0 0 9 9]/Contents " + QByteArray::number(firstStream + content) +
+        " 0 R>> endobj\n");
+    for (size_t i = 0; i < streams.size(); ++i) {
+        add(QByteArray::number(firstStream + i) + " 0 obj <</Filter/FlateDecode/Length " +
+            QByteArray::number(streams[i]) + ">> stream\n");
+        file.seek(file.pos() + streams[i]);
+        file.write("\nendstream endobj\n");
+    }
     const QByteArray start = QByteArray::number(file.pos());
-    file.write("xref\n0 5\n0000000000 65535 f \n" + places + "trailer <</Root 1 0 R/Size 5>>\nstartxref\n" +
-               start + "\n%%EOF\n");
+    const QByteArray size = QByteArray::number(firstStream + streams.size());
+    file.write("xref\n0 " + size + "\n0000000000 65535 f \n" + places + "trailer <</Root 1 0 R/Size " + size +
+               ">>\nstartxref\n" + start + "\n%%EOF\n");
 }
 
 }  // namespace
@@ -82,14 +89,19 @@ TEST_F(FileContentTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
 }
 
 TEST_F(FileContentTest, WhatWasCutOffBeforeItWasReadIsAnErrorAndNeverSaved) {
-    writeHugePdf(path);
-    const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
-    ASSERT_TRUE(document);
-    QFile::resize(path, megabyte);
-    MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
-    context->beginPage(document->page(0)->bounds(DisplayBox::mediaBox));
-    context->drawPage(*document, 0, DisplayBox::mediaBox);
-    context->endPage();
-    EXPECT_THROW(context->close(), Error);
+    const auto expectNoSave = [&](const std::vector<qint64>& streams, size_t content) {
+        writePdf(path, streams, content);
+        const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+        ASSERT_TRUE(document);
+        QFile::resize(path, megabyte);
+        MemoryConsumer consumer;
+        const auto context = PDFContext::create(consumer);
+        context->beginPage(document->page(0)->bounds(DisplayBox::mediaBox));
+        context->drawPage(*document, 0, DisplayBox::mediaBox);
+        context->endPage();
+        EXPECT_THROW(context->close(), Error);
+    };
+    expectNoSave({hugeSize}, 0);
+    expectNoSave({hugeSize, 100, megabyte},
+                 1);  // what was the content looks like an object that is not there
 }

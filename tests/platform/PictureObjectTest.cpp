@@ -1,6 +1,8 @@
 #include "platform/image/Image.h"
 #include "platform/pdf/picture/PictureEncoding.h"
 #include "platform/pdf/picture/PictureObject.h"
+#include "tests/platform/PngChunk.h"
+#include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 
@@ -10,7 +12,6 @@
 #include <random>
 
 #include <QColorSpace>
-#include <QtEndian>
 
 #include <zlib.h>
 
@@ -58,9 +59,6 @@ public:
     }
 
 private:
-    static std::string text(const std::shared_ptr<Buffer>& buffer) {
-        return {reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize()};
-    }
     /// With a right checksum, which the library does not look at.
     static bool isSoundStream(const std::string& raw, size_t maxSize) {
         std::string unpacked(maxSize, '\0');
@@ -135,25 +133,14 @@ QRgb photo(int x, int y) {
     return qRgb(x % 200 + int(n % 4), y % 200 + int(n >> 8) % 4, (x + y) % 200 + int(n >> 16) % 4);
 }
 
-QByteArray bigEndian(quint32 number) {
-    const quint32 bytes = qToBigEndian(number);
-    return {reinterpret_cast<const char*>(&bytes), 4};
-}
-
-QByteArray chunk(const QByteArray& name, const QByteArray& data) {
-    const QByteArray named = name + data;
-    const auto checksum = ::crc32(0, reinterpret_cast<const Bytef*>(named.constData()), uInt(named.size()));
-    return bigEndian(quint32(data.size())) + named + bigEndian(quint32(checksum));
-}
-
 /// A PNG by hand: `header` is the depth, the colour type and the interlace method; the rows begin with their
 /// filter.
 QByteArray handmadePng(int width, int height, const std::array<char, 3>& header,
                        const QByteArray& extraChunks, const QByteArray& rows) {
     const QByteArray form = QByteArray(header.data(), 2) + QByteArray(2, '\0') + QByteArray(1, header[2]);
     return QByteArray::fromHex("89504e470d0a1a0a") +
-           chunk("IHDR", bigEndian(quint32(width)) + bigEndian(quint32(height)) + form) + extraChunks +
-           chunk("IDAT", qCompress(rows).mid(4)) + chunk("IEND", {});
+           pngChunk("IHDR", bigEndian(quint32(width)) + bigEndian(quint32(height)) + form) + extraChunks +
+           pngChunk("IDAT", qCompress(rows).mid(4)) + pngChunk("IEND", {});
 }
 
 Image imageOf(const QByteArray& png) {
@@ -261,8 +248,8 @@ TEST(PictureObjectTest, UnpacksWhatAReaderWouldTakeOtherwise) {
     EXPECT_EQ(Written(imageOf(handmadePng(1, height, {8, 0, 0}, {}, rows))).raw(),
               qCompress(rows).mid(4).toStdString());
 
-    const QByteArray gamma = chunk("gAMA", bigEndian(100000));
-    const QByteArray transparentLevel = chunk("tRNS", QByteArray::fromHex("0025"));
+    const QByteArray gamma = pngChunk("gAMA", bigEndian(100000));
+    const QByteArray transparentLevel = pngChunk("tRNS", QByteArray::fromHex("0025"));
     struct Source {
         const char* name;
         QByteArray png;

@@ -12,6 +12,7 @@ namespace vellmora::test {
 /// The window with a library of a given size; keeps what is called.
 class WindowFixture : public testing::Test {
 protected:
+    static void SetUpTestSuite() { installAccessibility(); }
     WindowFixture() {
         window.resize(MainWindow::minimumContentSize);
         window.show();
@@ -59,8 +60,6 @@ protected:
         return result;
     }
 
-    // Before the window: what was asked of it earlier is kept.
-    const bool isAccessible = (installAccessibility(), true);
     QStringList calls;
     std::atomic<bool> isPictureReadable = true;
     std::atomic<int> decodes = 0;

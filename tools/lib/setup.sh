@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034
-# Shared by ./run, ./test and ./package: what must be installed, and how the program is built.
+# Shared by ./run, ./test, ./package and ./benchmark: what must be installed, and how the program is built.
 # To be sourced, with the top folder as working directory.
 
 build_packages=(
@@ -8,7 +8,6 @@ build_packages=(
     libfontconfig-dev libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
     fonts-roboto-unhinted
     libgmock-dev libgtest-dev
-    poppler-utils mupdf-tools qpdf
 )
 # A virtual display, for the guided tour and the tests in the real window.
 tour_packages=(xvfb openbox xdotool dbus-daemon at-spi2-core python3-gi imagemagick poppler-utils)
