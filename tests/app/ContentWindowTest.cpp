@@ -176,6 +176,30 @@ TEST_F(ContentWindowTest, PageTurnsAndStampsOfOtherPagesStayApart) {
     EXPECT_EQ(content().pageDisplayText(), QStringLiteral("1 / 3"));
 }
 
+TEST_F(ContentWindowTest, WhatIsClickedDuringWorkRunsNoSecondCommand) {
+    open("Vertrag.pdf");
+    const auto presets = content().stampLibrary().presets();
+    Q_EMIT content().willWork();
+    QMetaObject::invokeMethod(
+        &content(),
+        [&] {
+            workspace.panels.opened.clear();
+            for (const char* label :
+                 {"PDF öffnen", "Stempel auf aktueller Seite", "PNG hinzufügen", "Einfügen", "Entfernen"})
+                QTest::mouseClick(&button(label), Qt::LeftButton);
+            shown->window().findChild<PresetTile*>()->insert();
+            shown->window().findChild<PresetTile*>()->remove();
+        },
+        Qt::QueuedConnection);
+    Q_EMIT content().didWork();
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
+    EXPECT_TRUE(workspace.panels.opened.isEmpty());
+    EXPECT_EQ(content().totalStampCount(), 0);
+    EXPECT_EQ(content().stampLibrary().presets(), presets);
+    click("Einfügen");
+    EXPECT_EQ(content().totalStampCount(), 1) << "afterwards they run again";
+}
+
 TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {
     const auto shape = [] {
         const QCursor* cursor = QGuiApplication::overrideCursor();
@@ -190,4 +214,15 @@ TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {
     Q_EMIT content().willWork();
     Q_EMIT content().didWork();
     EXPECT_EQ(shape(), std::nullopt) << "short work leaves the cursor alone";
+
+    Q_EMIT content().willWork();
+    Q_EMIT content().worksLong();
+    const auto loadDroppedFile = [this] {
+        Q_EMIT content().willWork();
+        Q_EMIT content().worksLong();
+        Q_EMIT content().didWork();
+    };
+    QMetaObject::invokeMethod(&content(), loadDroppedFile, Qt::QueuedConnection);
+    Q_EMIT content().didWork();
+    EXPECT_EQ(shape(), std::nullopt) << "after work that came in between";
 }
