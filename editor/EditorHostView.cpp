@@ -1,7 +1,6 @@
 #include "editor/EditorHostView.h"
 
 #include <algorithm>
-#include <utility>
 
 #include <QPalette>
 #include <QSet>
