@@ -44,6 +44,14 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
 
 ContentWindow::~ContentWindow() = default;
 
+template <typename Action>
+auto ContentWindow::unlessWorking(Action action) {
+    return [this, action](const auto&... arguments) {
+        if (!m_isWorking)
+            action(arguments...);
+    };
+}
+
 QList<Command> ContentWindow::makeCommands() {
     ContentView& content = *m_content;
     using SaveMode = ContentView::SaveMode;
@@ -60,12 +68,8 @@ QList<Command> ContentWindow::makeCommands() {
         {ContentView::actionLabel(SaveMode::saveAs), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
          [&] { content.beginSaveFlow(SaveMode::saveAs); }},
     };
-    for (Command& command : commands) {
-        command.run = [this, run = command.run] {
-            if (!m_isWorking)
-                run();
-        };
-    }
+    for (Command& command : commands)
+        command.run = unlessWorking(command.run);
     return commands;
 }
 
@@ -74,11 +78,12 @@ void ContentWindow::beginWork() {
 }
 
 void ContentWindow::showWaitCursor() {
-    m_showsWaitCursor = true;
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (!std::exchange(m_showsWaitCursor, true))
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
-/// What the user clicked meanwhile is delivered now, and runs no second command.
+/// What the user clicked meanwhile is delivered now, and runs no second command. A file dropped meanwhile is
+/// loaded now, in between.
 void ContentWindow::endWork() {
     QCoreApplication::processEvents();
     if (std::exchange(m_showsWaitCursor, false))
@@ -105,9 +110,9 @@ MainWindow::Callbacks ContentWindow::makeCallbacks() {
     callbacks.commands = makeCommands();
     callbacks.sidebar = {
         [&](const StampPreset& preset) { content.stampLibrary().selectPreset(preset.id); },
-        [&](const StampPreset& preset) { content.addStampToCurrentPage(preset); },
-        [&](const StampPreset& preset) { content.removePreset(preset.id); },
-        [&] { content.importStampToLibrary(); },
+        unlessWorking([&](const StampPreset& preset) { content.addStampToCurrentPage(preset); }),
+        unlessWorking([&](const StampPreset& preset) { content.removePreset(preset.id); }),
+        unlessWorking([&] { content.importStampToLibrary(); }),
         [&](const StampPreset& preset) { return content.stampLibrary().pictureSource(preset); },
     };
     callbacks.onDropTargeted = [&](bool isTargeted) { content.isPDFDropTargeted = isTargeted; };

@@ -34,6 +34,8 @@ protected:
 private:
     MainWindow::Callbacks makeCallbacks();
     QList<Command> makeCommands();
+    template <typename Action>
+    auto unlessWorking(Action action);
     template <typename T>
     void observe(QProperty<T>& field);
     void scheduleRefresh();

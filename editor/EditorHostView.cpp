@@ -1,7 +1,6 @@
 #include "editor/EditorHostView.h"
 
 #include <algorithm>
-#include <utility>
 
 #include <QPalette>
 #include <QSet>
@@ -33,9 +32,8 @@ void EditorHostView::resizeEvent(QResizeEvent* event) {
 }
 
 void EditorHostView::setDocument(const std::shared_ptr<const PDFDocument>& document) {
-    if (document == m_document)
+    if (document == m_pdfView->document())
         return;
-    m_document = document;
     m_pdfView->setDocument(document);
     m_pdfView->setAutoScales(true);
 }
@@ -51,8 +49,7 @@ void EditorHostView::setSelectedStampID(const std::optional<QUuid>& id) {
 }
 
 void EditorHostView::displayPage(qsizetype index) {
-    if (m_document && m_pdfView->currentPageIndex() != index)
-        m_pdfView->goTo(index);
+    m_pdfView->goTo(index);
 }
 
 void EditorHostView::pdfPageChanged() {
@@ -89,7 +86,6 @@ void EditorHostView::syncStampView(const StampItem& stamp) {
     if (!view)
         view = makeStampView(stamp);
     view->setStamp(stamp);
-    view->setSelectedStamp(m_selectedStampID == stamp.id);
     // The overlay covers the page view exactly, so their spaces are one.
     if (!view->isDraggingInteractively())
         view->setFrame(integral(m_pdfView->convertFromPage(stamp.rect)));

@@ -64,7 +64,6 @@ private:
     StampPictures m_pictures;
     PDFView* m_pdfView;
     EditorOverlayView* m_overlayContainer;
-    std::shared_ptr<const PDFDocument> m_document;
     StampsByPage m_stampsByPage;
     std::optional<QUuid> m_selectedStampID;
     QHash<QUuid, InteractiveStampView*> m_stampViews;

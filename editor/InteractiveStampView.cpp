@@ -84,9 +84,12 @@ Point InteractiveStampView::pointInBounds(const QSinglePointEvent& event) const 
     return {point.x - m_frame.x, point.y - m_frame.y};
 }
 
+bool InteractiveStampView::isOnHandle(Point point) const {
+    return stampgeometry::resizeHandleRect(bounds()).contains(point);
+}
+
 void InteractiveStampView::updateCursor(Point point) {
-    const bool isOnHandle = stampgeometry::resizeHandleRect(bounds()).contains(point);
-    setCursor(isOnHandle ? Qt::CrossCursor : Qt::OpenHandCursor);
+    setCursor(isOnHandle(point) ? Qt::CrossCursor : Qt::OpenHandCursor);
 }
 
 void InteractiveStampView::enterEvent(QEnterEvent* event) {
@@ -99,8 +102,7 @@ void InteractiveStampView::mousePressEvent(QMouseEvent* event) {
     setFocus(Qt::MouseFocusReason);
     if (onSelect)
         onSelect(m_stamp.id);
-    const bool isOnHandle = stampgeometry::resizeHandleRect(bounds()).contains(pointInBounds(*event));
-    m_dragMode = isOnHandle ? DragMode::resize : DragMode::move;
+    m_dragMode = isOnHandle(pointInBounds(*event)) ? DragMode::resize : DragMode::move;
     m_initialMouseLocationInSuperview = pointInOverlay(*event);
     m_initialFrame = m_frame;
     m_isDraggingInteractively = true;
@@ -115,6 +117,9 @@ Rect InteractiveStampView::proposedFrame(Point mouse) const {
 }
 
 void InteractiveStampView::mouseMoveEvent(QMouseEvent* event) {
+    // A dialog that opens during a drag takes the mouse-up away.
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        m_isDraggingInteractively = false;
     if (!m_isDraggingInteractively) {
         updateCursor(pointInBounds(*event));
         return;

@@ -31,7 +31,8 @@ public:
     void setStamp(const StampItem& stamp);
     bool isSelectedStamp() const { return m_isSelectedStamp; }
     void setSelectedStamp(bool isSelected);
-    /// True from mouse-down to mouse-up; the owner leaves the frame alone meanwhile.
+    /// True from mouse-down to mouse-up, or, where that goes elsewhere, to the next move without the button;
+    /// the owner leaves the frame alone meanwhile.
     bool isDraggingInteractively() const { return m_isDraggingInteractively; }
 
     /// Overlay space. The frame need not be whole points; the widget covers it.
@@ -59,6 +60,7 @@ private:
     Point pointInOverlay(const QSinglePointEvent& event) const;
     Point pointInBounds(const QSinglePointEvent& event) const;
     Rect proposedFrame(Point mouse) const;
+    bool isOnHandle(Point point) const;
     void updateCursor(Point point);
     void reportFrame();
     void paintBorder(QPainter& painter, const QRectF& frame) const;

@@ -44,10 +44,16 @@ struct Arguments {
 };
 
 std::optional<Rect> parseRect(const QString& text) {
-    const QStringList parts = text.split(QLatin1Char(','));
-    if (parts.size() != 4)
+    QList<double> numbers;
+    for (const QString& part : text.split(QLatin1Char(','))) {
+        bool isNumber = false;
+        numbers.append(part.toDouble(&isNumber));
+        if (!isNumber)
+            return std::nullopt;
+    }
+    if (numbers.size() != 4)
         return std::nullopt;
-    return Rect{parts[0].toDouble(), parts[1].toDouble(), parts[2].toDouble(), parts[3].toDouble()};
+    return Rect{numbers[0], numbers[1], numbers[2], numbers[3]};
 }
 
 bool applyOption(Arguments& arguments, const QString& option, const QString& value) {
@@ -63,9 +69,10 @@ bool applyOption(Arguments& arguments, const QString& option, const QString& val
         return false;
     PlacedPicture& picture = arguments.pictures.last();
     if (option == QStringLiteral("--page")) {
-        if (value != QStringLiteral("all"))
-            picture.pageIndex = value.toLongLong() - 1;
-        return true;
+        if (value == QStringLiteral("all"))
+            return true;
+        picture.pageIndex = value.toLongLong() - 1;
+        return *picture.pageIndex >= 0;
     }
     const auto rect = parseRect(value);
     picture.rect = rect.value_or(Rect{});

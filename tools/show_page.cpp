@@ -3,7 +3,7 @@
 //   show_page IN.pdf PAGE WIDTH OUT.png
 //
 // PAGE is 1-based, WIDTH in pixels. Prints one JSON line. Exit codes: 0 done, 1 wrong arguments, 2 the PDF
-// could not be opened, 4 the page was not rendered (crash, limit or time).
+// or the page could not be opened, 4 the page was not rendered (crash, limit or time).
 
 #include "platform/pdf/PageDrawing.h"
 #include "platform/pdf/render/ProcessRenderer.h"

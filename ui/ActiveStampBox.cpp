@@ -90,7 +90,7 @@ QWidget* ActiveStampBox::makeHint(const Theme& theme) {
         new TextLabel(QStringLiteral("Importiere einmal deine PNG-Stempel. Danach bleiben sie in der "
                                      "Bibliothek und können direkt wiederverwendet werden."),
                       theme.font(hintSize), Theme::secondaryText, hint);
-    explanation->setWraps();
+    explanation->setWordWrap(true);
     stack->addWidget(explanation);
     return hint;
 }

@@ -32,23 +32,14 @@ QColor accentOnMaterial(const QPalette& palette) {
     return Theme::readable(Theme::accent(palette), material);
 }
 
-TextLabel* makeText(const QString& text, const QFont& font, double opacity, QWidget* parent) {
-    const auto color = [opacity](const QPalette&) { return Theme::onDark(opacity); };
-    auto* label = new TextLabel(text, font, color, parent);
-    label->setAlignment(Qt::AlignCenter);
-    return label;
-}
-
 /// A soft shadow from rings, each a little larger and fainter than the one before.
 void paintShadow(QPainter& painter, const QRectF& frame) {
     const QRectF shadow = frame.translated(0, shadowOffset);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::black(2 * shadowOpacity / shadowRadius));
-    for (int i = -shadowRadius / 2; i < shadowRadius / 2; ++i) {
-        const double spread = i;
+    for (int spread = -shadowRadius / 2; spread < shadowRadius / 2; ++spread)
         painter.drawRoundedRect(shadow.adjusted(-spread, -spread, spread, spread), cornerRadius + spread,
                                 cornerRadius + spread);
-    }
 }
 
 }  // namespace
@@ -56,7 +47,7 @@ void paintShadow(QPainter& painter, const QRectF& frame) {
 DropZone::DropZone(const Theme& theme, QWidget* parent)
     : QWidget(parent),
       m_symbol(new SymbolView(Symbol::trayArrowDown, symbolSize, Theme::text, this)),
-      m_title(makeText({}, theme.font(titleSize, Theme::semibold), 1, this)) {
+      m_title(makeTextOnDark({}, theme.font(titleSize, Theme::semibold), 1, this)) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     auto* stack = new QVBoxLayout(this);
     constexpr int side = sidePadding + horizontalPadding;
@@ -65,8 +56,8 @@ DropZone::DropZone(const Theme& theme, QWidget* parent)
     stack->setSpacing(itemSpacing);
     stack->addWidget(m_symbol, 0, Qt::AlignHCenter);
     stack->addWidget(m_title);
-    stack->addWidget(makeText(QStringLiteral("Unterstützt einzelne PDF-Dateien per Drag & Drop"),
-                              theme.font(subtitleSize), 0.72, this));
+    stack->addWidget(makeTextOnDark(QStringLiteral("Unterstützt einzelne PDF-Dateien per Drag & Drop"),
+                                    theme.font(subtitleSize), 0.72, this));
     setTargeted(false);
 }
 
@@ -89,7 +80,6 @@ void DropZone::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF frame = QRectF(rect()).adjusted(sidePadding, shadowMargin, -sidePadding, -shadowMargin);
     paintShadow(painter, frame);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setBrush(Theme::dropZoneMaterial());
     painter.drawRoundedRect(frame, cornerRadius, cornerRadius);
 

@@ -7,23 +7,16 @@ namespace {
 constexpr int symbolSize = 36;
 constexpr double secondaryOpacity = 0.72;
 
-TextLabel* makeLine(const QString& text, const QFont& font, double opacity, QWidget* parent) {
-    auto* line = new TextLabel(
-        text, font, [opacity](const QPalette&) { return Theme::onDark(opacity); }, parent);
-    line->setAlignment(Qt::AlignCenter);
-    return line;
-}
-
 }  // namespace
 
 EmptyState::EmptyState(const Theme& theme, QWidget* parent)
     : QWidget(parent),
       m_symbol(new SymbolView(
           Symbol::document, symbolSize, [](const QPalette&) { return Theme::onDark(1); }, this)),
-      m_title(makeLine(QStringLiteral("Keine PDF geladen"), theme.font(Theme::titleSize, Theme::semibold), 1,
-                       this)),
-      m_hint(makeLine(QStringLiteral("PDF per Button öffnen oder einfach hier hineinziehen."),
-                      theme.font(Theme::bodySize), secondaryOpacity, this)),
+      m_title(makeTextOnDark(QStringLiteral("Keine PDF geladen"),
+                             theme.font(Theme::titleSize, Theme::semibold), 1, this)),
+      m_hint(makeTextOnDark(QStringLiteral("PDF per Button öffnen oder einfach hier hineinziehen."),
+                            theme.font(Theme::bodySize), secondaryOpacity, this)),
       m_dropZone(new DropZone(theme, this)) {}
 
 void EmptyState::resizeEvent(QResizeEvent*) {

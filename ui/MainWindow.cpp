@@ -38,11 +38,21 @@ void MainWindow::fitInto(const QSize& room) {
     setMinimumSize(minimumContentSize.boundedTo(room - frame).expandedTo(layout()->minimumSize()));
 }
 
+/// Whatever was proposed: after a move, the program that the file comes from may delete it.
+static void acceptAsCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
     if (!hasFileURL(*event->mimeData()))
         return;
-    event->acceptProposedAction();
+    acceptAsCopy(*event);
     m_callbacks.onDropTargeted(true);
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+    acceptAsCopy(*event);
 }
 
 void MainWindow::dragLeaveEvent(QDragLeaveEvent*) {
@@ -52,7 +62,7 @@ void MainWindow::dragLeaveEvent(QDragLeaveEvent*) {
 void MainWindow::dropEvent(QDropEvent* event) {
     m_callbacks.onDropTargeted(false);
     if (m_callbacks.onDrop(itemProviders(*event->mimeData())))
-        event->acceptProposedAction();
+        acceptAsCopy(*event);
     else
         event->ignore();
 }

@@ -55,20 +55,20 @@ void PictureView::paintEvent(QPaintEvent*) {
         drawSymbol(painter, Symbol::photo, square, Theme::secondaryText(palette()));
         return;
     }
-    if (thumbnail.state == Thumbnails::State::ready)
+    const bool isExact = thumbnail.state == Thumbnails::State::ready;
+    if (isExact)
         m_shown = thumbnail.picture;
     if (m_shown.isNull())
         return;
     // Pixel for pixel where the picture was made for this size: its corner lies on a device pixel.
     const double ratio = devicePixelRatioF();
-    const QSizeF size = QSizeF(m_shown.size()).scaled(frame.size(), Qt::KeepAspectRatio);
-    const bool isExact = thumbnail.state == Thumbnails::State::ready;
-    const QSizeF shownSize = isExact ? QSizeF(m_shown.size()) / ratio : size;
+    const QSizeF pixels(m_shown.size());
+    const QSizeF size = isExact ? pixels / ratio : pixels.scaled(frame.size(), Qt::KeepAspectRatio);
     const QPointF offset =
-        frame.topLeft() + QPointF(frame.width() - shownSize.width(), frame.height() - shownSize.height()) / 2;
+        frame.topLeft() + QPointF(frame.width() - size.width(), frame.height() - size.height()) / 2;
     const QPointF snapped(qRound(offset.x() * ratio) / ratio, qRound(offset.y() * ratio) / ratio);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, !isExact);
-    painter.drawPixmap(QRectF(snapped, shownSize), m_shown, QRectF(m_shown.rect()));
+    painter.drawPixmap(QRectF(snapped, size), m_shown, QRectF(m_shown.rect()));
 }
 
 }  // namespace vellmora

@@ -1,6 +1,5 @@
 #include "ui/Symbols.h"
 
-#include <array>
 #include <cmath>
 #include <initializer_list>
 #include <numbers>

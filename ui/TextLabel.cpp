@@ -1,5 +1,7 @@
 #include "ui/TextLabel.h"
 
+#include "ui/Theme.h"
+
 #include <utility>
 
 #include <QPainter>
@@ -55,10 +57,6 @@ void TextLabel::setMaximumLines(int lines) {
     setSizePolicy(policy);
 }
 
-void TextLabel::setWraps() {
-    setWordWrap(true);
-}
-
 QSize TextLabel::sizeHint() const {
     if (wordWrap())
         return QLabel::sizeHint();
@@ -94,6 +92,13 @@ void TextLabel::paintEvent(QPaintEvent*) {
         const QRect line(0, top + static_cast<int>(i) * lineHeight, width(), lineHeight);
         painter.drawText(line, static_cast<int>(alignment()) | Qt::TextSingleLine, lines[i]);
     }
+}
+
+TextLabel* makeTextOnDark(const QString& text, const QFont& font, double opacity, QWidget* parent) {
+    const auto color = [opacity](const QPalette&) { return Theme::onDark(opacity); };
+    auto* label = new TextLabel(text, font, color, parent);
+    label->setAlignment(Qt::AlignCenter);
+    return label;
 }
 
 }  // namespace vellmora

@@ -16,10 +16,9 @@ public:
     TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
 
     /// Breaks lines at the label's width, and cuts the last of `lines` off with an ellipsis. The label is as
-    /// wide as its place then. `lines` is 1 or 2; 0 (the default): one line that is never cut off.
+    /// wide as its place then. `lines` is 1 or 2. Without it there is one line, or with `setWordWrap` as many
+    /// as are needed, and nothing is cut off.
     void setMaximumLines(int lines);
-    /// Breaks lines, as many as are needed.
-    void setWraps();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -33,5 +32,8 @@ private:
     Color m_color;
     int m_maximumLines = 0;
 };
+
+/// A centred line in white of this opacity, for the editor area and its drop zones.
+TextLabel* makeTextOnDark(const QString& text, const QFont& font, double opacity, QWidget* parent);
 
 }  // namespace vellmora

@@ -57,19 +57,18 @@ protected:
             enabled.append(button(label).isEnabled());
         return enabled;
     }
-    bool sendDrag(QEvent::Type type, const QMimeData& data) {
-        const QPointF at(600, 400);
-        if (type == QEvent::DragEnter) {
-            QDragEnterEvent event(at.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            event.ignore();
-            QApplication::sendEvent(&shown->window(), &event);
-            settle();
-            return event.isAccepted();
-        }
-        QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    /// The action that the window answers with, where it accepts.
+    std::optional<Qt::DropAction> send(QDropEvent&& event) {
+        event.ignore();
         QApplication::sendEvent(&shown->window(), &event);
         settle();
-        return event.isAccepted();
+        return event.isAccepted() ? std::optional(event.dropAction()) : std::nullopt;
+    }
+    /// As where the user holds the Shift key: the source would rather move.
+    template <typename DragEvent>
+    std::optional<Qt::DropAction> sendDrag(const QMimeData& data) {
+        return send(
+            DragEvent({600, 400}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::ShiftModifier));
     }
 
     TestWorkspace workspace;
@@ -149,12 +148,13 @@ TEST_F(ContentWindowTest, EnablesCommandsAsTheStateAllows) {
 TEST_F(ContentWindowTest, ADropOfAFileLoadsItAndShowsTheZoneMeanwhile) {
     QMimeData text;
     text.setText(QStringLiteral("no file"));
-    EXPECT_FALSE(sendDrag(QEvent::DragEnter, text));
+    EXPECT_FALSE(sendDrag<QDragEnterEvent>(text));
     QMimeData file;
     file.setUrls({workspace.url(QStringLiteral("Vertrag.pdf"))});
-    EXPECT_TRUE(sendDrag(QEvent::DragEnter, file));
+    EXPECT_EQ(sendDrag<QDragEnterEvent>(file), Qt::CopyAction) << "a move might delete the file";
     EXPECT_TRUE(content().isPDFDropTargeted.value());
-    EXPECT_TRUE(sendDrag(QEvent::Drop, file));
+    EXPECT_EQ(sendDrag<QDragMoveEvent>(file), Qt::CopyAction);
+    EXPECT_EQ(sendDrag<QDropEvent>(file), Qt::CopyAction);
     EXPECT_FALSE(content().isPDFDropTargeted.value());
     EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
     ASSERT_TRUE(shown->editor());
@@ -176,13 +176,28 @@ TEST_F(ContentWindowTest, PageTurnsAndStampsOfOtherPagesStayApart) {
     EXPECT_EQ(content().pageDisplayText(), QStringLiteral("1 / 3"));
 }
 
-TEST_F(ContentWindowTest, WhatIsPressedDuringWorkDoesNotBeginMoreOfIt) {
+TEST_F(ContentWindowTest, WhatIsClickedDuringWorkRunsNoSecondCommand) {
+    open("Vertrag.pdf");
+    const auto presets = content().stampLibrary().presets();
     Q_EMIT content().willWork();
-    open("Vertrag.pdf");
-    EXPECT_FALSE(content().pdfDocument.value());
+    QMetaObject::invokeMethod(
+        &content(),
+        [&] {
+            workspace.panels.opened.clear();
+            for (const char* label :
+                 {"PDF öffnen", "Stempel auf aktueller Seite", "PNG hinzufügen", "Einfügen", "Entfernen"})
+                QTest::mouseClick(&button(label), Qt::LeftButton);
+            shown->window().findChild<PresetTile*>()->insert();
+            shown->window().findChild<PresetTile*>()->remove();
+        },
+        Qt::QueuedConnection);
     Q_EMIT content().didWork();
-    open("Vertrag.pdf");
-    EXPECT_TRUE(content().pdfDocument.value());
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
+    EXPECT_TRUE(workspace.panels.opened.isEmpty());
+    EXPECT_EQ(content().totalStampCount(), 0);
+    EXPECT_EQ(content().stampLibrary().presets(), presets);
+    click("Einfügen");
+    EXPECT_EQ(content().totalStampCount(), 1) << "afterwards they run again";
 }
 
 TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {
@@ -199,4 +214,15 @@ TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {
     Q_EMIT content().willWork();
     Q_EMIT content().didWork();
     EXPECT_EQ(shape(), std::nullopt) << "short work leaves the cursor alone";
+
+    Q_EMIT content().willWork();
+    Q_EMIT content().worksLong();
+    const auto loadDroppedFile = [this] {
+        Q_EMIT content().willWork();
+        Q_EMIT content().worksLong();
+        Q_EMIT content().didWork();
+    };
+    QMetaObject::invokeMethod(&content(), loadDroppedFile, Qt::QueuedConnection);
+    Q_EMIT content().didWork();
+    EXPECT_EQ(shape(), std::nullopt) << "after work that came in between";
 }

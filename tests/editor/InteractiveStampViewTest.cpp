@@ -76,6 +76,16 @@ TEST_F(InteractiveStampViewTest, ItStopsAtTheEdgesOfTheOverlay) {
     EXPECT_EQ(view->frame(), (Rect{300, 0, 100, 50}));
 }
 
+TEST_F(InteractiveStampViewTest, ADragWhoseEndWasLostDoesNotGoOnWithoutTheButton) {
+    sendMouse(*view, QEvent::MouseButtonPress, middle);
+    sendMouse(*view, QEvent::MouseMove, middle + QPointF(20, 0));
+    const Rect dragged = view->frame();
+    EXPECT_EQ(dragged, (Rect{120, 100, 100, 50}));
+    sendMouse(*view, QEvent::MouseMove, middle, Qt::NoButton);
+    EXPECT_EQ(view->frame(), dragged);
+    EXPECT_FALSE(view->isDraggingInteractively());
+}
+
 TEST_F(InteractiveStampViewTest, OtherButtonsDoNothing) {
     sendMouse(*view, QEvent::MouseButtonPress, middle, Qt::RightButton);
     EXPECT_FALSE(view->isDraggingInteractively());
