@@ -10,10 +10,13 @@ namespace vellmora {
 
 // Values of a file in numbers. What is damaged counts as absent.
 
+/// Read here and not by the library, which takes the decimal point of the process' locale.
+std::optional<double> numberOf(QPDFObjectHandle object);
+
+double numberOr(const QPDFObjectHandle& object, double fallback);
+
 /// All numbers of an array; empty where it is none or holds anything else.
 std::vector<double> numbersOf(QPDFObjectHandle array);
-
-double numberOr(QPDFObjectHandle object, double fallback);
 
 /// The rectangle between two opposite corners, in whatever order they come; it may be empty.
 std::optional<Rect> rectangleOf(const QPDFObjectHandle& array);

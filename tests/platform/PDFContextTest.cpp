@@ -4,6 +4,7 @@
 #include "platform/pdf/drawing/ContentText.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/GermanNumbers.h"
 #include "tests/support/TestImages.h"
 
 using namespace vellmora;
@@ -26,6 +27,24 @@ TEST(PDFContextTest, WritesNumbersWithoutExponents) {
     EXPECT_EQ(pdfNumber(-0.0000001), "0");
     EXPECT_EQ(pdfNumber(1200), "1200");
     EXPECT_EQ(pdfNumber(123456789.125), "123456789.125");
+}
+
+TEST(PDFContextTest, ReadsAndWritesFractionsWhereTheLocaleHasADecimalComma) {
+    const GermanNumbers numbers;
+    if (!numbers.areInUse())
+        GTEST_SKIP() << "no German locale is installed, nor the means to make one";
+    PdfBuilder source;
+    source
+        .page(
+            "/MediaBox [0 0 595.75 +841.5] /Annots [<< /Subtype /Stamp /Rect [.5 0 1.5 1] /AP << /N 1000 0 R "
+            ">> "
+            ">> << /Subtype /FreeText /Rect [0 0 90 90] /DA (/F 9.5 Tf) /Contents (a) >>]")
+        .stream("/Subtype /Form /BBox [0 0 0.5 0.5]", "");
+    Output output(drawFirstPage(source));
+    EXPECT_EQ(output.page().getKey("/MediaBox").unparse(), "[ 0 0 595.75 841.5 ]");
+    EXPECT_NE(output.pageContent().find("q 2 0 0 2 0.5 0 cm /A0 Do Q"), std::string::npos)
+        << output.pageContent();
+    EXPECT_NE(output.contentOf("/A1").find("/F0 9.5 Tf"), std::string::npos);
 }
 
 TEST(PDFContextTest, CarriesASingleContentStreamOverByteForByte) {

@@ -8,7 +8,7 @@ build_packages=(
     libfontconfig-dev libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
     fonts-roboto-unhinted
     libgmock-dev libgtest-dev
-    poppler-utils mupdf-tools qpdf
+    poppler-utils mupdf-tools qpdf locales
 )
 # A virtual display, for the guided tour and the tests in the real window.
 tour_packages=(xvfb openbox xdotool dbus-daemon at-spi2-core python3-gi imagemagick poppler-utils)

@@ -1,5 +1,7 @@
 #include "platform/pdf/reading/PageTree.h"
 
+#include "platform/pdf/PDFValues.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,8 +20,10 @@ std::optional<Rect> boxFromArray(QPDFObjectHandle array) {
         return std::nullopt;
     std::array<double, 4> edges{};
     for (size_t i = 0; i < edges.size(); ++i) {
-        if (!array.getArrayItem(static_cast<int>(i)).getValueAsNumber(edges[i]) || !std::isfinite(edges[i]))
+        const std::optional<double> edge = numberOf(array.getArrayItem(static_cast<int>(i)));
+        if (!edge)
             return std::nullopt;
+        edges[i] = *edge;
     }
     const Rect box = rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
     return box.isEmpty() ? std::nullopt : std::optional(box);
@@ -62,8 +66,7 @@ SourcePage makePage(const QPDFObjectHandle& dictionary, InheritedAttributes attr
     Rect cropBox = intersection(boxFromArray(attributes.cropBox).value_or(mediaBox), mediaBox);
     if (cropBox.isEmpty())
         cropBox = mediaBox;
-    double rotation = 0;
-    attributes.rotate.getValueAsNumber(rotation);
+    const double rotation = numberOr(attributes.rotate, 0);
     const bool isWhole = std::abs(rotation) < 1e6 && rotation == std::floor(rotation);
     const PageOrientation orientation(mediaBox, isWhole ? static_cast<int>(rotation) : 0);
     return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, false};
