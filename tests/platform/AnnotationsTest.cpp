@@ -161,6 +161,13 @@ TEST(AnnotationsTest, DrawsChoicesAndButtonsThatBringNoAppearance) {
     EXPECT_THAT(
         Drawn("/Subtype /FreeText /Rect [0 0 100 50] /DA (/Helv 9 Tf) /Contents (Note) /C [1 1 0]").content(),
         testing::AllOf(HasSubstr("(Note) Tj"), HasSubstr("1 1 0 rg")));
+    for (const char* lineBreak : {"\\n", "\\r", "\\r\\n"})
+        EXPECT_EQ(shownText(Drawn(std::string("/Subtype /FreeText /Rect [0 0 100 50] /DA (/Helv 10 Tf) "
+                                              "/Contents (One") +
+                                  lineBreak + "two)")
+                                .content()),
+                  "3 39 (One)\n3 27.5 (two)\n")
+            << lineBreak;
 }
 
 TEST(AnnotationsTest, WritesAFieldAnewWhereTheFormAsksForItAndItsTextIsOld) {

@@ -23,7 +23,6 @@ constexpr int combFlag = 25;
 
 QString displayedText(const FormField& field) {
     QString text = field.is("/Ch") ? chosenOption(field) : field.text("/V");
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     if (field.is("/Tx") && field.hasFlag(passwordFlag))
         text.fill(QLatin1Char('*'));
     return text;

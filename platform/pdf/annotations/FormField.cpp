@@ -9,9 +9,13 @@ constexpr int maxDepth = 100;  // of fields above one another; a loop ends there
 }  // namespace
 
 QString textOf(QPDFObjectHandle object) {
-    if (object.isString())
-        return QString::fromStdString(object.getUTF8Value());
-    return object.isName() ? QString::fromStdString(object.getName()).mid(1) : QString();
+    if (object.isName())
+        return QString::fromStdString(object.getName()).mid(1);
+    if (!object.isString())
+        return {};
+    QString text = QString::fromStdString(object.getUTF8Value());
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return text;
 }
 
 FormField::FormField(const Annotation& widget, const PDFSource& source)

@@ -36,7 +36,7 @@ private:
     int m_flags = 0;
 };
 
-/// A string's or a name's text; empty for all else.
+/// A string's or a name's text, with line feeds for line breaks of every kind; empty for all else.
 QString textOf(QPDFObjectHandle object);
 
 }  // namespace vellmora
