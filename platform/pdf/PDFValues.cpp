@@ -2,6 +2,8 @@
 
 #include "platform/pdf/drawing/ContentText.h"
 
+#include <cmath>
+
 namespace vellmora {
 
 std::optional<double> numberOf(QPDFObjectHandle object) {
@@ -12,6 +14,11 @@ std::optional<double> numberOf(QPDFObjectHandle object) {
 
 double numberOr(const QPDFObjectHandle& object, double fallback) {
     return numberOf(object).value_or(fallback);
+}
+
+int rotationOf(const QPDFObjectHandle& object) {
+    const double degrees = std::fmod(numberOr(object, 0), 360);
+    return std::fmod(degrees, 90) == 0 ? (static_cast<int>(degrees) + 360) % 360 : 0;
 }
 
 std::vector<double> numbersOf(QPDFObjectHandle array) {

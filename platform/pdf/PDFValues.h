@@ -15,6 +15,9 @@ std::optional<double> numberOf(QPDFObjectHandle object);
 
 double numberOr(const QPDFObjectHandle& object, double fallback);
 
+/// Degrees as a file states a turn, any multiple of 90, as 0, 90, 180 or 270; anything else counts as 0.
+int rotationOf(const QPDFObjectHandle& object);
+
 /// All numbers of an array; empty where it is none or holds anything else.
 std::vector<double> numbersOf(QPDFObjectHandle array);
 

@@ -11,7 +11,7 @@ namespace {
 constexpr double padding = 2;
 
 QTransform turnedInto(const Rect& rect, int degrees) {
-    switch (((degrees % 360) + 360) % 360) {
+    switch (degrees) {
         case 90:
             return QTransform(0, 1, -1, 0, rect.maxX(), rect.minY());
         case 180:
@@ -42,7 +42,7 @@ FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
     if (look.isDictionary()) {
         m_background = numbersOf(look.getKey("/BG"));
         m_border = numbersOf(look.getKey("/BC"));
-        degrees = static_cast<int>(numberOr(look.getKey("/R"), 0));
+        degrees = rotationOf(look.getKey("/R"));
     }
     QPDFObjectHandle style = widget.entry("/BS");
     if (style.isDictionary() && style.getKey("/S").isName())

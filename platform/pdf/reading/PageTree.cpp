@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <optional>
 #include <set>
 #include <utility>
@@ -66,9 +65,7 @@ SourcePage makePage(const QPDFObjectHandle& dictionary, InheritedAttributes attr
     Rect cropBox = intersection(boxFromArray(attributes.cropBox).value_or(mediaBox), mediaBox);
     if (cropBox.isEmpty())
         cropBox = mediaBox;
-    const double rotation = numberOr(attributes.rotate, 0);
-    const bool isWhole = std::abs(rotation) < 1e6 && rotation == std::floor(rotation);
-    const PageOrientation orientation(mediaBox, isWhole ? static_cast<int>(rotation) : 0);
+    const PageOrientation orientation(mediaBox, rotationOf(attributes.rotate));
     return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, false};
 }
 
