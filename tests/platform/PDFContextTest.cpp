@@ -82,6 +82,16 @@ TEST(PDFContextTest, CarriesValuesOfEveryKind) {
               QPDFObjectHandle::parse(values).unparse());
 }
 
+TEST(PDFContextTest, CarriesNamesThatHaveNumberSigns) {
+    PdfBuilder source;
+    source.page("/Group << /A#2341 /C#23 /B#zz /x#ff!y >>");
+    Output output(drawFirstPage(source));
+    QPDFObjectHandle group = output.page().getKey("/Group");
+    EXPECT_TRUE(group.getKey("/A#41").isNameAndEquals("/C#")) << group.unparse();
+    EXPECT_TRUE(group.getKey(std::string("/B\0zz", 5)).isNameAndEquals("/x\xff!y"))
+        << "a stray sign stays one, which the library keeps as a null character";
+}
+
 TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
     PdfBuilder source;
     source
@@ -155,8 +165,8 @@ TEST(PDFContextTest, SaysPlainlyWhatSomeReadersDoNotFollow) {
 }
 
 TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
-    std::string resources;
-    for (int i = 0; i < 20; ++i)
+    std::string resources = " /X#zz 1000 0 R";
+    for (int i = 0; i < 19; ++i)
         resources += " /X" + std::to_string(i) + " 100" + std::to_string(i % 2) + " 0 R";
     const std::string page = "/Resources << /XObject <<" + resources + " >> >>";
     const auto drawnResources = [&](const std::string& content, const std::string& formEntries) {
@@ -167,6 +177,7 @@ TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
     };
     EXPECT_EQ(drawnResources("/X2 Do (/X4)Tj/X#36 Do BI /W 1 ID /#\xff#1 EI", ""),
               (std::set<std::string>{"/X2", "/X4", "/X6"}));
+    EXPECT_EQ(drawnResources("/X#zz Do", "").size(), 1U) << "no escape";
     EXPECT_EQ(drawnResources("/X1 Do", "").size(), 20U) << "a form that draws with the page's resources";
     EXPECT_EQ(drawnResources("/X1 Do", " /Resources << >>").size(), 1U);
 }
