@@ -180,6 +180,17 @@ TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
     EXPECT_EQ(drawnResources("/X#zz Do", "").size(), 1U) << "no escape";
     EXPECT_EQ(drawnResources("/X1 Do", "").size(), 20U) << "a form that draws with the page's resources";
     EXPECT_EQ(drawnResources("/X1 Do", " /Resources << >>").size(), 1U);
+    PdfBuilder source;
+    source.page(page + " /Contents 1002 0 R").stream("", "").stream("", "").stream("/Filter /Odd", "?");
+    EXPECT_EQ(Output(drawFirstPage(source))
+                  .drawn("/P")
+                  .getDict()
+                  .getKey("/Resources")
+                  .getKey("/XObject")
+                  .getKeys()
+                  .size(),
+              20U)
+        << "content that only other readers may decode";
 }
 
 TEST(PDFContextTest, PassesTheConsumersErrorOn) {

@@ -61,8 +61,9 @@ std::optional<Names> namesInContent(const SourcePage& page) {
     Names names;
     for (QPDFObjectHandle& stream : contentStreamsOf(page)) {
         std::string content;
+        bool isDecoded = false;
         Pl_String receiver("page content", nullptr, content);
-        if (!stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_specialized, true))
+        if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized, true) || !isDecoded)
             return std::nullopt;
         collectNames(content, names);
     }
