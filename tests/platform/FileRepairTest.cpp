@@ -1,4 +1,5 @@
 #include "platform/pdf/PageDrawing.h"
+#include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
 #include "tests/support/TestPdf.h"
@@ -12,14 +13,7 @@ const std::string mark = "0.5 0.5 0.5 rg 0 0 50 50 re f";
 
 /// Whether the page has, when it is drawn, the content that it has in `pages`.
 bool hasContent(const PDFDocument& document, qsizetype index) {
-    const QByteArray drawing = makePageDrawing(document, index);
-    QPDF pdf;
-    pdf.processMemoryFile("drawing", drawing.constData(), static_cast<size_t>(drawing.size()));
-    QPDFObjectHandle page = pdf.getAllPages().at(0);
-    QPDFObjectHandle resources = page.getKey("/Resources");
-    const auto data = resources.getKey("/XObject").getKey("/P").getStreamData();
-    const std::string content(reinterpret_cast<const char*>(data->getBuffer()), data->getSize());
-    return content.find(mark) != std::string::npos;
+    return Output(makePageDrawing(document, index)).contentOf("/P").find(mark) != std::string::npos;
 }
 
 /// The number of pages, all of which must have their content; −1 for a file that does not open.

@@ -12,7 +12,7 @@ using namespace vellmora::test;
 
 namespace {
 
-/// Takes a number of bytes and then fails, as a full disk does.
+/// Fails as a full disk does.
 class FailingConsumer : public PDFDataConsumer {
 public:
     void write(const char*, qint64) override { throw Error(Error::posixDomain, 28, QStringLiteral("voll")); }
@@ -69,7 +69,7 @@ TEST(PDFContextTest, JoinsSeveralContentStreamsWithoutGluingTheirTokens) {
         .stream("", "1 0 0 rg")
         .stream("", "Q");
     Output output(drawFirstPage(source));
-    EXPECT_EQ(text(output.drawn("/P").getStreamData()), "q\n1 0 0 rg\nQ\n");
+    EXPECT_EQ(output.contentOf("/P"), "q\n1 0 0 rg\nQ\n");
 }
 
 TEST(PDFContextTest, CarriesValuesOfEveryKind) {
@@ -138,7 +138,7 @@ TEST(PDFContextTest, StoresAPictureOnceAndItsAlphaOnlyWhereItIsNeeded) {
     EXPECT_FALSE(output.drawn("/S0").getDict().hasKey("/SMask"));
     EXPECT_EQ(text(output.drawn("/S1").getDict().getKey("/SMask").getStreamData()),
               std::string(8, char(100)));
-    EXPECT_EQ(text(output.page().getKey("/Contents").getStreamData()),
+    EXPECT_EQ(output.pageContent(),
               "q 30 0 0 40 1 2 cm /S0 Do Q\nq 30 0 0 40 1 2 cm /S1 Do Q\nq 30 0 0 40 50 2 cm /S0 Do Q\n");
 }
 
