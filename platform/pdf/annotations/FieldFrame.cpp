@@ -1,5 +1,6 @@
 #include "platform/pdf/annotations/FieldFrame.h"
 
+#include "platform/pdf/annotations/TextFont.h"
 #include "platform/pdf/drawing/ContentText.h"
 
 #include <algorithm>
@@ -8,7 +9,7 @@ namespace vellmora {
 
 namespace {
 
-constexpr double padding = 2;
+constexpr double padding = 2;  // in points
 
 QTransform turnedInto(const Rect& rect, int degrees) {
     switch (degrees) {
@@ -55,8 +56,7 @@ FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
 }
 
 Rect FieldFrame::content() const {
-    const bool isRaised = m_style == "/B" || m_style == "/I";
-    const Rect inside = m_box.insetBy(isRaised ? 2 * m_width : m_width);
+    const Rect inside = m_box.insetBy(isRaised() ? 2 * m_width : m_width);
     return {inside.x + padding, inside.y, inside.width - 2 * padding, inside.height};
 }
 
@@ -79,13 +79,13 @@ void FieldFrame::draw(FormDrawing& drawing) const {
         else
             drawing.rectangle(line);
         drawing.paintPath(false, true);
-        if (!m_isRound && (m_style == "/B" || m_style == "/I"))
+        if (!m_isRound && isRaised())
             drawRaisedEdges(drawing);
     }
     drawing.add("Q");
 }
 
-/// A bevelled or inset look: light from the upper left.
+/// With light from the upper left.
 void FieldFrame::drawRaisedEdges(FormDrawing& drawing) const {
     const Rect outer = inner();
     const Rect inside = outer.insetBy(m_width);
@@ -114,6 +114,7 @@ void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const 
         std::find_if(std::begin(marks), std::end(marks), [&](const Mark& m) { return m.sign == code; });
     const Mark mark = known != std::end(marks) ? *known : Mark{code, 0.78, 0.35};
     const double size = style.fontSize > 0 ? style.fontSize : std::min(box.height, box.width) * 0.9;
+    drawing.addFont("/ZaDb", standardFont("/ZapfDingbats"));
     drawing.add("BT");
     drawing.add(style.color.empty() ? "0 g" : style.color);
     drawing.add("/ZaDb " + pdfNumber(size) + " Tf");

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <ranges>
 #include <set>
 #include <utility>
 
@@ -52,11 +53,11 @@ struct InheritedAttributes {
 
 private:
     /// A reference is followed when a page is drawn, not for each page when the file is opened.
-    void takeResources(QPDFObjectHandle own) {
-        if (!own.isIndirect() && own.isNull())
+    void takeResources(const QPDFObjectHandle& own) {
+        if (!own.isIndirect() && QPDFObjectHandle(own).isNull())
             return;
         outerResources = resources;
-        resources = std::move(own);
+        resources = own;
     }
 };
 
@@ -154,8 +155,8 @@ InheritedAttributes attributesFromParents(const QPDFObjectHandle& page) {
          node = node.getKey("/Parent"))
         nodes.push_back(node);
     InheritedAttributes attributes;
-    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
-        attributes = attributes.overriddenBy(*node);
+    for (const QPDFObjectHandle& node : std::views::reverse(nodes))
+        attributes = attributes.overriddenBy(node);
     return attributes;
 }
 
