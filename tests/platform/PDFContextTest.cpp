@@ -74,7 +74,7 @@ TEST(PDFContextTest, JoinsSeveralContentStreamsWithoutGluingTheirTokens) {
 
 TEST(PDFContextTest, CarriesValuesOfEveryKind) {
     const std::string values =
-        "[ / 5 /A#20B#2f (a\\)b\\\\) <00ff> -1.50 .5 true null << / << /B [ ] >> /C#23 / >> () [ / / ] ]";
+        R"([ / 5 /A#20B#2f (a\)b\\) <00ff> -1.50 .5 true null << / << /B [ ] >> /C#23 / >> () [ / / ] ])";
     PdfBuilder source;
     source.page("/Group << /S /Transparency /Values " + values + " >>");
     Output output(drawFirstPage(source));

@@ -1,5 +1,7 @@
 #include "platform/pdf/annotations/FormField.h"
 
+#include <utility>
+
 namespace vellmora {
 
 namespace {
@@ -18,8 +20,8 @@ QString textOf(QPDFObjectHandle object) {
     return text;
 }
 
-FormField::FormField(const Annotation& widget, const PDFSource& source)
-    : m_widget(widget), m_form(source.catalog().getKey("/AcroForm")) {
+FormField::FormField(Annotation widget, const PDFSource& source)
+    : m_widget(std::move(widget)), m_form(source.catalog().getKey("/AcroForm")) {
     QPDFObjectHandle type = attribute("/FT");
     if (type.isName())
         m_type = type.getName();
