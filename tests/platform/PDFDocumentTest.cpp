@@ -97,7 +97,7 @@ TEST(PDFDocumentTest, DoesNotGrowWithoutBoundWhereNodesAreRepeated) {
     PdfBuilder builder = pages(1);
     for (int i = 1; i <= levels; ++i) {
         const std::string kid = std::to_string(i < levels ? PdfBuilder::firstExtraObject + i : 3) + " 0 R ";
-        builder.object("<< /Type /Pages /Kids [ " + kid + kid + "] >>");
+        builder.object(std::string("<< /Type /Pages /Kids [ ").append(kid).append(kid).append("] >>"));
     }
     QByteArray bytes = builder.bytes();
     bytes.replace("/Pages 2 0 R", "/Pages 1000 0 R");

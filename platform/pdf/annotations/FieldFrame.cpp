@@ -4,6 +4,7 @@
 #include "platform/pdf/drawing/ContentText.h"
 
 #include <algorithm>
+#include <array>
 
 namespace vellmora {
 
@@ -31,8 +32,12 @@ struct Mark {
 };
 
 // From the published metrics of ZapfDingbats: check mark, cross, star, circle, square, diamond.
-constexpr Mark marks[] = {{'4', 0.755, 0.36}, {'8', 0.760, 0.34}, {'H', 0.816, 0.34},
-                          {'l', 0.791, 0.35}, {'n', 0.761, 0.35}, {'u', 0.788, 0.35}};
+constexpr auto marks = std::to_array<Mark>({{'4', 0.755, 0.36},
+                                            {'8', 0.760, 0.34},
+                                            {'H', 0.816, 0.34},
+                                            {'l', 0.791, 0.35},
+                                            {'n', 0.761, 0.35},
+                                            {'u', 0.788, 0.35}});
 
 }  // namespace
 
@@ -110,9 +115,9 @@ void FieldFrame::drawRaisedEdges(FormDrawing& drawing) const {
 
 void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style) {
     const char code = sign.at(0).toLatin1();
-    const Mark* known =
-        std::find_if(std::begin(marks), std::end(marks), [&](const Mark& m) { return m.sign == code; });
-    const Mark mark = known != std::end(marks) ? *known : Mark{code, 0.78, 0.35};
+    const auto known =
+        std::find_if(marks.begin(), marks.end(), [&](const Mark& m) { return m.sign == code; });
+    const Mark mark = known != marks.end() ? *known : Mark{code, 0.78, 0.35};
     const double size = style.fontSize > 0 ? style.fontSize : std::min(box.height, box.width) * 0.9;
     drawing.addFont("/ZaDb", standardFont("/ZapfDingbats"));
     drawing.add("BT");

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <ranges>
 #include <set>
 #include <utility>
 
@@ -61,7 +60,7 @@ private:
     }
 };
 
-SourcePage makePage(const QPDFObjectHandle& dictionary, InheritedAttributes attributes) {
+SourcePage makePage(const QPDFObjectHandle& dictionary, const InheritedAttributes& attributes) {
     const Rect mediaBox = boxFromArray(attributes.mediaBox).value_or(letterSize);
     Rect cropBox = intersection(boxFromArray(attributes.cropBox).value_or(mediaBox), mediaBox);
     if (cropBox.isEmpty())
@@ -155,7 +154,8 @@ InheritedAttributes attributesFromParents(const QPDFObjectHandle& page) {
          node = node.getKey("/Parent"))
         nodes.push_back(node);
     InheritedAttributes attributes;
-    for (const QPDFObjectHandle& node : std::views::reverse(nodes))
+    std::reverse(nodes.begin(), nodes.end());
+    for (const QPDFObjectHandle& node : nodes)
         attributes = attributes.overriddenBy(node);
     return attributes;
 }
