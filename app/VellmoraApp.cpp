@@ -5,6 +5,8 @@
 #include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
+#include <clocale>
+
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QIcon>
@@ -46,6 +48,8 @@ static QIcon programIcon() {
 }
 
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_fontConfiguration(prepare()), m_application(argc, argv) {
+    // Libraries read and write numbers of files with it; the toolkit's dialogs do not ask for it.
+    std::setlocale(LC_NUMERIC, "C");
     QApplication::setApplicationName(QStringLiteral("vellmora"));
     QApplication::setApplicationVersion(QStringLiteral(VELLMORA_VERSION));
     QApplication::setApplicationDisplayName(QStringLiteral("Vellmora"));

@@ -12,6 +12,12 @@ struct ObjectPlace {
     int detail = 0;       ///< the generation, or the index in the object stream
 };
 
+/// Greater numbers are more than readers need to take (ISO 32000-1, annex C).
+inline bool isObjectNumber(int number) {
+    constexpr int greatest = 8388607;
+    return number >= 1 && number <= greatest;
+}
+
 /// By object number.
 using ObjectPlaces = std::map<int, ObjectPlace>;
 

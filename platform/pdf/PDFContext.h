@@ -32,7 +32,8 @@ public:
 
     /// Draws a source page into the page that was begun with that page's bounds for `box`. The output page
     /// gets the page's own box and rotation back, and what is drawn after it is placed in page space. Content
-    /// is carried over losslessly, also what is damaged in it; what cannot be read is left out. Never fails.
+    /// is carried over losslessly, also what is damaged in it; what cannot be read is left out. Throws
+    /// `std::bad_alloc` and nothing else.
     ///
     /// The document must live until `close`; other threads that draw from it wait for that.
     void drawPage(const PDFDocument& document, qsizetype pageIndex, DisplayBox box);

@@ -9,6 +9,7 @@
 #include "platform/pdf/writing/OutputStreams.h"
 
 #include <exception>
+#include <new>
 #include <utility>
 
 namespace vellmora {
@@ -19,11 +20,14 @@ QPDFObjectHandle emptyDictionary() {
     return QPDFObjectHandle::newDictionary();
 }
 
-/// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn.
+/// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn. A
+/// sound page must not be left out for want of memory.
 template <typename Step>
 void attempt(Step step) {
     try {
         step();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
     }
 }

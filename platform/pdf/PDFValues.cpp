@@ -6,22 +6,32 @@
 
 namespace vellmora {
 
+std::optional<double> numberOf(QPDFObjectHandle object) {
+    if (object.isInteger())
+        return static_cast<double>(object.getIntValue());
+    return object.isReal() ? std::optional(parsedNumber(object.getRealValue())) : std::nullopt;
+}
+
+double numberOr(const QPDFObjectHandle& object, double fallback) {
+    return numberOf(object).value_or(fallback);
+}
+
+int rotationOf(const QPDFObjectHandle& object) {
+    const double degrees = std::fmod(numberOr(object, 0), 360);
+    return std::fmod(degrees, 90) == 0 ? (static_cast<int>(degrees) + 360) % 360 : 0;
+}
+
 std::vector<double> numbersOf(QPDFObjectHandle array) {
     std::vector<double> numbers;
     if (!array.isArray())
         return numbers;
-    for (QPDFObjectHandle item : array.aitems()) {
-        double number = 0;
-        if (!item.getValueAsNumber(number) || !std::isfinite(number))
+    for (const QPDFObjectHandle& item : array.aitems()) {
+        const std::optional<double> number = numberOf(item);
+        if (!number)
             return {};
-        numbers.push_back(number);
+        numbers.push_back(*number);
     }
     return numbers;
-}
-
-double numberOr(QPDFObjectHandle object, double fallback) {
-    double number = 0;
-    return object.getValueAsNumber(number) && std::isfinite(number) ? number : fallback;
 }
 
 std::optional<Rect> rectangleOf(const QPDFObjectHandle& array) {

@@ -10,10 +10,16 @@ namespace vellmora {
 
 // Values of a file in numbers. What is damaged counts as absent.
 
+/// Read here and not by the library, which takes the decimal point of the process' locale.
+std::optional<double> numberOf(QPDFObjectHandle object);
+
+double numberOr(const QPDFObjectHandle& object, double fallback);
+
+/// Degrees as a file states a turn, any multiple of 90, as 0, 90, 180 or 270; anything else counts as 0.
+int rotationOf(const QPDFObjectHandle& object);
+
 /// All numbers of an array; empty where it is none or holds anything else.
 std::vector<double> numbersOf(QPDFObjectHandle array);
-
-double numberOr(QPDFObjectHandle object, double fallback);
 
 /// The rectangle between two opposite corners, in whatever order they come; it may be empty.
 std::optional<Rect> rectangleOf(const QPDFObjectHandle& array);

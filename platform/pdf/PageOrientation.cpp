@@ -2,15 +2,6 @@
 
 namespace vellmora {
 
-static int normalizedRotation(int degrees) {
-    if (degrees % 90 != 0)
-        return 0;
-    return ((degrees % 360) + 360) % 360;
-}
-
-PageOrientation::PageOrientation(const Rect& mediaBox, int rotation)
-    : m_mediaBox(mediaBox), m_rotation(normalizedRotation(rotation)) {}
-
 Rect PageOrientation::uprightMediaBox() const {
     const Rect& box = m_mediaBox;
     if (m_rotation % 180 == 0)

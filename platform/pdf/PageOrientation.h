@@ -7,13 +7,11 @@ namespace vellmora {
 /// How a page of a file (its own space: the media box as the file states it) lies in page space (upright).
 class PageOrientation {
 public:
-    /// `rotation` in degrees clockwise, as a file states it: any multiple of 90, also negative or above 360;
-    /// anything else counts as 0.
-    PageOrientation(const Rect& mediaBox, int rotation);
+    /// `rotation` in degrees clockwise: 0, 90, 180 or 270.
+    PageOrientation(const Rect& mediaBox, int rotation) : m_mediaBox(mediaBox), m_rotation(rotation) {}
 
     /// The file's own box.
     const Rect& mediaBox() const { return m_mediaBox; }
-    /// 0, 90, 180 or 270.
     int rotation() const { return m_rotation; }
     Rect uprightMediaBox() const;
     /// From the file's own space to page space; the identity for a page that is not turned.

@@ -92,6 +92,16 @@ TEST(FileRepairTest, DoesNotTakeStreamDataForObjects) {
     PdfBuilder builder = pages(1);
     builder.stream("", "3 0 obj\n(no page)\n");
     EXPECT_EQ(readablePages(upTo(builder.bytes(), "xref\n0 1")), 1);
+    builder.stream("/Note (a stream of words)", "3 0 obj\n(no page)\n");
+    EXPECT_EQ(readablePages(upTo(builder.bytes(), "xref\n0 1")), 1);
+}
+
+TEST(FileRepairTest, PassesOverMembersWithImpossibleNumbers) {
+    PdfBuilder builder = pages(1);
+    builder.stream("/Type /ObjStm /N 1 /First 13", "2147483647 0 null");
+    QByteArray bytes = upTo(builder.bytes(), "xref\n0 1");
+    bytes.replace("/Catalog", "/Unknown");
+    EXPECT_EQ(readablePages(bytes), 1);
 }
 
 TEST(FileRepairTest, ReadsObjectStreamsWithoutTheirTable) {

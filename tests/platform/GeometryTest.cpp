@@ -21,15 +21,6 @@ TEST(RectTest, IntersectionOfApartRectanglesIsEmpty) {
     EXPECT_TRUE(intersection({0, 0, 10, 10}, {10, 0, 5, 5}).isEmpty());
 }
 
-TEST(PageOrientationTest, NormalizesTheRotation) {
-    const Rect box{0, 0, 100, 200};
-    const auto rotation = [&](int degrees) { return PageOrientation(box, degrees).rotation(); };
-    EXPECT_EQ(rotation(450), 90);
-    EXPECT_EQ(rotation(-90), 270);
-    EXPECT_EQ(rotation(-360), 0);
-    EXPECT_EQ(rotation(45), 0);
-}
-
 /// A small square at the page's own lower left, as its reader sees it when the page is turned clockwise.
 TEST(PageOrientationTest, PutsTheCornersWhereTheReaderSeesThem) {
     const Rect box{10, 20, 100, 200};

@@ -4,6 +4,7 @@
 #include "platform/pdf/drawing/ContentText.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/GermanNumbers.h"
 #include "tests/support/TestImages.h"
 
 using namespace vellmora;
@@ -11,7 +12,7 @@ using namespace vellmora::test;
 
 namespace {
 
-/// Takes a number of bytes and then fails, as a full disk does.
+/// Fails as a full disk does.
 class FailingConsumer : public PDFDataConsumer {
 public:
     void write(const char*, qint64) override { throw Error(Error::posixDomain, 28, QStringLiteral("voll")); }
@@ -26,6 +27,24 @@ TEST(PDFContextTest, WritesNumbersWithoutExponents) {
     EXPECT_EQ(pdfNumber(-0.0000001), "0");
     EXPECT_EQ(pdfNumber(1200), "1200");
     EXPECT_EQ(pdfNumber(123456789.125), "123456789.125");
+}
+
+TEST(PDFContextTest, ReadsAndWritesFractionsWhereTheLocaleHasADecimalComma) {
+    const GermanNumbers numbers;
+    if (!numbers.areInUse())
+        GTEST_SKIP() << "no German locale is installed, nor the means to make one";
+    PdfBuilder source;
+    source
+        .page(
+            "/MediaBox [0 0 595.75 +841.5] /Annots [<< /Subtype /Stamp /Rect [.5 0 1.5 1] /AP << /N 1000 0 R "
+            ">> "
+            ">> << /Subtype /FreeText /Rect [0 0 90 90] /DA (/F 9.5 Tf) /Contents (a) >>]")
+        .stream("/Subtype /Form /BBox [0 0 0.5 0.5]", "");
+    Output output(drawFirstPage(source));
+    EXPECT_EQ(output.page().getKey("/MediaBox").unparse(), "[ 0 0 595.75 841.5 ]");
+    EXPECT_NE(output.pageContent().find("q 2 0 0 2 0.5 0 cm /A0 Do Q"), std::string::npos)
+        << output.pageContent();
+    EXPECT_NE(output.contentOf("/A1").find("/F0 9.5 Tf"), std::string::npos);
 }
 
 TEST(PDFContextTest, CarriesASingleContentStreamOverByteForByte) {
@@ -50,17 +69,27 @@ TEST(PDFContextTest, JoinsSeveralContentStreamsWithoutGluingTheirTokens) {
         .stream("", "1 0 0 rg")
         .stream("", "Q");
     Output output(drawFirstPage(source));
-    EXPECT_EQ(text(output.drawn("/P").getStreamData()), "q\n1 0 0 rg\nQ\n");
+    EXPECT_EQ(output.contentOf("/P"), "q\n1 0 0 rg\nQ\n");
 }
 
 TEST(PDFContextTest, CarriesValuesOfEveryKind) {
     const std::string values =
-        "[ / 5 /A#20B#2f (a\\)b\\\\) <00ff> -1.50 .5 true null << / << /B [ ] >> /C#23 / >> () [ / / ] ]";
+        R"([ / 5 /A#20B#2f (a\)b\\) <00ff> -1.50 .5 true null << / << /B [ ] >> /C#23 / >> () [ / / ] ])";
     PdfBuilder source;
     source.page("/Group << /S /Transparency /Values " + values + " >>");
     Output output(drawFirstPage(source));
     EXPECT_EQ(output.page().getKey("/Group").getKey("/Values").unparse(),
               QPDFObjectHandle::parse(values).unparse());
+}
+
+TEST(PDFContextTest, CarriesNamesThatHaveNumberSigns) {
+    PdfBuilder source;
+    source.page("/Group << /A#2341 /C#23 /B#zz /x#ff!y >>");
+    Output output(drawFirstPage(source));
+    QPDFObjectHandle group = output.page().getKey("/Group");
+    EXPECT_TRUE(group.getKey("/A#41").isNameAndEquals("/C#")) << group.unparse();
+    EXPECT_TRUE(group.getKey(std::string("/B\0zz", 5)).isNameAndEquals("/x\xff!y"))
+        << "a stray sign stays one, which the library keeps as a null character";
 }
 
 TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
@@ -109,7 +138,7 @@ TEST(PDFContextTest, StoresAPictureOnceAndItsAlphaOnlyWhereItIsNeeded) {
     EXPECT_FALSE(output.drawn("/S0").getDict().hasKey("/SMask"));
     EXPECT_EQ(text(output.drawn("/S1").getDict().getKey("/SMask").getStreamData()),
               std::string(8, char(100)));
-    EXPECT_EQ(text(output.page().getKey("/Contents").getStreamData()),
+    EXPECT_EQ(output.pageContent(),
               "q 30 0 0 40 1 2 cm /S0 Do Q\nq 30 0 0 40 1 2 cm /S1 Do Q\nq 30 0 0 40 50 2 cm /S0 Do Q\n");
 }
 
@@ -136,8 +165,8 @@ TEST(PDFContextTest, SaysPlainlyWhatSomeReadersDoNotFollow) {
 }
 
 TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
-    std::string resources;
-    for (int i = 0; i < 20; ++i)
+    std::string resources = " /X#zz 1000 0 R";
+    for (int i = 0; i < 19; ++i)
         resources += " /X" + std::to_string(i) + " 100" + std::to_string(i % 2) + " 0 R";
     const std::string page = "/Resources << /XObject <<" + resources + " >> >>";
     const auto drawnResources = [&](const std::string& content, const std::string& formEntries) {
@@ -148,8 +177,20 @@ TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
     };
     EXPECT_EQ(drawnResources("/X2 Do (/X4)Tj/X#36 Do BI /W 1 ID /#\xff#1 EI", ""),
               (std::set<std::string>{"/X2", "/X4", "/X6"}));
+    EXPECT_EQ(drawnResources("/X#zz Do", "").size(), 1U) << "no escape";
     EXPECT_EQ(drawnResources("/X1 Do", "").size(), 20U) << "a form that draws with the page's resources";
     EXPECT_EQ(drawnResources("/X1 Do", " /Resources << >>").size(), 1U);
+    PdfBuilder source;
+    source.page(page + " /Contents 1002 0 R").stream("", "").stream("", "").stream("/Filter /Odd", "?");
+    EXPECT_EQ(Output(drawFirstPage(source))
+                  .drawn("/P")
+                  .getDict()
+                  .getKey("/Resources")
+                  .getKey("/XObject")
+                  .getKeys()
+                  .size(),
+              20U)
+        << "content that only other readers may decode";
 }
 
 TEST(PDFContextTest, PassesTheConsumersErrorOn) {

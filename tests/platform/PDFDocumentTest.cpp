@@ -63,6 +63,17 @@ TEST(PDFDocumentTest, ShowsTurnedPagesUpright) {
         << "the left part of the page is at the foot when turned";
 }
 
+TEST(PDFDocumentTest, TakesAnyQuarterTurnForARotationAndNothingElse) {
+    const auto isTurned = [](const char* rotation) {
+        const auto document = PdfBuilder().page(std::string("/Rotate ") + rotation).document();
+        return mediaBox(*document).width > mediaBox(*document).height;
+    };
+    for (const char* rotation : {"90", "450", "-90", "270.0", "-810"})
+        EXPECT_TRUE(isTurned(rotation)) << rotation;
+    for (const char* rotation : {"-360", "45", "90.5", "99999999999999999990", "(90)"})
+        EXPECT_FALSE(isTurned(rotation)) << rotation;
+}
+
 TEST(PDFDocumentTest, SurvivesLoopsRepeatsAndOddKidsInThePageTree) {
     QByteArray bytes = pages(1).object("<< /Type /Pages /Kids [ 3 0 R 2 0 R ] >>").bytes();
     bytes.replace("/Kids [ 3 0 R ]", "/Kids [ 2 0 R 3 0 R (x) 3 0 R 99 0 R 1000 0 R 1000 0 R ]");
@@ -86,7 +97,7 @@ TEST(PDFDocumentTest, DoesNotGrowWithoutBoundWhereNodesAreRepeated) {
     PdfBuilder builder = pages(1);
     for (int i = 1; i <= levels; ++i) {
         const std::string kid = std::to_string(i < levels ? PdfBuilder::firstExtraObject + i : 3) + " 0 R ";
-        builder.object("<< /Type /Pages /Kids [ " + kid + kid + "] >>");
+        builder.object(std::string("<< /Type /Pages /Kids [ ").append(kid).append(kid).append("] >>"));
     }
     QByteArray bytes = builder.bytes();
     bytes.replace("/Pages 2 0 R", "/Pages 1000 0 R");

@@ -7,7 +7,7 @@ build_packages=(
     qt6-base-dev qt6-base-dev-tools qt6-pdf-dev qt6-translations-l10n
     libfontconfig-dev libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
     fonts-roboto-unhinted
-    libgmock-dev libgtest-dev
+    libgmock-dev libgtest-dev locales
 )
 # A virtual display, for the guided tour and the tests in the real window.
 tour_packages=(xvfb openbox xdotool dbus-daemon at-spi2-core python3-gi imagemagick poppler-utils)

@@ -1,7 +1,6 @@
 #include "platform/pdf/annotations/Annotation.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace vellmora {
 
@@ -14,7 +13,7 @@ constexpr int noViewFlag = 1 << 5;
 
 }  // namespace
 
-Annotation::Annotation(QPDFObjectHandle dictionary) : m_dictionary(std::move(dictionary)) {
+Annotation::Annotation(const QPDFObjectHandle& dictionary) : m_dictionary(dictionary) {
     QPDFObjectHandle subtype = entry("/Subtype");
     if (subtype.isName())
         m_subtype = subtype.getName();

@@ -10,7 +10,7 @@ namespace vellmora {
 /// One annotation of a page and what its dictionary says. All lengths in points of the file's own page space.
 class Annotation {
 public:
-    explicit Annotation(QPDFObjectHandle dictionary);
+    explicit Annotation(const QPDFObjectHandle& dictionary);
 
     bool is(const char* subtype) const { return m_subtype == subtype; }
     /// By its flags and its kind; links and pop-ups are not painted.
@@ -23,8 +23,10 @@ public:
     const Rect& rect() const { return m_rect; }
     /// Grey, RGB or CMYK; none where it has none.
     std::vector<double> color(const char* key) const { return numbersOf(entry(key)); }
+    /// 0 … 1.
     double opacity() const;
     double borderWidth() const;
+    /// Empty for a solid line.
     std::vector<double> borderDashes() const;
 
 private:

@@ -7,7 +7,6 @@
 #include "platform/pdf/annotations/TextLayout.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace vellmora {
 
@@ -23,7 +22,6 @@ constexpr int combFlag = 25;
 
 QString displayedText(const FormField& field) {
     QString text = field.is("/Ch") ? chosenOption(field) : field.text("/V");
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     if (field.is("/Tx") && field.hasFlag(passwordFlag))
         text.fill(QLatin1Char('*'));
     return text;
@@ -42,7 +40,7 @@ bool isShown(const QString& text, const FormField& field, QPDFObjectHandle appea
         return false;
     const TextFont font(field.resources(), parseDefaultAppearance(field.defaultAppearance()).fontName);
     const std::string wanted = withoutSpaces(font.encoded(text));
-    const std::string shown = shownText(std::move(appearance));
+    const std::string shown = shownText(appearance);
     const bool isList = field.is("/Ch") && !field.hasFlag(comboFlag);
     return isList ? !shown.empty() && shown.find(wanted) != std::string::npos : shown == wanted;
 }
@@ -86,14 +84,13 @@ void drawButton(FormDrawing& drawing, const Annotation& widget, const FormField&
         return;
     if (caption.isEmpty())
         caption = field.hasFlag(radioFlag) ? QStringLiteral("l") : QStringLiteral("4");
-    const TextFont dingbats = TextFont::standard("/ZapfDingbats");
-    drawing.addFont("/ZaDb", copier.copy(dingbats.dictionary()));
     drawMark(drawing, caption.left(1), frame.inner(), style);
 }
 
 }  // namespace
 
-bool needsNewAppearance(const Annotation& widget, QPDFObjectHandle appearance, const PDFSource& source) {
+bool needsNewAppearance(const Annotation& widget, const QPDFObjectHandle& appearance,
+                        const PDFSource& source) {
     QPDFObjectHandle form = source.catalog().getKey("/AcroForm");
     QPDFObjectHandle wish =
         form.isDictionary() ? form.getKey("/NeedAppearances") : QPDFObjectHandle::newNull();

@@ -10,7 +10,8 @@ namespace vellmora {
 
 /// Whether the form asks viewers to draw its fields anew, and the appearance that this one brings shows
 /// another text than its value.
-bool needsNewAppearance(const Annotation& widget, QPDFObjectHandle appearance, const PDFSource& source);
+bool needsNewAppearance(const Annotation& widget, const QPDFObjectHandle& appearance,
+                        const PDFSource& source);
 
 /// The resources to use for an appearance that brings none; null where the form has none either.
 QPDFObjectHandle formResources(const Annotation& widget, const PDFSource& source);

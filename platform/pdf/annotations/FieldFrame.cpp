@@ -1,17 +1,19 @@
 #include "platform/pdf/annotations/FieldFrame.h"
 
+#include "platform/pdf/annotations/TextFont.h"
 #include "platform/pdf/drawing/ContentText.h"
 
 #include <algorithm>
+#include <array>
 
 namespace vellmora {
 
 namespace {
 
-constexpr double padding = 2;
+constexpr double padding = 2;  // in points
 
 QTransform turnedInto(const Rect& rect, int degrees) {
-    switch (((degrees % 360) + 360) % 360) {
+    switch (degrees) {
         case 90:
             return QTransform(0, 1, -1, 0, rect.maxX(), rect.minY());
         case 180:
@@ -30,8 +32,12 @@ struct Mark {
 };
 
 // From the published metrics of ZapfDingbats: check mark, cross, star, circle, square, diamond.
-constexpr Mark marks[] = {{'4', 0.755, 0.36}, {'8', 0.760, 0.34}, {'H', 0.816, 0.34},
-                          {'l', 0.791, 0.35}, {'n', 0.761, 0.35}, {'u', 0.788, 0.35}};
+constexpr auto marks = std::to_array<Mark>({{'4', 0.755, 0.36},
+                                            {'8', 0.760, 0.34},
+                                            {'H', 0.816, 0.34},
+                                            {'l', 0.791, 0.35},
+                                            {'n', 0.761, 0.35},
+                                            {'u', 0.788, 0.35}});
 
 }  // namespace
 
@@ -42,7 +48,7 @@ FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
     if (look.isDictionary()) {
         m_background = numbersOf(look.getKey("/BG"));
         m_border = numbersOf(look.getKey("/BC"));
-        degrees = static_cast<int>(numberOr(look.getKey("/R"), 0));
+        degrees = rotationOf(look.getKey("/R"));
     }
     QPDFObjectHandle style = widget.entry("/BS");
     if (style.isDictionary() && style.getKey("/S").isName())
@@ -55,8 +61,7 @@ FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
 }
 
 Rect FieldFrame::content() const {
-    const bool isRaised = m_style == "/B" || m_style == "/I";
-    const Rect inside = m_box.insetBy(isRaised ? 2 * m_width : m_width);
+    const Rect inside = m_box.insetBy(isRaised() ? 2 * m_width : m_width);
     return {inside.x + padding, inside.y, inside.width - 2 * padding, inside.height};
 }
 
@@ -79,13 +84,13 @@ void FieldFrame::draw(FormDrawing& drawing) const {
         else
             drawing.rectangle(line);
         drawing.paintPath(false, true);
-        if (!m_isRound && (m_style == "/B" || m_style == "/I"))
+        if (!m_isRound && isRaised())
             drawRaisedEdges(drawing);
     }
     drawing.add("Q");
 }
 
-/// A bevelled or inset look: light from the upper left.
+/// With light from the upper left.
 void FieldFrame::drawRaisedEdges(FormDrawing& drawing) const {
     const Rect outer = inner();
     const Rect inside = outer.insetBy(m_width);
@@ -110,10 +115,11 @@ void FieldFrame::drawRaisedEdges(FormDrawing& drawing) const {
 
 void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style) {
     const char code = sign.at(0).toLatin1();
-    const Mark* known =
-        std::find_if(std::begin(marks), std::end(marks), [&](const Mark& m) { return m.sign == code; });
-    const Mark mark = known != std::end(marks) ? *known : Mark{code, 0.78, 0.35};
+    const auto known =
+        std::find_if(marks.begin(), marks.end(), [&](const Mark& m) { return m.sign == code; });
+    const Mark mark = known != marks.end() ? *known : Mark{code, 0.78, 0.35};
     const double size = style.fontSize > 0 ? style.fontSize : std::min(box.height, box.width) * 0.9;
+    drawing.addFont("/ZaDb", standardFont("/ZapfDingbats"));
     drawing.add("BT");
     drawing.add(style.color.empty() ? "0 g" : style.color);
     drawing.add("/ZaDb " + pdfNumber(size) + " Tf");

@@ -23,6 +23,8 @@ public:
     void draw(FormDrawing& drawing) const;
 
 private:
+    /// A bevelled or inset look.
+    bool isRaised() const { return m_style == "/B" || m_style == "/I"; }
     void drawRaisedEdges(FormDrawing& drawing) const;
 
     Rect m_box;
@@ -35,7 +37,8 @@ private:
     bool m_isRound;
 };
 
-/// A sign of the font ZapfDingbats (/ZaDb in the form's resources), as large as the box allows.
+/// A sign of the font ZapfDingbats in the middle of the box, as large as it allows where the style has no
+/// size.
 void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style);
 
 }  // namespace vellmora

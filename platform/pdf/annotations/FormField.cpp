@@ -1,5 +1,7 @@
 #include "platform/pdf/annotations/FormField.h"
 
+#include <utility>
+
 namespace vellmora {
 
 namespace {
@@ -9,13 +11,17 @@ constexpr int maxDepth = 100;  // of fields above one another; a loop ends there
 }  // namespace
 
 QString textOf(QPDFObjectHandle object) {
-    if (object.isString())
-        return QString::fromStdString(object.getUTF8Value());
-    return object.isName() ? QString::fromStdString(object.getName()).mid(1) : QString();
+    if (object.isName())
+        return QString::fromStdString(object.getName()).mid(1);
+    if (!object.isString())
+        return {};
+    QString text = QString::fromStdString(object.getUTF8Value());
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return text;
 }
 
-FormField::FormField(const Annotation& widget, const PDFSource& source)
-    : m_widget(widget), m_form(source.catalog().getKey("/AcroForm")) {
+FormField::FormField(Annotation widget, const PDFSource& source)
+    : m_widget(std::move(widget)), m_form(source.catalog().getKey("/AcroForm")) {
     QPDFObjectHandle type = attribute("/FT");
     if (type.isName())
         m_type = type.getName();

@@ -13,7 +13,7 @@ namespace vellmora {
 /// it and, where the standard says so, from the form.
 class FormField {
 public:
-    FormField(const Annotation& widget, const PDFSource& source);
+    FormField(Annotation widget, const PDFSource& source);
 
     bool is(const char* type) const { return m_type == type; }
     /// `bit` is counted from 1, as in the standard's tables.
@@ -36,7 +36,7 @@ private:
     int m_flags = 0;
 };
 
-/// A string's or a name's text; empty for all else.
+/// A string's or a name's text, with line feeds for line breaks of every kind; empty for all else.
 QString textOf(QPDFObjectHandle object);
 
 }  // namespace vellmora

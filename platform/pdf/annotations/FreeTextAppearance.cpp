@@ -23,7 +23,6 @@ std::optional<QPDFObjectHandle> drawFreeText(const Annotation& annotation, const
     drawing.rectangle(rect.insetBy(border / 2));
     drawing.paintPath(isFilled, border > 0);
     TextBlock block{textOf(annotation.entry("/Contents")), rect.insetBy(border + 2), texts.alignment()};
-    block.text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     block.isMultiline = true;
     drawText(drawing, block, font, "/F0", style);
     return drawing.finish(rect);

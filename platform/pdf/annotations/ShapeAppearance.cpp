@@ -32,10 +32,11 @@ Rect innerRect(const Annotation& annotation) {
     const std::vector<double> differences = numbersOf(annotation.entry("/RD"));
     const double half = annotation.borderWidth() / 2;
     Rect inner = rect.insetBy(half);
-    if (differences.size() == 4)
+    if (differences.size() == 4) {
         inner = {rect.x + differences[0] + half, rect.y + differences[1] + half,
                  rect.width - differences[0] - differences[2] - 2 * half,
                  rect.height - differences[1] - differences[3] - 2 * half};
+    }
     return inner.isEmpty() ? rect : inner;
 }
 

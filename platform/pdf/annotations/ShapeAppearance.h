@@ -7,7 +7,7 @@
 namespace vellmora {
 
 /// A square, circle, line, polygon, polyline or ink drawing in the annotation's colours; nothing for other
-/// kinds and where nothing would be seen.
+/// kinds and for those that have no points.
 std::optional<QPDFObjectHandle> drawShape(const Annotation& annotation, QPDF& output);
 
 }  // namespace vellmora

@@ -34,7 +34,7 @@ std::string withoutSpaces(const std::string& text) {
     return result;
 }
 
-std::string shownText(QPDFObjectHandle form) {
+std::string shownText(const QPDFObjectHandle& form) {
     StringCollector strings;
     try {
         QPDFObjectHandle::parseContentStream(form, &strings);

@@ -2,8 +2,6 @@
 
 #include "platform/pdf/PDFValues.h"
 
-#include <utility>
-
 namespace vellmora {
 
 namespace {
@@ -31,7 +29,7 @@ struct SpecialCharacter {
 };
 
 // The characters that single-byte encodings put in different places.
-constexpr SpecialCharacter specialCharacters[] = {
+constexpr auto specialCharacters = std::to_array<SpecialCharacter>({
     {0x20AC, 0x80, "/Euro"},         {0x201A, 0x82, "/quotesinglbase"}, {0x0192, 0x83, "/florin"},
     {0x201E, 0x84, "/quotedblbase"}, {0x2026, 0x85, "/ellipsis"},       {0x2020, 0x86, "/dagger"},
     {0x2021, 0x87, "/daggerdbl"},    {0x02C6, 0x88, "/circumflex"},     {0x2030, 0x89, "/perthousand"},
@@ -44,17 +42,7 @@ constexpr SpecialCharacter specialCharacters[] = {
     {0x00E4, 0xE4, "/adieresis"},    {0x00F6, 0xF6, "/odieresis"},      {0x00FC, 0xFC, "/udieresis"},
     {0x00C4, 0xC4, "/Adieresis"},    {0x00D6, 0xD6, "/Odieresis"},      {0x00DC, 0xDC, "/Udieresis"},
     {0x00DF, 0xDF, "/germandbls"},   {0x00E9, 0xE9, "/eacute"},         {0x00A7, 0xA7, "/section"},
-};
-
-QPDFObjectHandle standardFont(const char* name) {
-    QPDFObjectHandle font = QPDFObjectHandle::newDictionary();
-    font.replaceKey("/Type", QPDFObjectHandle::newName("/Font"));
-    font.replaceKey("/Subtype", QPDFObjectHandle::newName("/Type1"));
-    font.replaceKey("/BaseFont", QPDFObjectHandle::newName(name));
-    if (std::string(name) != "/ZapfDingbats")
-        font.replaceKey("/Encoding", QPDFObjectHandle::newName("/WinAnsiEncoding"));
-    return font;
-}
+});
 
 QPDFObjectHandle findFont(QPDFObjectHandle resources, const std::string& name) {
     QPDFObjectHandle fonts =
@@ -67,13 +55,19 @@ QPDFObjectHandle findFont(QPDFObjectHandle resources, const std::string& name) {
 
 }  // namespace
 
-TextFont::TextFont(QPDFObjectHandle resources, const std::string& name)
-    : m_dictionary(findFont(std::move(resources), name)) {
-    readEncoding();
-    readWidths();
+QPDFObjectHandle standardFont(const std::string& name) {
+    QPDFObjectHandle font = QPDFObjectHandle::newDictionary();
+    font.replaceKey("/Type", QPDFObjectHandle::newName("/Font"));
+    font.replaceKey("/Subtype", QPDFObjectHandle::newName("/Type1"));
+    font.replaceKey("/BaseFont", QPDFObjectHandle::newName(name));
+    if (name != "/ZapfDingbats")
+        font.replaceKey("/Encoding", QPDFObjectHandle::newName("/WinAnsiEncoding"));
+    return font;
 }
 
-TextFont::TextFont(const char* name) : m_dictionary(standardFont(name)) {
+TextFont::TextFont(const QPDFObjectHandle& resources, const std::string& name)
+    : m_dictionary(findFont(resources, name)) {
+    readEncoding();
     readWidths();
 }
 

@@ -10,15 +10,16 @@
 
 namespace vellmora {
 
+/// The dictionary of a font of the standard 14 that every reader has, by its name there (/Helvetica,
+/// /ZapfDingbats).
+QPDFObjectHandle standardFont(const std::string& name);
+
 /// A font to write a field's text with: one byte a character.
 class TextFont {
 public:
     /// The named font of the resources; Helvetica where there is none, or one whose encoding takes more than
     /// one byte a character.
-    TextFont(QPDFObjectHandle resources, const std::string& name);
-
-    /// A font of the standard 14 that every reader has, by its name there (/Helvetica, /ZapfDingbats).
-    static TextFont standard(const char* name) { return TextFont(name); }
+    TextFont(const QPDFObjectHandle& resources, const std::string& name);
 
     /// The font dictionary, of the source or a new one.
     const QPDFObjectHandle& dictionary() const { return m_dictionary; }
@@ -28,13 +29,12 @@ public:
     double width(const std::string& bytes) const;
 
 private:
-    explicit TextFont(const char* name);
     void readEncoding();
     void readWidths();
 
     QPDFObjectHandle m_dictionary;
     std::map<std::string, char> m_codesByGlyph;
-    std::array<double, 256> m_widths{};  // in thousandths of an em
+    std::array<double, 256> m_widths{};  ///< in thousandths of an em
 };
 
 }  // namespace vellmora

@@ -28,7 +28,8 @@ std::vector<std::string> wrapped(const QString& text, const TextFont& font, doub
         std::string line;
         for (const QString& word : paragraph.split(QLatin1Char(' '))) {
             const std::string next = font.encoded(word);
-            const std::string longer = line.empty() ? next : line + ' ' + next;
+            std::string longer = line;
+            longer.append(line.empty() ? "" : " ").append(next);
             if (!line.empty() && font.width(longer) > width) {
                 lines.push_back(line);
                 line = next;

@@ -34,11 +34,12 @@ std::vector<Quad> quadsOf(const Annotation& annotation) {
     for (size_t i = 0; i + 3 < points.size(); i += 4)
         quads.push_back({points[i], points[i + 1], points[i + 2], points[i + 3]});
     const Rect& rect = annotation.rect();
-    if (quads.empty() && !rect.isEmpty())
+    if (quads.empty() && !rect.isEmpty()) {
         quads.push_back({{rect.minX(), rect.maxY()},
                          {rect.maxX(), rect.maxY()},
                          {rect.minX(), rect.minY()},
                          {rect.maxX(), rect.minY()}});
+    }
     return quads;
 }
 

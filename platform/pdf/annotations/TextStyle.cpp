@@ -1,6 +1,8 @@
 #include "platform/pdf/annotations/TextStyle.h"
 
-#include <cstdlib>
+#include "platform/pdf/drawing/ContentText.h"
+
+#include <cmath>
 #include <sstream>
 #include <vector>
 
@@ -13,7 +15,7 @@ TextStyle parseDefaultAppearance(const std::string& text) {
     for (std::string word; words >> word;) {
         if (word == "Tf" && operands.size() >= 2) {
             style.fontName = operands[operands.size() - 2];
-            style.fontSize = std::abs(std::strtod(operands.back().c_str(), nullptr));
+            style.fontSize = std::abs(parsedNumber(operands.back()));
             operands.clear();
         } else if (word == "g" || word == "rg" || word == "k") {
             style.color.clear();

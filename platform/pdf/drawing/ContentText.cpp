@@ -1,8 +1,19 @@
 #include "platform/pdf/drawing/ContentText.h"
 
+#include <charconv>
+#include <cmath>
+
 #include <QByteArray>
 
 namespace vellmora {
+
+double parsedNumber(std::string_view text) {
+    if (text.starts_with('+'))
+        text.remove_prefix(1);
+    double value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return std::isfinite(value) ? value : 0;
+}
 
 std::string pdfNumber(double value) {
     std::string text = QByteArray::number(value, 'f', 6).toStdString();

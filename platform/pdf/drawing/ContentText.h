@@ -1,10 +1,15 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <QTransform>
 
 namespace vellmora {
+
+/// The number that a text of a PDF begins with, whatever decimal point the process' locale has; 0 where there
+/// is none.
+double parsedNumber(std::string_view text);
 
 /// A number as a content stream has it: plain decimal with a full stop, at most six places, no exponent.
 std::string pdfNumber(double value);

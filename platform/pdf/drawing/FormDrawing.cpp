@@ -5,30 +5,33 @@
 
 namespace vellmora {
 
+void FormDrawing::addNumbers(std::span<const double> numbers) {
+    for (const double number : numbers)
+        m_content += pdfNumber(number) + ' ';
+}
+
 void FormDrawing::add(std::initializer_list<double> operands, const char* operation) {
-    for (const double operand : operands)
-        m_content += pdfNumber(operand) + ' ';
+    addNumbers({operands.begin(), operands.size()});
     m_content += operation;
     m_content += '\n';
 }
 
-bool FormDrawing::setColor(const std::vector<double>& components, const char* const (&operators)[3]) {
+bool FormDrawing::setColor(const std::vector<double>& components, const ColorOperators& operators) {
     const char* operation = nullptr;
     switch (components.size()) {
         case 1:
-            operation = operators[0];
+            operation = operators.gray;
             break;
         case 3:
-            operation = operators[1];
+            operation = operators.rgb;
             break;
         case 4:
-            operation = operators[2];
+            operation = operators.cmyk;
             break;
         default:
             return false;
     }
-    for (const double component : components)
-        m_content += pdfNumber(component) + ' ';
+    addNumbers(components);
     add({}, operation);
     return true;
 }
@@ -46,8 +49,7 @@ void FormDrawing::setLine(double width, const std::vector<double>& dashes) {
     if (dashes.empty())
         return;
     m_content += "[ ";
-    for (const double dash : dashes)
-        m_content += pdfNumber(dash) + ' ';
+    addNumbers(dashes);
     m_content += "] 0 d\n";
 }
 
@@ -106,10 +108,11 @@ QPDFObjectHandle FormDrawing::finish(const Rect& box, const QTransform& matrix) 
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
     dictionary.replaceKey("/BBox", arrayOf(box));
-    if (!matrix.isIdentity())
+    if (!matrix.isIdentity()) {
         dictionary.replaceKey("/Matrix", QPDFObjectHandle::newArray(QPDFObjectHandle::Matrix(
                                              matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(),
                                              matrix.dx(), matrix.dy())));
+    }
     dictionary.replaceKey("/Resources", resources);
     return form;
 }

@@ -4,6 +4,7 @@
 #include "platform/pdf/Qpdf.h"
 
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,9 @@ public:
     /// 1 component is grey, 3 are RGB, 4 CMYK. False (nothing is set) for any other number.
     bool setFillColor(const std::vector<double>& components);
     bool setStrokeColor(const std::vector<double>& components);
+    /// Both in points; without dashes the line is solid.
     void setLine(double width, const std::vector<double>& dashes);
-    /// For all that follows; 1 and "Normal" are left unsaid.
+    /// For all that follows, to be called once; 1 and "Normal" are left unsaid.
     void setBlending(double opacity, const char* blendMode);
 
     void moveTo(Point p) { add({p.x, p.y}, "m"); }
@@ -40,7 +42,13 @@ public:
     QPDFObjectHandle finish(const Rect& box, const QTransform& matrix = {});
 
 private:
-    bool setColor(const std::vector<double>& components, const char* const (&operators)[3]);
+    struct ColorOperators {
+        const char* gray;
+        const char* rgb;
+        const char* cmyk;
+    };
+    bool setColor(const std::vector<double>& components, const ColorOperators& operators);
+    void addNumbers(std::span<const double> numbers);
 
     QPDF& m_output;
     std::string m_content;

@@ -39,7 +39,7 @@ void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPD
             form.getDict().replaceKey(key, copier.copy(source.getKey(key)));
     } else {
         const auto null = QPDFObjectHandle::newNull();
-        form.replaceStreamData(std::make_shared<JoinedStreams>(streams), null, null);
+        form.replaceStreamData(std::make_shared<JoinedStreams>(std::move(streams)), null, null);
     }
 }
 

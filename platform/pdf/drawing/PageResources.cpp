@@ -29,13 +29,17 @@ bool isHexDigit(char c) {
     return std::isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-/// "#" and two hexadecimal digits stand for a byte.
+/// "#" and two hexadecimal digits stand for a byte. The library keeps a sign that escapes nothing as a null
+/// character.
 std::string unescaped(const std::string& name) {
     std::string result;
     for (size_t i = 0; i < name.size(); ++i) {
         const bool isEscape =
             name[i] == '#' && i + 2 < name.size() && isHexDigit(name[i + 1]) && isHexDigit(name[i + 2]);
-        result += isEscape ? static_cast<char>(std::stoi(name.substr(i + 1, 2), nullptr, 16)) : name[i];
+        if (isEscape)
+            result += static_cast<char>(std::stoi(name.substr(i + 1, 2), nullptr, 16));
+        else
+            result += name[i] == '#' ? '\0' : name[i];
         i += isEscape ? 2 : 0;
     }
     return result;
@@ -57,8 +61,9 @@ std::optional<Names> namesInContent(const SourcePage& page) {
     Names names;
     for (QPDFObjectHandle& stream : contentStreamsOf(page)) {
         std::string content;
+        bool isDecoded = false;
         Pl_String receiver("page content", nullptr, content);
-        if (!stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_specialized, true))
+        if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized, true) || !isDecoded)
             return std::nullopt;
         collectNames(content, names);
     }

@@ -133,7 +133,7 @@ void Repair::addMembers(int container, size_t position, QPDFObjectHandle stream)
         for (int i = 0; count.isInteger() && i < count.getIntValueAsInt() && members >> number >> offset;
              ++i) {
             const auto known = m_places.find(number);
-            if (number > 0 && (known == m_places.end() || known->second.position <= position))
+            if (isObjectNumber(number) && (known == m_places.end() || known->second.position <= position))
                 m_places[number] = {position, container, i};
         }
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): what cannot be decoded has no members

@@ -8,8 +8,6 @@ namespace vellmora {
 
 namespace {
 
-constexpr int greatestNumber = 8388607;  // ISO 32000-1, annex C
-
 constexpr std::string_view space{" \t\r\n\f\0", 6};
 constexpr std::string_view delimiters = "()<>[]{}/%";
 
@@ -48,7 +46,7 @@ std::optional<ObjectHeader> headerAt(std::string_view file, size_t keyword) {
     std::string_view before = file.substr(begin, keyword - begin);
     const auto generation = takeLastNumber(before);
     const auto number = generation ? takeLastNumber(before) : std::nullopt;
-    if (!number || *number < 1 || *number > greatestNumber)
+    if (!number || !isObjectNumber(*number))
         return std::nullopt;
     return ObjectHeader{*number, *generation, begin + before.size()};
 }
@@ -65,14 +63,18 @@ size_t findDataEnd(std::string_view file, size_t begin) {
     return file.size();
 }
 
-/// The end of the stream whose keyword stands between the two positions; `end` where none does.
+/// The end of the stream whose keyword stands between the two positions; `end` where none does. The word may
+/// stand in a string, but as a keyword it follows a dictionary.
 size_t skipStream(std::string_view file, size_t begin, size_t end) {
-    const size_t keyword = file.substr(0, end).find("stream", begin);
-    if (keyword == std::string_view::npos)
-        return end;
-    const size_t before = file.find_last_not_of(space, keyword - 1);
-    const bool followsDictionary = before != std::string_view::npos && before >= begin && file[before] == '>';
-    return followsDictionary ? findDataEnd(file, keyword) : end;
+    const std::string_view searched = file.substr(0, end);
+    for (size_t found = searched.find("stream", begin); found != std::string_view::npos;
+         found = searched.find("stream", found + 1)) {
+        const std::string_view before = searched.substr(begin, found - begin);
+        const size_t last = before.find_last_not_of(space);
+        if (last != std::string_view::npos && before[last] == '>')
+            return findDataEnd(file, found);
+    }
+    return end;
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 #include "platform/pdf/reading/PageTree.h"
 
+#include "platform/pdf/PDFValues.h"
+
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <optional>
 #include <set>
 #include <utility>
@@ -18,8 +19,10 @@ std::optional<Rect> boxFromArray(QPDFObjectHandle array) {
         return std::nullopt;
     std::array<double, 4> edges{};
     for (size_t i = 0; i < edges.size(); ++i) {
-        if (!array.getArrayItem(static_cast<int>(i)).getValueAsNumber(edges[i]) || !std::isfinite(edges[i]))
+        const std::optional<double> edge = numberOf(array.getArrayItem(static_cast<int>(i)));
+        if (!edge)
             return std::nullopt;
+        edges[i] = *edge;
     }
     const Rect box = rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
     return box.isEmpty() ? std::nullopt : std::optional(box);
@@ -49,23 +52,20 @@ struct InheritedAttributes {
 
 private:
     /// A reference is followed when a page is drawn, not for each page when the file is opened.
-    void takeResources(QPDFObjectHandle own) {
-        if (!own.isIndirect() && own.isNull())
+    void takeResources(const QPDFObjectHandle& own) {
+        if (!own.isIndirect() && QPDFObjectHandle(own).isNull())
             return;
         outerResources = resources;
-        resources = std::move(own);
+        resources = own;
     }
 };
 
-SourcePage makePage(const QPDFObjectHandle& dictionary, InheritedAttributes attributes) {
+SourcePage makePage(const QPDFObjectHandle& dictionary, const InheritedAttributes& attributes) {
     const Rect mediaBox = boxFromArray(attributes.mediaBox).value_or(letterSize);
     Rect cropBox = intersection(boxFromArray(attributes.cropBox).value_or(mediaBox), mediaBox);
     if (cropBox.isEmpty())
         cropBox = mediaBox;
-    double rotation = 0;
-    attributes.rotate.getValueAsNumber(rotation);
-    const bool isWhole = std::abs(rotation) < 1e6 && rotation == std::floor(rotation);
-    const PageOrientation orientation(mediaBox, isWhole ? static_cast<int>(rotation) : 0);
+    const PageOrientation orientation(mediaBox, rotationOf(attributes.rotate));
     return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, false};
 }
 
@@ -154,8 +154,9 @@ InheritedAttributes attributesFromParents(const QPDFObjectHandle& page) {
          node = node.getKey("/Parent"))
         nodes.push_back(node);
     InheritedAttributes attributes;
-    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
-        attributes = attributes.overriddenBy(*node);
+    std::reverse(nodes.begin(), nodes.end());
+    for (const QPDFObjectHandle& node : nodes)
+        attributes = attributes.overriddenBy(node);
     return attributes;
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace vellmora {
 

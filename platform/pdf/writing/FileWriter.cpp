@@ -21,12 +21,11 @@ constexpr size_t blockSize = 1 << 18;
 constexpr size_t largeSize = 1 << 14;
 /// Readers unpack the whole stream for one of its objects.
 constexpr size_t objectsInStream = 100;
+/// What a source has uncompressed for all its size would take seconds.
+constexpr size_t largestToCompress = 16 << 20;
 
 using Handle = QPDFObjectHandle;
 using Entries = std::map<std::string, Handle>;
-
-/// What a source has uncompressed for all its size would take seconds.
-constexpr size_t largestToCompress = 16 << 20;
 
 /// What was not compressed so far is, except pictures: trying costs seconds and gains little.
 bool isToBeCompressed(Handle stream) {

@@ -6,6 +6,7 @@
 #include "platform/pdf/writing/ObjectText.h"
 #include "platform/pdf/writing/StoredStreams.h"
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -17,8 +17,15 @@ bool startsWord(char first) {
 
 /// A character that stands for itself in a name.
 bool isPlain(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '_' || c == '.' || c == '+' || c == ',' || c == '*';
+    return c > ' ' && c <= '~' && std::string_view("#()<>[]{}/%").find(c) == std::string_view::npos;
+}
+
+/// The library keeps a sign that escapes nothing as a null character, and would write one that was escaped
+/// as if it were an escape.
+std::string escaped(char c) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    const auto code = static_cast<unsigned char>(c);
+    return code == 0 ? "#" : std::string{'#', digits[code >> 4], digits[code & 15]};
 }
 
 }  // namespace
@@ -30,10 +37,14 @@ void ObjectText::add(std::string_view word) {
 }
 
 void ObjectText::addName(const std::string& name) {
-    if (std::all_of(name.begin() + 1, name.end(), isPlain))
+    if (std::all_of(name.begin() + 1, name.end(), isPlain)) {
         add(name);
-    else
-        add(QPDFObjectHandle::newName(name).unparse());
+        return;
+    }
+    std::string word = "/";
+    for (const char c : std::string_view(name).substr(1))
+        word += isPlain(c) ? std::string(1, c) : escaped(c);
+    add(word);
 }
 
 void ObjectText::addValue(const QPDFObjectHandle& value) {
