@@ -14,8 +14,10 @@ namespace vellmora {
 
 namespace {
 
-/// Small, since the first pages of a document need little from many places.
-constexpr size_t blockSize = 1 << 16;
+/// Small, since a document is opened with little from many places.
+constexpr size_t blockSize = 1 << 13;
+/// As many blocks as are read at once, where nobody waits for less.
+constexpr size_t runLength = 16;
 /// Below this size a thread costs more than it spares.
 constexpr qint64 largeSize = 4 << 20;
 
@@ -35,8 +37,12 @@ public:
     void require(size_t offset, size_t length) {
         if (length == 0)
             return;
-        for (size_t block = offset / blockSize; block <= (offset + length - 1) / blockSize; ++block) {
-            if (obtain(block) == State::failed)
+        const size_t end = (offset + length - 1) / blockSize + 1;
+        for (size_t block = offset / blockSize; block < end; ++block) {
+            if (m_blocks[block] == State::missing)
+                readRun(block, end);
+            m_blocks[block].wait(State::claimed);
+            if (m_blocks[block] == State::failed)
                 requireReadable();
         }
     }
@@ -50,33 +56,30 @@ private:
     enum class State { missing, claimed, there, failed };
 
     void readAll(const std::stop_token& stop) {
-        for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested() && m_error == 0; ++block)
-            claim(block);
+        for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested() && m_error == 0;)
+            block = std::max(readRun(block, std::min(block + runLength, m_blocks.size())), block + 1);
     }
 
-    /// Reads the block, unless somebody does or did.
-    void claim(size_t block) {
-        State state = State::missing;
-        if (!m_blocks[block].compare_exchange_strong(state, State::claimed))
-            return;
-        const int error = read(block);
+    /// Reads the blocks up to `end`, or to the first that somebody else reads or has read; answers it.
+    size_t readRun(size_t begin, size_t end) {
+        size_t behind = begin;
+        for (State state = State::missing;
+             behind < end && m_blocks[behind].compare_exchange_strong(state, State::claimed); ++behind) {
+        }
+        const int error = behind == begin ? 0 : read(begin, behind);
         if (error != 0)
             m_error = error;
-        m_blocks[block] = error == 0 ? State::there : State::failed;
-        m_blocks[block].notify_all();
-    }
-
-    State obtain(size_t block) {
-        if (m_blocks[block] == State::missing)
-            claim(block);
-        m_blocks[block].wait(State::claimed);
-        return m_blocks[block];
+        for (size_t block = begin; block < behind; ++block) {
+            m_blocks[block] = error == 0 ? State::there : State::failed;
+            m_blocks[block].notify_all();
+        }
+        return behind;
     }
 
     /// The error number; 0 for success. A file that has become shorter counts as one that cannot be read.
-    int read(size_t block) {
-        size_t at = block * blockSize;
-        const size_t end = std::min(at + blockSize, m_size);
+    int read(size_t firstBlock, size_t endBlock) {
+        size_t at = firstBlock * blockSize;
+        const size_t end = std::min(endBlock * blockSize, m_size);
         while (at < end) {
             const ssize_t count = ::pread(m_file.get(), m_bytes + at, end - at, static_cast<off_t>(at));
             if (count < 0 && errno == EINTR)

@@ -1,9 +1,12 @@
 #include "platform/panels/DialogFilePanels.h"
 
+#include <chrono>
+
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QStandardPaths>
+#include <QTimer>
 
 namespace vellmora {
 
@@ -33,27 +36,33 @@ QUrl firstFolder() {
 DialogFilePanels::DialogFilePanels() : m_lastDirectory(firstFolder()) {}
 
 std::optional<QUrl> DialogFilePanels::runModal(const OpenPanel& panel) {
-    QFileDialog dialog(QApplication::activeWindow(), panel.title);
+    QFileDialog& dialog = makeDialog(panel.title, panel.contentType);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setNameFilter(nameFilter(panel.contentType));
-    dialog.setDirectoryUrl(m_lastDirectory);
     return run(dialog);
 }
 
 std::optional<QUrl> DialogFilePanels::runModal(const SavePanel& panel) {
-    QFileDialog dialog(QApplication::activeWindow(), panel.title);
+    QFileDialog& dialog = makeDialog(panel.title, panel.contentType);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setNameFilter(nameFilter(panel.contentType));
     dialog.setDefaultSuffix(defaultSuffix(panel.contentType));
-    dialog.setDirectoryUrl(m_lastDirectory);
     dialog.selectFile(panel.nameFieldStringValue);
     return run(dialog);
 }
 
+QFileDialog& DialogFilePanels::makeDialog(const QString& title, ContentType type) const {
+    auto* dialog = new QFileDialog(QApplication::activeWindow(), title);
+    dialog->setNameFilter(nameFilter(type));
+    dialog->setDirectoryUrl(m_lastDirectory);
+    return *dialog;
+}
+
 std::optional<QUrl> DialogFilePanels::run(QFileDialog& dialog) {
-    if (dialog.exec() != QDialog::Accepted)
+    const int answer = dialog.exec();
+    // Not at once: that takes as long as loading a document, which the user waits for.
+    QTimer::singleShot(std::chrono::seconds(1), &dialog, &QObject::deleteLater);
+    if (answer != QDialog::Accepted)
         return std::nullopt;
     m_lastDirectory = dialog.directoryUrl();
     const QList<QUrl> urls = dialog.selectedUrls();
