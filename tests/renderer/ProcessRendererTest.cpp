@@ -78,21 +78,24 @@ TEST_F(ProcessRendererTest, AProcessThatHangsIsKilledAndReplaced) {
     EXPECT_TRUE(rendersRedPage());
 }
 
-TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForANewerOneAndIsTriedAgain) {
+TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForNewerOnesAndIsTriedAgain) {
     ProcessRenderer unlimited(QStringLiteral(VELLMORA_RENDERER), std::chrono::hours(1));
     unlimited.prepare();
     ::kill(*unlimited.processID(), SIGSTOP);
-    std::optional<QImage> slow;
-    unlimited.render(PageRenderRequest::whole(redPage(), {300, 300}),
-                     [&](const QImage& image) { slow = image; });
+    QStringList served;
+    const auto request = [&](const char* name) {
+        unlimited.render(
+            PageRenderRequest::whole(redPage(), {300, 300}), [&served, name](const QImage& image) {
+                served.append(image.isNull() ? QStringLiteral("none") : QString::fromLatin1(name));
+            });
+    };
+    request("slow");
     QTest::qWait(900);
-    EXPECT_FALSE(slow);
-    std::optional<QImage> newer;
-    unlimited.render(PageRenderRequest::whole(redPage(), {200, 200}),
-                     [&](const QImage& image) { newer = image; });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return newer && slow; }));
-    EXPECT_FALSE(newer->isNull());
-    EXPECT_FALSE(slow->isNull());
+    EXPECT_TRUE(served.isEmpty());
+    request("newer");
+    request("newest");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return served.size() == 3; }));
+    EXPECT_EQ(served.join(QLatin1Char(' ')), QStringLiteral("newest newer slow"));
 }
 
 TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
