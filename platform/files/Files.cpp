@@ -7,11 +7,12 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <new>
 #include <sys/stat.h>
+#include <system_error>
 #include <utility>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -126,12 +127,14 @@ void copy(const QString& from, const QString& to) {
 }
 
 QString resolved(const QString& path) {
-    QString current = path;
+    std::filesystem::path current = QFile::encodeName(path).toStdString();
     for (int i = 0; i < maxLinks; ++i) {
-        const QFileInfo info(current);
-        if (!info.isSymbolicLink())
-            return QDir::cleanPath(current);
-        current = info.symLinkTarget();
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(current, error);
+        if (error)  // no link
+            return QFile::decodeName(current.c_str());
+        // Never tidied up: ".." in a linked folder leads to where that folder really lies.
+        current = current.parent_path() / target;
     }
     throw fileError(FileAction::write, path, ELOOP);
 }

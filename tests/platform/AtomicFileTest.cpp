@@ -127,6 +127,18 @@ TEST_F(FilesTest, FollowsSymbolicLinksAlsoToMissingFiles) {
     }
 }
 
+TEST_F(FilesTest, FollowsALinkUpwardsFromWhereItsFolderReallyLies) {
+    QDir(m_folder.path()).mkpath(QStringLiteral("real/inner"));
+    ASSERT_EQ(::symlink("real/inner", qPrintable(path("folder"))), 0);
+    ASSERT_EQ(::symlink("../file.txt", qPrintable(path("folder/link.txt"))), 0);
+    writeFile(path("file.txt"), "precious");
+    for (const char* name : {"folder/link.txt", "folder/../file.txt"}) {
+        files::writeAtomically(path(name), name);
+        EXPECT_EQ(readFile(path("real/file.txt")), name);
+    }
+    EXPECT_EQ(readFile(path("file.txt")), "precious");
+}
+
 TEST_F(FilesTest, NewFilesHaveTheUmasksPermissionsAndNeverMoreThanTheFileBefore) {
     const mode_t mask = ::umask(027);
     files::writeAtomically(path("new.txt"), "x");
