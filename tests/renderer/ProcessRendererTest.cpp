@@ -5,7 +5,10 @@
 #include "tests/support/TestPdf.h"
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/wait.h>
 
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace vellmora;
@@ -105,6 +108,29 @@ TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
                   [&](const QImage& image) { answer = image; });
     ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
     EXPECT_TRUE(answer->isNull());
+}
+
+TEST_F(ProcessRendererTest, GoesOnWhenNeitherTheProcessNorItsProgramIsThereAnyMore) {
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("renderer"));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VELLMORA_RENDERER), program));
+    ProcessRenderer orphan(program);
+    orphan.prepare();
+    const auto pid = static_cast<id_t>(*orphan.processID());
+    QFile::remove(program);
+    ::kill(*orphan.processID(), SIGKILL);
+    siginfo_t info{};
+    ASSERT_EQ(::waitid(P_PID, pid, &info, WEXITED | WNOWAIT), 0);
+    std::optional<QImage> answer;
+    FileDescriptor readable;  // takes the number that the socket had
+    orphan.render(PageRenderRequest::whole(redPage(), {10, 10}), [&](const QImage& image) {
+        answer = image;
+        readable = FileDescriptor(::open("/dev/zero", O_RDONLY | O_CLOEXEC));
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
+    EXPECT_TRUE(answer->isNull());
+    QTest::qWait(0);
+    EXPECT_FALSE(orphan.processID());
 }
 
 TEST_F(ProcessRendererTest, RendersAPartAsItLooksInTheWhole) {

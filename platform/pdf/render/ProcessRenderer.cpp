@@ -74,9 +74,12 @@ bool ProcessRenderer::begin(Waiting work) {
     std::memcpy(drawing.bytes(), work.request.drawing.constData(), drawingSize);
     const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
                                        part.y(),    part.width(), part.height()};
-    if (!m_process || !m_process->send(message, drawing.descriptor(), pixels->descriptor())) {
-        startProcess();
-        if (!m_process || !m_process->send(message, drawing.descriptor(), pixels->descriptor()))
+    const auto isSent = [&] {
+        return m_process && m_process->send(message, drawing.descriptor(), pixels->descriptor());
+    };
+    if (!isSent()) {
+        replaceProcess();
+        if (!isSent())
             return false;
     }
     m_job = Job{std::move(work), std::move(pixels), {}};
