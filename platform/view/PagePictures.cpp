@@ -7,8 +7,7 @@
 
 namespace vellmora {
 
-PagePictures::PagePictures(PageRenderer& renderer, QObject* parent)
-    : QObject(parent), m_renderer(renderer), m_drawings(nullptr) {
+PagePictures::PagePictures(PageRenderer& renderer) : m_renderer(renderer) {
     connect(&m_drawings, &PageDrawings::ready, this, &PagePictures::takeDrawing);
 }
 

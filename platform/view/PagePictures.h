@@ -33,7 +33,7 @@ public:
     };
 
     /// `renderer` must outlive the object.
-    PagePictures(PageRenderer& renderer, QObject* parent);
+    explicit PagePictures(PageRenderer& renderer);
 
     /// Forgets all pictures.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);

@@ -68,7 +68,7 @@ TEST(PageGeometryTest, TinyAndHugePagesFit) {
 
 TEST(PagePicturesTest, KeepsThePageOnScreenAndItsNeighboursHoweverMuchTheyTake) {
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-    PagePictures pictures(renderer, nullptr);
+    PagePictures pictures(renderer);
     pictures.setDocument(pages(4).document());
     pictures.setCentre(1);
     QSignalSpy delivered(&pictures, &PagePictures::changed);
