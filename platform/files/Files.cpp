@@ -96,7 +96,10 @@ bool isGone(const QString& path) {
 }
 
 QByteArray read(const QString& path) {
-    const OpenedFile opened = openForReading(path);
+    return read(openForReading(path), path);
+}
+
+QByteArray read(const OpenedFile& opened, const QString& path) {
     try {
         QByteArray bytes(opened.size, Qt::Uninitialized);
         bytes.truncate(readFully(opened.file, bytes.data(), opened.size, path));
