@@ -8,7 +8,9 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <new>
+#include <string>
 #include <sys/stat.h>
 #include <system_error>
 #include <utility>
@@ -41,6 +43,19 @@ qint64 readFully(const FileDescriptor& fd, char* buffer, qint64 capacity, const 
 void requireRegular(mode_t mode, FileAction action, const QString& path) {
     if (!S_ISREG(mode))
         throw fileError(action, path, S_ISDIR(mode) ? EISDIR : EINVAL);
+}
+
+/// umask(2) tells it only by changing it: two threads that ask at once may leave it changed for good.
+mode_t currentUmask() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        mode_t mask = 0;
+        if (word == "Umask:" && status >> std::oct >> mask)
+            return mask;
+    }
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
 }
 
 }  // namespace
@@ -152,9 +167,7 @@ void requireWritable(const QString& path) {
 }
 
 unsigned permissionsForNewFile(const QString& path) {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    mode_t permissions = 0666U & ~mask;
+    mode_t permissions = 0666U & ~currentUmask();
     struct stat info {};
     if (::stat(QFile::encodeName(path).constData(), &info) == 0)
         permissions &= info.st_mode;

@@ -7,6 +7,7 @@
 
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -148,6 +149,19 @@ TEST_F(FilesTest, NewFilesHaveTheUmasksPermissionsAndNeverMoreThanTheFileBefore)
     ::umask(mask);
     EXPECT_EQ(permissions(path("new.txt")), 0640U);
     EXPECT_EQ(permissions(path("private.txt")), 0600U);
+}
+
+TEST_F(FilesTest, ThreadsThatWriteAtOnceLeaveTheUmaskAsItIs) {
+    const mode_t mask = ::umask(022);
+    std::vector<std::jthread> writers(2);
+    for (std::jthread& writer : writers) {
+        writer = std::jthread([name = path("a.txt")] {
+            for (int call = 0; call < 40000; ++call)
+                files::permissionsForNewFile(name);
+        });
+    }
+    writers.clear();
+    EXPECT_EQ(::umask(mask), 022U);
 }
 
 TEST_F(FilesTest, ReportsFailuresInGermanWithTheFilesName) {
