@@ -1,4 +1,4 @@
-# vellmora_layer(NAME SOURCES … LINK …): the static library `vellmora_NAME`.
+# vellmora_layer(NAME SOURCES … LINK … [PRIVATE_LINK …]): the static library `vellmora_NAME`.
 # Headers are included by their path from the top folder, so that each include names its layer.
 function(vellmora_layer name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})

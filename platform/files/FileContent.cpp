@@ -5,10 +5,13 @@
 #include "platform/files/Files.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <new>
+#include <thread>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace vellmora {
 
@@ -103,7 +106,7 @@ private:
 std::shared_ptr<const FileContent> FileContent::open(const QString& path) {
     files::OpenedFile opened = files::openForReading(path);
     if (opened.size < largeSize)
-        return std::make_shared<const FileContent>(files::read(path));
+        return std::make_shared<const FileContent>(files::read(opened, path));
     try {
         QByteArray bytes(opened.size, Qt::Uninitialized);
         char* memory = bytes.data();

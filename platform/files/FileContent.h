@@ -1,10 +1,7 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <string_view>
-#include <thread>
-#include <vector>
 
 #include <QByteArray>
 #include <QString>

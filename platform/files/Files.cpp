@@ -7,11 +7,14 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
+#include <fstream>
 #include <new>
+#include <string>
 #include <sys/stat.h>
+#include <system_error>
 #include <utility>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -40,6 +43,19 @@ qint64 readFully(const FileDescriptor& fd, char* buffer, qint64 capacity, const 
 void requireRegular(mode_t mode, FileAction action, const QString& path) {
     if (!S_ISREG(mode))
         throw fileError(action, path, S_ISDIR(mode) ? EISDIR : EINVAL);
+}
+
+/// umask(2) tells it only by changing it: two threads that ask at once may leave it changed for good.
+mode_t currentUmask() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        mode_t mask = 0;
+        if (word == "Umask:" && status >> std::oct >> mask)
+            return mask;
+    }
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
 }
 
 }  // namespace
@@ -95,7 +111,10 @@ bool isGone(const QString& path) {
 }
 
 QByteArray read(const QString& path) {
-    const OpenedFile opened = openForReading(path);
+    return read(openForReading(path), path);
+}
+
+QByteArray read(const OpenedFile& opened, const QString& path) {
     try {
         QByteArray bytes(opened.size, Qt::Uninitialized);
         bytes.truncate(readFully(opened.file, bytes.data(), opened.size, path));
@@ -126,12 +145,14 @@ void copy(const QString& from, const QString& to) {
 }
 
 QString resolved(const QString& path) {
-    QString current = path;
+    std::filesystem::path current = QFile::encodeName(path).toStdString();
     for (int i = 0; i < maxLinks; ++i) {
-        const QFileInfo info(current);
-        if (!info.isSymbolicLink())
-            return QDir::cleanPath(current);
-        current = info.symLinkTarget();
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(current, error);
+        if (error)  // no link
+            return QFile::decodeName(current.c_str());
+        // Never tidied up: ".." in a linked folder leads to where that folder really lies.
+        current = current.parent_path() / target;
     }
     throw fileError(FileAction::write, path, ELOOP);
 }
@@ -146,9 +167,7 @@ void requireWritable(const QString& path) {
 }
 
 unsigned permissionsForNewFile(const QString& path) {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    mode_t permissions = 0666U & ~mask;
+    mode_t permissions = 0666U & ~currentUmask();
     struct stat info {};
     if (::stat(QFile::encodeName(path).constData(), &info) == 0)
         permissions &= info.st_mode;

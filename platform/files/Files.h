@@ -34,6 +34,8 @@ OpenedFile openForReading(const QString& path);
 
 /// Whole content of a regular file, as of `openForReading`.
 QByteArray read(const QString& path);
+/// The same of one that is open, from its beginning; `path` is what an error names.
+QByteArray read(const OpenedFile& opened, const QString& path);
 
 void remove(const QString& path);
 
@@ -53,7 +55,7 @@ QString resolved(const QString& path);
 void requireWritable(const QString& path);
 
 /// Permissions for a file that takes the name `path`: what the umask gives, and none that a file of that name
-/// does not have already.
+/// does not have already, but that its owner may read and write it.
 unsigned permissionsForNewFile(const QString& path);
 
 /// Puts a file in the place of another, or under a new name, and brings the change onto the disk where

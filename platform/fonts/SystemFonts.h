@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include <QFont>
 #include <QString>
 

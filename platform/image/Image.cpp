@@ -2,6 +2,7 @@
 
 #include "platform/error/Error.h"
 #include "platform/files/Files.h"
+#include "platform/image/PngChunks.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,7 +11,6 @@
 #include <QColorSpace>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QtEndian>
 
 namespace vellmora {
 
@@ -36,21 +36,9 @@ QByteArray detectFormat(const QByteArray& data) {
     return {};
 }
 
-/// Whether every chunk lies within the data, up to the last one. The decoder makes room for what a chunk
-/// claims to hold before it reads any of it.
+/// The decoder makes room for what a chunk claims to hold before it reads any of it.
 bool hasAllChunks(const QByteArray& png) {
-    constexpr qsizetype signatureLength = 8;
-    constexpr qsizetype headLength = 8;  // length and type
-    constexpr qsizetype checksumLength = 4;
-    qsizetype position = signatureLength;
-    while (position + headLength <= png.size()) {
-        const auto length = qsizetype(qFromBigEndian<quint32>(png.constData() + position));
-        const bool isLast = QByteArrayView(png).sliced(position + 4, 4) == QByteArrayView("IEND");
-        position += headLength + length + checksumLength;
-        if (isLast)
-            return position <= png.size();
-    }
-    return false;
+    return visitPngChunks(png, [](QByteArrayView, QByteArrayView) {});
 }
 
 QImage decode(const QByteArray& data, const QByteArray& format) {

@@ -23,6 +23,7 @@ class FileConsumer : public PDFDataConsumer {
 public:
     /// Nothing where no file can be written at `path`.
     static std::unique_ptr<FileConsumer> create(const QString& path);
+    /// Throws `Error` in that case.
     explicit FileConsumer(const QString& path) : m_file(path) {}
 
     void write(const char* bytes, qint64 count) override { m_file.write(bytes, count); }

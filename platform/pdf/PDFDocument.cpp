@@ -40,8 +40,7 @@ std::optional<PDFPage> PDFDocument::page(qsizetype index) const {
     if (index < 0 || index >= pageCount())
         return std::nullopt;
     const SourcePage& page = m_source->page(index);
-    return PDFPage(index, page.orientation.uprightMediaBox(),
-                   mapRect(page.orientation.toPageSpace(), page.cropBox));
+    return PDFPage(page.orientation.uprightMediaBox(), mapRect(page.orientation.toPageSpace(), page.cropBox));
 }
 
 }  // namespace vellmora

@@ -13,16 +13,12 @@ enum class DisplayBox { mediaBox, cropBox };
 /// which its media box keeps its lower-left corner and trades width for height where need be.
 class PDFPage {
 public:
-    PDFPage(qsizetype index, const Rect& mediaBox, const Rect& cropBox)
-        : m_index(index), m_mediaBox(mediaBox), m_cropBox(cropBox) {}
+    PDFPage(const Rect& mediaBox, const Rect& cropBox) : m_mediaBox(mediaBox), m_cropBox(cropBox) {}
 
-    /// 0-based.
-    qsizetype index() const { return m_index; }
     /// In page space. The crop box lies inside the media box.
     const Rect& bounds(DisplayBox box) const { return box == DisplayBox::mediaBox ? m_mediaBox : m_cropBox; }
 
 private:
-    qsizetype m_index;
     Rect m_mediaBox;
     Rect m_cropBox;
 };

@@ -26,7 +26,7 @@ const QString unavailableText = QStringLiteral(
 
 }  // namespace
 
-PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_pictures(renderer, nullptr) {
+PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_pictures(renderer) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(QStringLiteral("Seitenansicht"));

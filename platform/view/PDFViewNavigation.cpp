@@ -1,6 +1,8 @@
 #include "platform/view/PDFView.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include <QContextMenuEvent>

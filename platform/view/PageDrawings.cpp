@@ -6,7 +6,7 @@
 
 namespace vellmora {
 
-PageDrawings::PageDrawings(QObject* parent) : QObject(parent) {
+PageDrawings::PageDrawings() {
     m_thread.setMaxThreadCount(1);
 }
 

@@ -18,7 +18,7 @@ class PageDrawings : public QObject {
     Q_OBJECT
 
 public:
-    explicit PageDrawings(QObject* parent);
+    PageDrawings();
     /// Waits for the page that is being drawn.
     ~PageDrawings() override;
 

@@ -7,8 +7,7 @@
 
 namespace vellmora {
 
-PagePictures::PagePictures(PageRenderer& renderer, QObject* parent)
-    : QObject(parent), m_renderer(renderer), m_drawings(nullptr) {
+PagePictures::PagePictures(PageRenderer& renderer) : m_renderer(renderer) {
     connect(&m_drawings, &PageDrawings::ready, this, &PagePictures::takeDrawing);
 }
 
@@ -74,13 +73,15 @@ void PagePictures::keepWithinBudget() {
     qint64 total = 0;
     for (const Page& page : m_pages)
         total += bytesOf(page);
-    while (total > budgetBytes && m_pages.size() > 1) {
+    while (total > budgetBytes) {
+        const auto distance = [this](const auto& page) { return std::abs(page.key() - m_centre); };
         auto farthest = m_pages.begin();
         for (auto page = m_pages.begin(); page != m_pages.end(); ++page) {
-            if (std::abs(page.key() - m_centre) > std::abs(farthest.key() - m_centre))
+            if (distance(page) > distance(farthest))
                 farthest = page;
         }
-        if (farthest.key() == m_centre)
+        // Its neighbours stay, since the view would ask for them again, and again.
+        if (distance(farthest) <= 1)
             return;
         total -= bytesOf(*farthest);
         m_pages.erase(farthest);

@@ -15,7 +15,7 @@
 namespace vellmora {
 
 /// The rendered pages of a document: the newest picture of each, as many as the memory budget allows, those
-/// nearest to the page on screen kept longest.
+/// nearest to the page on screen kept longest. That page and its neighbours are kept whatever they take.
 class PagePictures : public QObject {
     Q_OBJECT
 
@@ -33,7 +33,7 @@ public:
     };
 
     /// `renderer` must outlive the object.
-    PagePictures(PageRenderer& renderer, QObject* parent);
+    explicit PagePictures(PageRenderer& renderer);
 
     /// Forgets all pictures.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);

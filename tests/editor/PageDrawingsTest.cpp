@@ -34,7 +34,7 @@ protected:
         return pages;
     }
 
-    PageDrawings drawings{nullptr};
+    PageDrawings drawings;
     QSignalSpy delivered{&drawings, &PageDrawings::ready};
 };
 

@@ -66,6 +66,23 @@ TEST(PageGeometryTest, TinyAndHugePagesFit) {
     EXPECT_GT(PageGeometry::fittingScale({0, 0, 10, 10}, {4, 4}, 8), 0);
 }
 
+TEST(PagePicturesTest, KeepsThePageOnScreenAndItsNeighboursHoweverMuchTheyTake) {
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
+    PagePictures pictures(renderer);
+    pictures.setDocument(pages(4).document());
+    pictures.setCentre(1);
+    QSignalSpy delivered(&pictures, &PagePictures::changed);
+    const QSize size(4000, 4000);  // three of them are more than the budget
+    for (const qsizetype page : {3, 0, 1, 2}) {
+        pictures.request(page, {size, QRect(QPoint(0, 0), size)});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() > 0; }));
+        delivered.clear();
+    }
+    for (const qsizetype page : {0, 1, 2})
+        EXPECT_FALSE(pictures.picture(page).pixmap.isNull()) << page;
+    EXPECT_TRUE(pictures.picture(3).pixmap.isNull());
+}
+
 TEST_F(PDFViewTest, ShowsThePageFittedOnBlack) {
     PdfBuilder source;
     source.page("/MediaBox [0 0 300 300] /CropBox [100 100 200 200]", filledRect("1 0 0", "100 100 50 50"));

@@ -7,6 +7,7 @@
 
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -127,6 +128,18 @@ TEST_F(FilesTest, FollowsSymbolicLinksAlsoToMissingFiles) {
     }
 }
 
+TEST_F(FilesTest, FollowsALinkUpwardsFromWhereItsFolderReallyLies) {
+    QDir(m_folder.path()).mkpath(QStringLiteral("real/inner"));
+    ASSERT_EQ(::symlink("real/inner", qPrintable(path("folder"))), 0);
+    ASSERT_EQ(::symlink("../file.txt", qPrintable(path("folder/link.txt"))), 0);
+    writeFile(path("file.txt"), "precious");
+    for (const char* name : {"folder/link.txt", "folder/../file.txt"}) {
+        files::writeAtomically(path(name), name);
+        EXPECT_EQ(readFile(path("real/file.txt")), name);
+    }
+    EXPECT_EQ(readFile(path("file.txt")), "precious");
+}
+
 TEST_F(FilesTest, NewFilesHaveTheUmasksPermissionsAndNeverMoreThanTheFileBefore) {
     const mode_t mask = ::umask(027);
     files::writeAtomically(path("new.txt"), "x");
@@ -136,6 +149,19 @@ TEST_F(FilesTest, NewFilesHaveTheUmasksPermissionsAndNeverMoreThanTheFileBefore)
     ::umask(mask);
     EXPECT_EQ(permissions(path("new.txt")), 0640U);
     EXPECT_EQ(permissions(path("private.txt")), 0600U);
+}
+
+TEST_F(FilesTest, ThreadsThatWriteAtOnceLeaveTheUmaskAsItIs) {
+    const mode_t mask = ::umask(022);
+    std::vector<std::jthread> writers(2);
+    for (std::jthread& writer : writers) {
+        writer = std::jthread([name = path("a.txt")] {
+            for (int call = 0; call < 40000; ++call)
+                files::permissionsForNewFile(name);
+        });
+    }
+    writers.clear();
+    EXPECT_EQ(::umask(mask), 022U);
 }
 
 TEST_F(FilesTest, ReportsFailuresInGermanWithTheFilesName) {

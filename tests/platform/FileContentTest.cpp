@@ -5,6 +5,7 @@
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
+#include <atomic>
 #include <thread>
 #include <vector>
 

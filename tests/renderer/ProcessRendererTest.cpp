@@ -5,7 +5,10 @@
 #include "tests/support/TestPdf.h"
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/wait.h>
 
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace vellmora;
@@ -78,21 +81,24 @@ TEST_F(ProcessRendererTest, AProcessThatHangsIsKilledAndReplaced) {
     EXPECT_TRUE(rendersRedPage());
 }
 
-TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForANewerOneAndIsTriedAgain) {
+TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForNewerOnesAndIsTriedAgain) {
     ProcessRenderer unlimited(QStringLiteral(VELLMORA_RENDERER), std::chrono::hours(1));
     unlimited.prepare();
     ::kill(*unlimited.processID(), SIGSTOP);
-    std::optional<QImage> slow;
-    unlimited.render(PageRenderRequest::whole(redPage(), {300, 300}),
-                     [&](const QImage& image) { slow = image; });
+    QStringList served;
+    const auto request = [&](const char* name) {
+        unlimited.render(
+            PageRenderRequest::whole(redPage(), {300, 300}), [&served, name](const QImage& image) {
+                served.append(image.isNull() ? QStringLiteral("none") : QString::fromLatin1(name));
+            });
+    };
+    request("slow");
     QTest::qWait(900);
-    EXPECT_FALSE(slow);
-    std::optional<QImage> newer;
-    unlimited.render(PageRenderRequest::whole(redPage(), {200, 200}),
-                     [&](const QImage& image) { newer = image; });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return newer && slow; }));
-    EXPECT_FALSE(newer->isNull());
-    EXPECT_FALSE(slow->isNull());
+    EXPECT_TRUE(served.isEmpty());
+    request("newer");
+    request("newest");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return served.size() == 3; }));
+    EXPECT_EQ(served.join(QLatin1Char(' ')), QStringLiteral("newest newer slow"));
 }
 
 TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
@@ -102,6 +108,29 @@ TEST_F(ProcessRendererTest, WithoutItsProgramEveryPageIsUnavailable) {
                   [&](const QImage& image) { answer = image; });
     ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
     EXPECT_TRUE(answer->isNull());
+}
+
+TEST_F(ProcessRendererTest, GoesOnWhenNeitherTheProcessNorItsProgramIsThereAnyMore) {
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("renderer"));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VELLMORA_RENDERER), program));
+    ProcessRenderer orphan(program);
+    orphan.prepare();
+    const auto pid = static_cast<id_t>(*orphan.processID());
+    QFile::remove(program);
+    ::kill(*orphan.processID(), SIGKILL);
+    siginfo_t info{};
+    ASSERT_EQ(::waitid(P_PID, pid, &info, WEXITED | WNOWAIT), 0);
+    std::optional<QImage> answer;
+    FileDescriptor readable;  // takes the number that the socket had
+    orphan.render(PageRenderRequest::whole(redPage(), {10, 10}), [&](const QImage& image) {
+        answer = image;
+        readable = FileDescriptor(::open("/dev/zero", O_RDONLY | O_CLOEXEC));
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
+    EXPECT_TRUE(answer->isNull());
+    QTest::qWait(0);
+    EXPECT_FALSE(orphan.processID());
 }
 
 TEST_F(ProcessRendererTest, RendersAPartAsItLooksInTheWhole) {

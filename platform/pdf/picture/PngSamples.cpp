@@ -1,5 +1,6 @@
 #include "platform/pdf/picture/PngSamples.h"
 
+#include "platform/image/PngChunks.h"
 #include "platform/pdf/writing/DeflateStream.h"
 
 #include <QtEndian>
@@ -8,9 +9,6 @@ namespace vellmora {
 
 namespace {
 
-constexpr qsizetype signatureSize = 8;
-constexpr qsizetype chunkNameSize = 4;
-constexpr qsizetype chunkOverhead = 12;  // length, name, checksum
 constexpr qsizetype headerSize = 13;
 
 /// What is needed of a PNG's chunks.
@@ -27,25 +25,16 @@ quint32 numberAt(const char* bytes) {
 
 PngContent contentOf(const QByteArray& png) {
     PngContent content;
-    qsizetype at = signatureSize;
-    while (at + chunkOverhead <= png.size()) {
-        const qsizetype length = numberAt(png.constData() + at);
-        if (length > png.size() - at - chunkOverhead)
-            break;
-        const QByteArrayView name(png.constData() + at + chunkNameSize, chunkNameSize);
-        const QByteArrayView data(name.end(), length);
-        if (name == "IHDR")
+    visitPngChunks(png, [&](QByteArrayView type, QByteArrayView data) {
+        if (type == "IHDR")
             content.header = data;
-        else if (name == "PLTE")
+        else if (type == "PLTE")
             content.palette = data;
-        else if (name == "IDAT")
-            content.samples.append(data.data(), static_cast<size_t>(length));
-        else if (name == "tRNS" || name == "eXIf")
+        else if (type == "IDAT")
+            content.samples.append(data.data(), static_cast<size_t>(data.size()));
+        else if (type == "tRNS" || type == "eXIf")
             content.isPlain = false;
-        else if (name == "IEND")
-            break;
-        at += chunkOverhead + length;
-    }
+    });
     return content;
 }
 

@@ -46,10 +46,7 @@ void ProcessRenderer::render(const PageRenderRequest& request, Completion comple
     if (m_waiting.size() >= maxWaiting)
         m_waiting.pop_front();
     m_waiting.push_back({request, std::move(completion), false});
-    if (m_job && m_job->age.hasExpired(patience.count()))
-        QMetaObject::invokeMethod(this, &ProcessRenderer::makeWay, Qt::QueuedConnection);
-    else
-        QMetaObject::invokeMethod(this, &ProcessRenderer::serveNext, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &ProcessRenderer::serveNewest, Qt::QueuedConnection);
 }
 
 void ProcessRenderer::serveNext() {
@@ -77,9 +74,12 @@ bool ProcessRenderer::begin(Waiting work) {
     std::memcpy(drawing.bytes(), work.request.drawing.constData(), drawingSize);
     const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
                                        part.y(),    part.width(), part.height()};
-    if (!m_process || !m_process->send(message, drawing.descriptor(), pixels->descriptor())) {
-        startProcess();
-        if (!m_process || !m_process->send(message, drawing.descriptor(), pixels->descriptor()))
+    const auto isSent = [&] {
+        return m_process && m_process->send(message, drawing.descriptor(), pixels->descriptor());
+    };
+    if (!isSent()) {
+        replaceProcess();
+        if (!isSent())
             return false;
     }
     m_job = Job{std::move(work), std::move(pixels), {}};
@@ -118,13 +118,13 @@ void ProcessRenderer::processEnded() {
 }
 
 /// Puts off a page that takes long, for newer ones; it has its full time when they are done.
-void ProcessRenderer::makeWay() {
-    if (!m_job || m_waiting.empty())
-        return;
-    m_waiting.push_front(std::move(m_job->work));
-    m_job.reset();
-    m_limit.stop();
-    replaceProcess();
+void ProcessRenderer::serveNewest() {
+    if (m_job && m_job->age.hasExpired(patience.count()) && !m_waiting.empty()) {
+        m_waiting.push_front(std::move(m_job->work));
+        m_job.reset();
+        m_limit.stop();
+        replaceProcess();
+    }
     serveNext();
 }
 

@@ -53,11 +53,11 @@ private:
     };
 
     void startProcess();
+    void serveNewest();
     void serveNext();
     bool begin(Waiting work);
     void takeReply();
     void processEnded();
-    void makeWay();
     void replaceProcess();
     void giveUp();
     void finish(const QImage& image);

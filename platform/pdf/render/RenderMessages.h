@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/files/FileDescriptor.h"
+
 #include <cstdint>
+#include <optional>
 
 namespace vellmora {
 
@@ -11,8 +14,8 @@ namespace vellmora {
 /// Comes with two file descriptors: the page's drawing (a PDF of one page), and where the pixels go (32 bits
 /// each, as QImage::Format_RGB32 has them, rows without gaps).
 struct RenderRequestMessage {
-    std::uint64_t drawingSize;
-    std::int32_t pageWidth;  ///< of the whole page, in pixels
+    std::uint64_t drawingSize;  ///< in bytes
+    std::int32_t pageWidth;     ///< of the whole page, in pixels
     std::int32_t pageHeight;
     std::int32_t x;  ///< the part that is wanted, in pixels of the whole page
     std::int32_t y;
@@ -23,6 +26,19 @@ struct RenderRequestMessage {
 struct RenderReplyMessage {
     std::uint32_t isRendered;  ///< 0 where the drawing cannot be rendered
 };
+
+/// A request as the renderer process gets it.
+struct ReceivedRenderRequest {
+    RenderRequestMessage message{};
+    FileDescriptor drawing;
+    FileDescriptor pixels;
+};
+
+/// False where the other side is gone or does not keep up. Never blocks.
+bool sendRenderRequest(int socket, const RenderRequestMessage& request, int drawing, int pixels);
+
+/// Waits for the next request; nothing when the program is gone.
+std::optional<ReceivedRenderRequest> receiveRenderRequest(int socket);
 
 /// The renderer process finds its end of the socket here.
 inline constexpr int rendererSocket = 3;

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/socket.h>
@@ -58,21 +57,7 @@ RendererProcess::~RendererProcess() {
 }
 
 bool RendererProcess::send(const RenderRequestMessage& request, int drawing, int pixels) {
-    const std::array<int, 2> descriptors{drawing, pixels};
-    RenderRequestMessage copy = request;
-    iovec part{&copy, sizeof copy};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof descriptors)> control{};
-    msghdr message{};
-    message.msg_iov = &part;
-    message.msg_iovlen = 1;
-    message.msg_control = control.data();
-    message.msg_controllen = control.size();
-    cmsghdr* header = CMSG_FIRSTHDR(&message);
-    header->cmsg_level = SOL_SOCKET;
-    header->cmsg_type = SCM_RIGHTS;
-    header->cmsg_len = CMSG_LEN(sizeof descriptors);
-    std::memcpy(CMSG_DATA(header), descriptors.data(), sizeof descriptors);
-    return ::sendmsg(m_socket.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT) == sizeof copy;
+    return sendRenderRequest(m_socket.get(), request, drawing, pixels);
 }
 
 std::optional<RenderReplyMessage> RendererProcess::receive() {
