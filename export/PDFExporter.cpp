@@ -43,6 +43,7 @@ private:
 };
 
 void drawPages(PDFContext& context, const PDFDocument& document, const StampsByPage& stampsByPage) {
+    document.readAhead();
     PicturePool pictures(context);
     for (qsizetype index = 0; index < document.pageCount(); ++index) {
         const std::optional<PDFPage> page = document.page(index);

@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <new>
 #include <thread>
 #include <unistd.h>
@@ -21,6 +24,8 @@ namespace {
 constexpr size_t blockSize = 1 << 13;
 /// As many blocks as are read at once, where nobody waits for less.
 constexpr size_t runLength = 16;
+/// Before the rest is read: who opened the file has something to show first.
+constexpr std::chrono::milliseconds headStart{200};
 /// Below this size a thread costs more than it spares.
 constexpr qint64 largeSize = 4 << 20;
 
@@ -50,6 +55,12 @@ public:
         }
     }
 
+    void readAhead() {
+        const std::lock_guard lock(m_mutex);
+        m_isNeeded = true;
+        m_need.notify_all();
+    }
+
     void requireReadable() const {
         if (const int error = m_error; error != 0)
             throw fileError(FileAction::read, m_path, error);
@@ -59,6 +70,10 @@ private:
     enum class State { missing, claimed, there, failed };
 
     void readAll(const std::stop_token& stop) {
+        {
+            std::unique_lock lock(m_mutex);
+            m_need.wait_for(lock, stop, headStart, [this] { return m_isNeeded; });
+        }
         for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested() && m_error == 0;)
             block = std::max(readRun(block, std::min(block + runLength, m_blocks.size())), block + 1);
     }
@@ -100,6 +115,9 @@ private:
     size_t m_size;
     std::vector<std::atomic<State>> m_blocks;
     std::atomic<int> m_error = 0;
+    std::mutex m_mutex;
+    std::condition_variable_any m_need;
+    bool m_isNeeded = false;  ///< guarded by the mutex
     std::jthread m_thread;
 };
 
@@ -129,6 +147,11 @@ std::string_view FileContent::range(size_t offset, size_t length) const {
     if (m_reading)
         m_reading->require(offset, length);
     return {m_bytes.constData() + offset, length};
+}
+
+void FileContent::readAhead() const {
+    if (m_reading)
+        m_reading->readAhead();
 }
 
 void FileContent::requireReadable() const {

@@ -8,9 +8,9 @@
 
 namespace vellmora {
 
-/// The bytes of a file, at hand before all of them are read: a large file is read by a thread of its own, and
-/// who needs a part of it earlier reads that part. Soon after opening, the file itself is not needed any
-/// more.
+/// The bytes of a file, at hand before all of them are read: a large file is read by a thread of its own,
+/// after a moment's rest, and who needs a part of it earlier reads that part. Soon after opening, the file
+/// itself is not needed any more.
 ///
 /// May be used by several threads at a time.
 class FileContent {
@@ -29,6 +29,9 @@ public:
     /// `Error` where it cannot be, or is not there any more.
     std::string_view range(size_t offset, size_t length) const;
     std::string_view all() const { return range(0, size()); }
+
+    /// All of it will be needed: what is left to read is read without a rest from now on.
+    void readAhead() const;
 
     /// Throws the `Error` of a range that could not be read, whoever asked for it.
     void requireReadable() const;

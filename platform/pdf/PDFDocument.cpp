@@ -36,6 +36,10 @@ qsizetype PDFDocument::pageCount() const {
     return m_source->pageCount();
 }
 
+void PDFDocument::readAhead() const {
+    m_source->content().readAhead();
+}
+
 std::optional<PDFPage> PDFDocument::page(qsizetype index) const {
     if (index < 0 || index >= pageCount())
         return std::nullopt;

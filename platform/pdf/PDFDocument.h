@@ -34,6 +34,9 @@ public:
     /// Nothing for an index outside 0 … pageCount − 1.
     std::optional<PDFPage> page(qsizetype index) const;
 
+    /// For who is about to draw all pages: the rest of a large file is read beside that from now on.
+    void readAhead() const;
+
     /// What the platform's own drawing reads; not for use outside of `platform/pdf`.
     const PDFSource& source() const { return *m_source; }
 
