@@ -75,7 +75,7 @@ TEST(PagePicturesTest, KeepsThePageOnScreenAndItsNeighboursHoweverMuchTheyTake) 
     const QSize size(4000, 4000);  // three of them are more than the budget
     for (const qsizetype page : {3, 0, 1, 2}) {
         pictures.request(page, {size, QRect(QPoint(0, 0), size)});
-        ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() > 0; }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !delivered.isEmpty(); }));
         delivered.clear();
     }
     for (const qsizetype page : {0, 1, 2})
