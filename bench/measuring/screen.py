@@ -7,7 +7,7 @@ from contextlib import contextmanager
 from lib.virtual_desktop import WAIT_SECONDS, Accessibility, VirtualDesktop
 
 WHOLE_SCREEN = (0, 0, 1600, 1000)
-REST = 400  # milliseconds without any drawing after which nothing more is to come
+REST = 800  # milliseconds without any drawing after which nothing more is to come
 STOP_SECONDS = 5
 
 
