@@ -15,10 +15,12 @@ const QString StampLibrary::metadataFileName = QStringLiteral("stamp-library.jso
 
 StampLibrary::StampLibrary(Environment environment)
     : m_environment(std::move(environment)), m_defaults(m_environment.folders.defaultsFile) {
-    const QList<BuiltinStampDefinition> builtins = builtinDefinitions(m_environment.clock());
-    auto pictures = std::make_unique<BuiltinPictures>(builtins, m_environment.fonts);
     loadLibrary();
-    ensureBuiltinPresets(builtins, std::move(pictures));
+    ensureBuiltinPresets();
+}
+
+StampLibrary::~StampLibrary() {
+    finishRedrawing();
 }
 
 static bool comesBefore(const StampPreset& a, const StampPreset& b) {
@@ -44,9 +46,9 @@ QList<StampPreset>::const_iterator StampLibrary::findPreset(const QUuid& id) con
     return std::find_if(m_presets.begin(), m_presets.end(), [&](const auto& p) { return p.id == id; });
 }
 
-std::optional<Image> StampLibrary::image(const StampPreset& preset) const {
+std::optional<Image> StampLibrary::image(const StampPreset& preset) {
     if (preset.isBuiltin())
-        waitForBuiltinFiles();
+        finishRedrawing();
     return Image::fromFile(filePath(preset));
 }
 
@@ -55,14 +57,9 @@ PictureSource StampLibrary::pictureSource(const StampPreset& preset) const {
     const QFileInfo file(path);
     if (path.isEmpty() || !file.exists())
         return {};
-    if (preset.isBuiltin()) {
-        // Written once, at this start.
-        return {path, [path, written = m_builtinFiles] {
-                    if (written.valid())
-                        written.wait();
-                    return Image::fromFile(path);
-                }};
-    }
+    if (preset.isBuiltin())
+        return {QStringLiteral("%1 %2").arg(path).arg(m_builtinVersion),
+                [path] { return Image::fromFile(path); }};
     const QString version =
         QStringLiteral("%1 %2 %3").arg(path).arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size());
     return {version, [path] { return Image::fromFile(path); }};
@@ -100,7 +97,7 @@ void StampLibrary::removePreset(const QUuid& id) {
     if (preset == m_presets.constEnd())
         return;
     if (preset->isBuiltin())
-        waitForBuiltinFiles();
+        finishRedrawing();
     const QString path = filePath(*preset);
     if (files::exists(path))
         files::remove(path);

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "library/BuiltinPictures.h"
+#include "library/BuiltinFiles.h"
 #include "library/StampPreset.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/files/Durability.h"
 #include "platform/files/Folders.h"
 #include "platform/fonts/SystemFonts.h"
 #include "platform/image/Image.h"
@@ -12,7 +11,6 @@
 #include "platform/time/Clock.h"
 
 #include <future>
-#include <memory>
 #include <optional>
 
 #include <QList>
@@ -23,10 +21,10 @@ namespace vellmora {
 
 /// The persistent stamp library: picture files in a folder, one metadata file beside it, and two settings.
 ///
-/// Loads synchronously when it is made, and draws the built-in stamps anew then: beside what follows where
-/// only their pictures are written, so that whoever asks for one of them may wait a moment. Every change
-/// rewrites the metadata file as a whole; changes that another process makes to the folder are seen at the
-/// next start. Operations that can fail throw `Error`.
+/// Loads synchronously when it is made, and draws the built-in stamps anew: at once where that changes more
+/// than their pictures, else a little later, or when somebody asks for one of them. Every change rewrites the
+/// metadata file as a whole; changes that another process makes to the folder are seen at the next start.
+/// Operations that can fail throw `Error`.
 class StampLibrary : public QObject {
     Q_OBJECT
 
@@ -46,6 +44,7 @@ public:
     };
 
     explicit StampLibrary(Environment environment);
+    ~StampLibrary() override;
 
     /// Built-ins first, then by date of use (newest first), then by name.
     const QList<StampPreset>& presets() const { return m_presets; }
@@ -69,7 +68,7 @@ public:
     void removePreset(const QUuid& id);
     /// The preset's picture, read from its file on every call; nothing where it is missing or cannot be
     /// decoded.
-    std::optional<Image> image(const StampPreset& preset) const;
+    std::optional<Image> image(const StampPreset& preset);
     /// The same picture for a view that decodes it later, on a thread of its own.
     PictureSource pictureSource(const StampPreset& preset) const;
     /// Asks the user for a PNG file; nothing when cancelled.
@@ -80,11 +79,6 @@ Q_SIGNALS:
     void objectWillChange();
 
 private:
-    struct BuiltinFile {
-        QString path;
-        Durability durability;
-    };
-
     QString libraryRoot() const;
     QString stampsDirectory() const;
     QString metadataPath() const;
@@ -106,11 +100,12 @@ private:
     void prependRecent(const QUuid& id);
     void removeRecent(const QUuid& id);
 
-    void ensureBuiltinPresets(const QList<BuiltinStampDefinition>& definitions,
-                              std::unique_ptr<BuiltinPictures> pictures);
-    static qsizetype writeBuiltinFiles(BuiltinPictures& pictures, const QList<BuiltinFile>& files);
+    void ensureBuiltinPresets();
+    /// Those that are due, on a thread of the toolkit's.
+    void redrawBuiltins();
     /// For whoever reads or removes the picture of a built-in stamp.
-    void waitForBuiltinFiles() const;
+    void finishRedrawing();
+    void showRedrawnBuiltins();
     BuiltinFile builtinFile(const BuiltinStampDefinition& definition);
     bool isCurrent(const BuiltinStampDefinition& definition);
     void adoptBuiltin(const BuiltinStampDefinition& definition, const QDateTime& now);
@@ -124,7 +119,9 @@ private:
     QList<StampPreset> m_presets;
     std::optional<QUuid> m_selectedPresetID;
     bool m_hasUnreadableMetadata = false;
-    std::shared_future<qsizetype> m_builtinFiles;  ///< how many were written
+    QList<BuiltinFile> m_dueBuiltins;  ///< to be drawn anew
+    std::shared_future<BuiltinFilesOutcome> m_redrawing;
+    int m_builtinVersion = 0;  ///< of their pictures
 };
 
 }  // namespace vellmora

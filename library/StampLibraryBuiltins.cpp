@@ -1,41 +1,21 @@
-#include "library/BuiltinPictures.h"
 #include "library/StampLibrary.h"
 #include "platform/error/Error.h"
 #include "platform/files/Files.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <chrono>
 #include <utility>
+
+#include <QThreadPool>
+#include <QTimer>
 
 namespace vellmora {
 
-static void reportFailure(const Error& error) {
-    std::printf("Builtin stamp setup failed: %s\n", error.what());
-    std::fflush(stdout);
-}
+/// Until pictures that are there already are drawn anew: the window is shown first.
+static constexpr std::chrono::milliseconds redrawDelay{300};
 
-/// How many of the files were written; those behind a failure are left as they are.
-qsizetype StampLibrary::writeBuiltinFiles(BuiltinPictures& pictures, const QList<BuiltinFile>& files) {
-    qsizetype written = 0;
-    try {
-        for (const auto& [path, durability] : files) {
-            const QByteArray png = pictures.takePngFile(static_cast<size_t>(written));
-            if (png.isEmpty()) {
-                throw Error(Error::vellmoraDomain, 41,
-                            QStringLiteral("Builtin-Stempel konnte nicht erzeugt werden."));
-            }
-            files::writeAtomically(path, png, durability);
-            ++written;
-        }
-    } catch (const Error& error) {
-        reportFailure(error);
-    }
-    return written;
-}
-
-void StampLibrary::waitForBuiltinFiles() const {
-    if (m_builtinFiles.valid())
-        m_builtinFiles.wait();
+static QString builtinFileName(const BuiltinStampDefinition& definition) {
+    return QStringLiteral("builtin-%1.png").arg(definition.key);
 }
 
 QList<StampPreset>::iterator StampLibrary::findBuiltin(const BuiltinStampDefinition& definition) {
@@ -43,19 +23,18 @@ QList<StampPreset>::iterator StampLibrary::findBuiltin(const BuiltinStampDefinit
                         [&](const StampPreset& p) { return p.builtinKey == definition.key; });
 }
 
-static QString builtinFileName(const BuiltinStampDefinition& definition) {
-    return QStringLiteral("builtin-%1.png").arg(definition.key);
-}
-
-StampLibrary::BuiltinFile StampLibrary::builtinFile(const BuiltinStampDefinition& definition) {
+BuiltinFile StampLibrary::builtinFile(const BuiltinStampDefinition& definition) {
     const auto known = findBuiltin(definition);
-    if (known == m_presets.end())
-        return {stampsDirectory() + QLatin1Char('/') + builtinFileName(definition), Durability::synced};
+    if (known == m_presets.end()) {
+        return {definition, stampsDirectory() + QLatin1Char('/') + builtinFileName(definition),
+                Durability::synced};
+    }
     // Nothing is lost with it: it is drawn anew at each start.
-    return {filePath(*known), Durability::untilPowerLoss};
+    return {definition, filePath(*known), Durability::untilPowerLoss};
 }
 
-/// Whether there is a preset with the name of today, which may contain the date.
+/// Whether there is a preset with the name of today, which may contain the date. Its file was written before
+/// it got that name.
 bool StampLibrary::isCurrent(const BuiltinStampDefinition& definition) {
     const auto known = findBuiltin(definition);
     return known != m_presets.end() && known->displayName == definition.displayName;
@@ -74,20 +53,20 @@ void StampLibrary::adoptBuiltin(const BuiltinStampDefinition& definition, const 
     m_presets.append(preset);
 }
 
-void StampLibrary::ensureBuiltinPresets(const QList<BuiltinStampDefinition>& definitions,
-                                        std::unique_ptr<BuiltinPictures> pictures) {
+void StampLibrary::ensureBuiltinPresets() {
+    const QDateTime now = m_environment.clock();
+    const QList<BuiltinStampDefinition> definitions = builtinDefinitions(now);
     try {
         ensureLibraryDirectories();
-        QList<BuiltinFile> files;
         for (const BuiltinStampDefinition& definition : definitions)
-            files.append(builtinFile(definition));
-        m_builtinFiles = std::async(std::launch::async, [pictures = std::move(pictures), files] {
-            return writeBuiltinFiles(*pictures, files);
-        });
-        if (std::all_of(definitions.begin(), definitions.end(), [&](const auto& d) { return isCurrent(d); }))
+            m_dueBuiltins.append(builtinFile(definition));
+        if (std::all_of(definitions.begin(), definitions.end(),
+                        [&](const auto& d) { return isCurrent(d); })) {
+            QTimer::singleShot(redrawDelay, this, &StampLibrary::redrawBuiltins);
             return;
-        const qsizetype written = m_builtinFiles.get();
-        const QDateTime now = m_environment.clock();
+        }
+        redrawBuiltins();
+        const qsizetype written = m_redrawing.get().written;
         std::for_each_n(definitions.begin(), written, [&](const auto& d) { adoptBuiltin(d, now); });
         if (written < definitions.size())
             return;
@@ -96,8 +75,33 @@ void StampLibrary::ensureBuiltinPresets(const QList<BuiltinStampDefinition>& def
             selectFirstPreset();
         persistMetadata();
     } catch (const Error& error) {
-        reportFailure(error);
+        reportBuiltinFailure(error);
     }
+}
+
+void StampLibrary::redrawBuiltins() {
+    if (m_dueBuiltins.isEmpty())
+        return;
+    auto promise = std::make_shared<std::promise<BuiltinFilesOutcome>>();
+    m_redrawing = promise->get_future();
+    const auto redraw = [this, promise, files = std::exchange(m_dueBuiltins, {})] {
+        const BuiltinFilesOutcome outcome = writeBuiltinFiles(files, m_environment.fonts);
+        if (outcome.haveChanged)
+            QMetaObject::invokeMethod(this, &StampLibrary::showRedrawnBuiltins, Qt::QueuedConnection);
+        promise->set_value(outcome);
+    };
+    QThreadPool::globalInstance()->start(redraw);
+}
+
+void StampLibrary::finishRedrawing() {
+    redrawBuiltins();
+    if (m_redrawing.valid())
+        m_redrawing.wait();
+}
+
+void StampLibrary::showRedrawnBuiltins() {
+    Q_EMIT objectWillChange();
+    ++m_builtinVersion;
 }
 
 }  // namespace vellmora
