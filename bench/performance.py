@@ -97,7 +97,8 @@ Measured by `./benchmark --write`, each row at least {rounds} times in turn with
 machine. "Ours" is the median (for steps of a drag the 99th percentile), "Spread" the least and the greatest sample.
 The window is driven with real events on a virtual display, and watched from outside: a time ends with the last change
 on the screen. Saving is timed from the start of a process that opens, stamps and writes (others until its end, ours until
-the file has its name, without the final sync to the disk, which no other program does).
+the file has its name, without the final sync to the disk, which no other program does); "that are open" is the part of it
+that the program's user waits for, who opened the document before.
 
 {markdown_table(rows)}
 

@@ -1,19 +1,21 @@
 // Stamps a PDF with the code that the program saves with, and prints what it took.
 //
-//   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K]
+//   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--pause MS]
 //
-// Page numbers are 1-based, rectangles in page points. One JSON line for each run; of the export's time,
-// `sync_ms` was spent on waiting for the disk. Exit codes: 0 done, 1 wrong arguments, 2 the PDF could not be
-// opened, 3 the export failed (message on standard error).
+// Page numbers are 1-based, rectangles in page points; the pause is between opening and saving. One JSON line
+// for each run; of the export's time, `sync_ms` was spent on waiting for the disk. Exit codes: 0 done, 1
+// wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on standard error).
 
 #include "export/PDFExporter.h"
 #include "platform/error/Error.h"
 #include "platform/files/Files.h"
 
+#include <chrono>
 #include <cstdio>
 #include <optional>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
 
 #include <QCoreApplication>
@@ -41,6 +43,7 @@ struct Arguments {
     QString out;
     QList<PlacedPicture> pictures;
     int repeat = 1;
+    std::chrono::milliseconds pause{0};
 };
 
 std::optional<Rect> parseRect(const QString& text) {
@@ -64,6 +67,10 @@ bool applyOption(Arguments& arguments, const QString& option, const QString& val
     if (option == QStringLiteral("--repeat")) {
         arguments.repeat = value.toInt();
         return arguments.repeat > 0;
+    }
+    if (option == QStringLiteral("--pause")) {
+        arguments.pause = std::chrono::milliseconds(value.toInt());
+        return arguments.pause.count() > 0;
     }
     if (arguments.pictures.isEmpty())
         return false;
@@ -125,6 +132,7 @@ int run(const Arguments& arguments) {
         }
         const double openTime = milliseconds(timer);
         const StampsByPage stamps = placeStamps(arguments, document->pageCount());
+        std::this_thread::sleep_for(arguments.pause);
         syncTime = 0;
         timer.restart();
         PDFExporter::save(*document, stamps, out);
@@ -155,8 +163,10 @@ int main(int argc, char** argv) {
     try {
         const auto arguments = parseArguments(QCoreApplication::arguments());
         if (!arguments) {
-            std::fputs("export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K]\n",
-                       stderr);
+            std::fputs(
+                "export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--pause "
+                "MS]\n",
+                stderr);
             return 1;
         }
         return run(*arguments);
