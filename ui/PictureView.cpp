@@ -36,7 +36,7 @@ void PictureView::thumbnailChanged(const QString& version) {
 
 void PictureView::showEvent(QShowEvent*) {
     // By the time of the first paint it may be there.
-    m_thumbnails.thumbnail(m_source, wantedPixels());
+    m_thumbnails.prepare(m_source, wantedPixels());
 }
 
 void PictureView::paintEvent(QPaintEvent*) {

@@ -1,5 +1,6 @@
 #include "ui/ThumbnailLoader.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vellmora {
@@ -20,6 +21,20 @@ void ThumbnailLoader::load(const Request& request) {
     if (m_waiting.size() >= maxWaiting)
         m_waiting.erase(m_waiting.begin());
     m_waiting.push_back(request);
+    ensureWork();
+}
+
+void ThumbnailLoader::prepare(const Request& request) {
+    const std::lock_guard lock(m_mutex);
+    const bool isWaiting = std::any_of(m_waiting.begin(), m_waiting.end(),
+                                       [&](const Request& other) { return other.key == request.key; });
+    if (isWaiting || m_underWay.contains(request.key) || m_waiting.size() >= maxWaiting)
+        return;
+    m_waiting.insert(m_waiting.begin(), request);
+    ensureWork();
+}
+
+void ThumbnailLoader::ensureWork() {
     if (!std::exchange(m_isWorking, true))
         m_thread.start([this] { work(); });
 }

@@ -30,12 +30,15 @@ public:
     ~ThumbnailLoader() override;
 
     void load(const Request& request);
+    /// Ahead of time: after all that is waited for, the oldest of such requests first.
+    void prepare(const Request& request);
 
 Q_SIGNALS:
     /// On this object's thread. The picture is null where it is missing or cannot be decoded.
     void loaded(const vellmora::ThumbnailLoader::Request& request, const QImage& picture);
 
 private:
+    void ensureWork();
     void work();
     std::optional<Request> takeNext();
     void deliver(const Request& request, const QImage& picture);

@@ -20,6 +20,14 @@ Thumbnails::Thumbnail Thumbnails::thumbnail(const PictureSource& source, QSize p
     return {};
 }
 
+void Thumbnails::prepare(const PictureSource& source, QSize pixels) {
+    if (source.version.isEmpty() || isKnownToBeMissing(source))
+        return;
+    const QString key = keyOf(source, pixels);
+    if (!m_thumbnails.contains(key))
+        m_loader.prepare({key, source, pixels});
+}
+
 void Thumbnails::take(const ThumbnailLoader::Request& request, const QImage& picture) {
     if (picture.isNull()) {
         m_missing.insert(request.source.version);

@@ -21,9 +21,12 @@ public:
     explicit Thumbnails(QObject* parent);
 
     /// The picture scaled to fit into `pixels`, its aspect ratio kept. What is not there yet is loaded, the
-    /// newest request first, and `changed` tells when it is. To be called when a view is shown or painted, so
-    /// that only what is in sight is ever loaded.
+    /// newest request first, and `changed` tells when it is. To be called while painting, so that what is in
+    /// sight comes first.
     Thumbnail thumbnail(const PictureSource& source, QSize pixels);
+
+    /// For a view that will be painted soon.
+    void prepare(const PictureSource& source, QSize pixels);
 
     bool isKnownToBeMissing(const PictureSource& source) const { return m_missing.contains(source.version); }
 
