@@ -11,6 +11,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -133,6 +134,8 @@ std::shared_ptr<const FileContent> FileContent::open(const QString& path) {
         return std::shared_ptr<const FileContent>(new FileContent(std::move(bytes), std::move(reading)));
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);
+    } catch (const std::system_error& error) {  // no thread is to be had
+        throw fileError(FileAction::read, path, error.code().value());
     }
 }
 

@@ -5,7 +5,8 @@
 namespace vellmora {
 
 std::future<void> readFontConfiguration() {
-    return std::async(std::launch::async, [] { FcInit(); });
+    // Where no thread is to be had, it is read by who waits for it.
+    return std::async(std::launch::async | std::launch::deferred, [] { FcInit(); });
 }
 
 }  // namespace vellmora

@@ -1,9 +1,12 @@
 #include "library/BuiltinStampImage.h"
 #include "library/StampLibrary.h"
+#include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
+
+#include <utility>
 
 #include <QFileInfo>
 
@@ -110,6 +113,26 @@ TEST(BuiltinStampsTest, AStartOnTheSameDayRedrawsThePicturesButWritesNoMetadata)
     const auto library = workspace.makeLibrary();
     EXPECT_TRUE(library->image(preset));
     EXPECT_EQ(readFile(workspace.metadataFile()), metadata);
+}
+
+TEST(BuiltinStampsTest, APictureThatIsDrawnOtherwiseThanBeforeIsShownAnew) {
+    TestWorkspace workspace;
+    const StampPreset preset = workspace.makeLibrary()->presets().first();
+    const QString picture = workspace.stampsFolder() + QLatin1Char('/') + preset.fileName;
+    const QByteArray drawn = readFile(picture);
+    const auto versionWhenAtRest = [&] {
+        const auto library = workspace.makeLibrary();
+        const QString before = library->pictureSource(preset).version;
+        EXPECT_TRUE(library->image(preset));
+        settle();
+        return std::pair(before, library->pictureSource(preset).version);
+    };
+    const auto [before, same] = versionWhenAtRest();
+    EXPECT_EQ(before, same) << "a thumbnail of equal bytes is not loaded again";
+    writeFile(picture, "of another version");
+    const auto [spoilt, mended] = versionWhenAtRest();
+    EXPECT_NE(spoilt, mended);
+    EXPECT_EQ(readFile(picture), drawn);
 }
 
 TEST(BuiltinStampsTest, ARemovedBuiltinComesBackWithANewID) {
