@@ -53,11 +53,9 @@ void drawLetter(QPainter& painter, const SystemFonts& fonts, const QRectF& page,
 QByteArray makeScan(const SystemFonts& fonts, std::mt19937& random) {
     QImage image(scanSize, QImage::Format_RGB888);
     for (int y = 0; y < image.height(); ++y) {
-        uchar* line = image.scanLine(y);
-        for (int x = 0; x < image.width(); ++x) {
-            const auto grain = static_cast<uchar>(243 + random() % 7);
-            line[3 * x] = line[3 * x + 1] = line[3 * x + 2] = grain;
-        }
+        uchar* sample = image.scanLine(y);
+        for (int x = 0; x < image.width(); ++x, sample += 3)
+            sample[0] = sample[1] = sample[2] = static_cast<uchar>(243 + random() % 7);
     }
     QPainter painter(&image);
     drawLetter(painter, fonts, QRectF(image.rect()), random);
