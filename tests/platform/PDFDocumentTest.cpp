@@ -70,7 +70,7 @@ TEST(PDFDocumentTest, TakesAnyQuarterTurnForARotationAndNothingElse) {
     };
     for (const char* rotation : {"90", "450", "-90", "270.0", "-810"})
         EXPECT_TRUE(isTurned(rotation)) << rotation;
-    for (const char* rotation : {"-360", "45", "90.5", "99999999999999999990", "(90)"})
+    for (const char* rotation : {"-360", "45", "90.5", "99999999999999999990.0", "(90)"})
         EXPECT_FALSE(isTurned(rotation)) << rotation;
 }
 
