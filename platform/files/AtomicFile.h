@@ -11,8 +11,8 @@ namespace vellmora {
 /// is on the disk. Without `commit()` the target stays as it was and nothing is left behind.
 ///
 /// A symbolic link is followed: the file behind it is replaced, the link stays. A target that exists but may
-/// not be written, or that is no regular file, is refused. The new file has the permissions that the process's
-/// umask gives, and where a file is replaced none that the old one did not have.
+/// not be written, or that is no regular file, is refused. The new file has the permissions that the
+/// process's umask gives, and where a file is replaced none that the old one did not have.
 ///
 /// All operations throw `Error` (POSIX domain).
 class AtomicFile {
