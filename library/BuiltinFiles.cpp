@@ -18,14 +18,21 @@ static QByteArray pngOf(const BuiltinStampDefinition& stamp, const SystemFonts& 
     return png;
 }
 
+static bool holds(const QString& path, const QByteArray& bytes) {
+    try {
+        return files::read(path) == bytes;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
 BuiltinFilesOutcome writeBuiltinFiles(const QList<BuiltinFile>& files, const SystemFonts& fonts) {
     BuiltinFilesOutcome outcome;
     try {
         for (const BuiltinFile& file : files) {
             const QByteArray png = pngOf(file.definition, fonts);
-            const bool isKnown = files::exists(file.path) && files::read(file.path) == png;
+            outcome.haveChanged = outcome.haveChanged || !holds(file.path, png);
             files::writeAtomically(file.path, png, file.durability);
-            outcome.haveChanged = outcome.haveChanged || !isKnown;
             ++outcome.written;
         }
     } catch (const Error& error) {

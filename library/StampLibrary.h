@@ -101,8 +101,10 @@ private:
     void removeRecent(const QUuid& id);
 
     void ensureBuiltinPresets();
+    /// Whether views may have asked for the pictures that are drawn anew, and are to be told of other ones.
+    enum class Earlier { areNotShown, mayBeShown };
     /// Those that are due, on a thread of the toolkit's.
-    void redrawBuiltins();
+    void redrawBuiltins(Earlier pictures);
     /// For whoever reads or removes the picture of a built-in stamp.
     void finishRedrawing();
     void showRedrawnBuiltins();

@@ -62,10 +62,10 @@ void StampLibrary::ensureBuiltinPresets() {
             m_dueBuiltins.append(builtinFile(definition));
         if (std::all_of(definitions.begin(), definitions.end(),
                         [&](const auto& d) { return isCurrent(d); })) {
-            QTimer::singleShot(redrawDelay, this, &StampLibrary::redrawBuiltins);
+            QTimer::singleShot(redrawDelay, this, [this] { redrawBuiltins(Earlier::mayBeShown); });
             return;
         }
-        redrawBuiltins();
+        redrawBuiltins(Earlier::areNotShown);
         const qsizetype written = m_redrawing.get().written;
         std::for_each_n(definitions.begin(), written, [&](const auto& d) { adoptBuiltin(d, now); });
         if (written < definitions.size())
@@ -79,14 +79,14 @@ void StampLibrary::ensureBuiltinPresets() {
     }
 }
 
-void StampLibrary::redrawBuiltins() {
+void StampLibrary::redrawBuiltins(Earlier pictures) {
     if (m_dueBuiltins.isEmpty())
         return;
     auto promise = std::make_shared<std::promise<BuiltinFilesOutcome>>();
     m_redrawing = promise->get_future();
-    const auto redraw = [this, promise, files = std::exchange(m_dueBuiltins, {})] {
+    const auto redraw = [this, promise, pictures, files = std::exchange(m_dueBuiltins, {})] {
         const BuiltinFilesOutcome outcome = writeBuiltinFiles(files, m_environment.fonts);
-        if (outcome.haveChanged)
+        if (outcome.haveChanged && pictures == Earlier::mayBeShown)
             QMetaObject::invokeMethod(this, &StampLibrary::showRedrawnBuiltins, Qt::QueuedConnection);
         promise->set_value(outcome);
     };
@@ -94,7 +94,7 @@ void StampLibrary::redrawBuiltins() {
 }
 
 void StampLibrary::finishRedrawing() {
-    redrawBuiltins();
+    redrawBuiltins(Earlier::mayBeShown);
     if (m_redrawing.valid())
         m_redrawing.wait();
 }

@@ -39,10 +39,13 @@ class SaveRows:
         self.rounds = rounds
         self.target = inputs / "saved.pdf"
 
+    def make_room(self):
+        self.target.unlink(missing_ok=True)
+        os.sync()  # what others wrote before is not to be written on the next one's time
+
     def timed(self, command):
         """Milliseconds of the whole process."""
-        self.target.unlink(missing_ok=True)
-        os.sync()  # what others wrote before is not to be written on this one's time
+        self.make_room()
         started = time.perf_counter()
         subprocess.run([str(word) for word in command], check=True, stdin=subprocess.DEVNULL, capture_output=True)
         return (time.perf_counter() - started) * 1000
@@ -55,8 +58,7 @@ class SaveRows:
     def ours(self, source):
         """Time from the start of the process until the file is there (the program does not end with a save), without
         that of the final sync, which no other program does; that of the sync; peak memory; and the file's size."""
-        self.target.unlink(missing_ok=True)
-        os.sync()
+        self.make_room()
         started = time.perf_counter()
         process = self.start(source)
         told = json.loads(process.stdout.readline())
@@ -67,15 +69,15 @@ class SaveRows:
 
     def of_an_open_document(self, source):
         """The part of that which the program's user waits for, who opened the document earlier."""
-        self.target.unlink(missing_ok=True)
-        os.sync()
+        self.make_room()
         output, _ = self.start(source, "--pause", PAUSE).communicate()
         told = json.loads(output)
         return told["export_ms"] - told["sync_ms"]
 
     def document(self, what, name):
         source = self.inputs / name
-        candidates = {"ours": lambda: self.ours(source), "open": lambda: self.of_an_open_document(source), "cp": lambda: self.timed(["cp", source, self.target])}
+        candidates = {"ours": lambda: self.ours(source), "open": lambda: self.of_an_open_document(source),
+                      "cp": lambda: self.timed(["cp", source, self.target])}
         for peer, command in peer_commands(self.inputs, source, self.target).items():
             candidates[peer] = lambda command=command: self.timed(command)
         times = in_turn(candidates, self.rounds)

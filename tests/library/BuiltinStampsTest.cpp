@@ -127,6 +127,9 @@ TEST(BuiltinStampsTest, APictureThatIsDrawnOtherwiseThanBeforeIsShownAnew) {
         settle();
         return std::pair(before, library->pictureSource(preset).version);
     };
+    QFile::remove(picture);
+    const auto [made, unchanged] = versionWhenAtRest();
+    EXPECT_EQ(made, unchanged) << "what nobody has seen before is not loaded twice";
     const auto [before, same] = versionWhenAtRest();
     EXPECT_EQ(before, same) << "a thumbnail of equal bytes is not loaded again";
     writeFile(picture, "of another version");
