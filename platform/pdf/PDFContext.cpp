@@ -52,4 +52,8 @@ void PDFContext::close() {
     }
 }
 
+const QList<qsizetype>& PDFContext::incompletePages() const {
+    return m_writer->incompletePages();
+}
+
 }  // namespace vellmora

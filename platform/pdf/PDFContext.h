@@ -51,6 +51,10 @@ public:
     /// otherwise, or `std::bad_alloc`.
     void close();
 
+    /// After `close`: the output's pages on which something of the source is missing, since it could not be
+    /// read. 0-based, ascending.
+    const QList<qsizetype>& incompletePages() const;
+
 private:
     explicit PDFContext(PDFDataConsumer& consumer);
 

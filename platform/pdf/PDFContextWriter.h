@@ -29,6 +29,7 @@ public:
     void drawPicture(Picture picture, const Rect& rect);
     void endPage();
     void write();
+    const QList<qsizetype>& incompletePages() const { return m_incompletePages; }
 
 private:
     struct OpenPage {
@@ -67,6 +68,7 @@ private:
     /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
     std::map<std::string, QPDFObjectHandle> m_contentStreams;
     OpenPage m_page;
+    QList<qsizetype> m_incompletePages;
 };
 
 }  // namespace vellmora

@@ -36,6 +36,10 @@ qsizetype PDFDocument::pageCount() const {
     return m_source->pageCount();
 }
 
+const DocumentDamage& PDFDocument::damage() const {
+    return m_source->damage();
+}
+
 void PDFDocument::readAhead() const {
     m_source->content().readAhead();
 }

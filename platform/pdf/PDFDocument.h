@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/pdf/DocumentDamage.h"
 #include "platform/pdf/PDFPage.h"
 
 #include <memory>
@@ -33,6 +34,9 @@ public:
     qsizetype pageCount() const;
     /// Nothing for an index outside 0 … pageCount − 1.
     std::optional<PDFPage> page(qsizetype index) const;
+
+    /// What is known to be missing since the document was opened.
+    const DocumentDamage& damage() const;
 
     /// For who is about to draw all pages: the rest of a large file is read beside that from now on.
     void readAhead() const;

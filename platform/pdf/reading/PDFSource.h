@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/FileContent.h"
+#include "platform/pdf/DocumentDamage.h"
 #include "platform/pdf/PageOrientation.h"
 #include "platform/pdf/Qpdf.h"
 #include "platform/pdf/reading/OpenFile.h"
@@ -36,6 +37,7 @@ public:
     /// The bytes as they are parsed: those that were opened, or a repaired copy.
     const FileContent& content() const { return *m_content; }
     bool isEncrypted() const { return m_qpdf.isEncrypted(); }
+    const DocumentDamage& damage() const { return m_damage; }
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:
@@ -50,6 +52,7 @@ private:
     QPDF m_qpdf;
     QPDFObjectHandle m_catalog;
     std::vector<SourcePage> m_pages;
+    DocumentDamage m_damage;
 };
 
 }  // namespace vellmora
