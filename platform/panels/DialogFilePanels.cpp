@@ -1,12 +1,12 @@
 #include "platform/panels/DialogFilePanels.h"
 
-#include <chrono>
-
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QDir>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QStandardPaths>
-#include <QTimer>
 
 namespace vellmora {
 
@@ -31,19 +31,41 @@ QUrl firstFolder() {
     return QUrl::fromLocalFile(QDir(documents).exists() ? documents : QDir::homePath());
 }
 
+/// The toolkit's dialog, which leaves nothing open behind it.
+class FileDialog : public QFileDialog {
+public:
+    FileDialog(const QString& title, ContentType type, const QUrl& folder)
+        : QFileDialog(QApplication::activeWindow(), title) {
+        setNameFilter(nameFilter(type));
+        setDirectoryUrl(folder);
+    }
+
+protected:
+    /// The list of completions is a window of its own, and a popup. Return accepts the dialog and leaves that
+    /// list open. As long as a popup is open, the toolkit sends all keys and clicks there and overlooks that
+    /// another window becomes active; so it must be closed before this one is.
+    void done(int answer) override {
+        for (const auto* field : findChildren<QLineEdit*>()) {
+            if (field->completer())
+                field->completer()->popup()->hide();
+        }
+        QFileDialog::done(answer);
+    }
+};
+
 }  // namespace
 
 DialogFilePanels::DialogFilePanels() : m_lastDirectory(firstFolder()) {}
 
 std::optional<QUrl> DialogFilePanels::runModal(const OpenPanel& panel) {
-    QFileDialog& dialog = makeDialog(panel.title, panel.contentType);
+    FileDialog dialog(panel.title, panel.contentType, m_lastDirectory);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
     return run(dialog);
 }
 
 std::optional<QUrl> DialogFilePanels::runModal(const SavePanel& panel) {
-    QFileDialog& dialog = makeDialog(panel.title, panel.contentType);
+    FileDialog dialog(panel.title, panel.contentType, m_lastDirectory);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setDefaultSuffix(defaultSuffix(panel.contentType));
@@ -51,18 +73,8 @@ std::optional<QUrl> DialogFilePanels::runModal(const SavePanel& panel) {
     return run(dialog);
 }
 
-QFileDialog& DialogFilePanels::makeDialog(const QString& title, ContentType type) const {
-    auto* dialog = new QFileDialog(QApplication::activeWindow(), title);
-    dialog->setNameFilter(nameFilter(type));
-    dialog->setDirectoryUrl(m_lastDirectory);
-    return *dialog;
-}
-
 std::optional<QUrl> DialogFilePanels::run(QFileDialog& dialog) {
-    const int answer = dialog.exec();
-    // Not at once: that takes as long as loading a document, which the user waits for.
-    QTimer::singleShot(std::chrono::seconds(1), &dialog, &QObject::deleteLater);
-    if (answer != QDialog::Accepted)
+    if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
     m_lastDirectory = dialog.directoryUrl();
     const QList<QUrl> urls = dialog.selectedUrls();

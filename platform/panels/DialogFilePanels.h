@@ -18,7 +18,6 @@ public:
     std::optional<QUrl> runModal(const SavePanel& panel) override;
 
 private:
-    QFileDialog& makeDialog(const QString& title, ContentType type) const;
     std::optional<QUrl> run(QFileDialog& dialog);
 
     QUrl m_lastDirectory;
