@@ -43,8 +43,8 @@ void ContentView::saveAsNewPDF() {
     const auto document = pdfDocument.value();
     if (!document)
         return;
-    const auto url = m_panels.runModal(
-        SavePanel{QStringLiteral("PDF speichern unter"), ContentType::pdf, defaultSaveAsFilename()});
+    const auto url = m_panels.runModal(SavePanel{QStringLiteral("PDF speichern unter"), ContentType::pdf,
+                                                 defaultSaveAsFilename(), pdfSourceURL});
     if (!url) {
         statusText = QStringLiteral("Speichern unter abgebrochen.");
         return;

@@ -2,15 +2,15 @@
 
 #include "platform/panels/FilePanels.h"
 
-class QFileDialog;
-
 namespace vellmora {
+
+class FileDialog;
 
 /// File panels by the toolkit: the desktop's own dialog where there is one.
 class DialogFilePanels : public FilePanels {
 public:
-    /// The first panel starts in the user's documents folder, or at home where there is none, each later one
-    /// where the one before ended.
+    /// A save panel starts in the folder of its source. Any other starts where the one before ended, the
+    /// first one in the user's documents folder, or at home where there is none.
     DialogFilePanels();
 
     /// The panels are modal to the window that is active when they open.
@@ -18,8 +18,8 @@ public:
     std::optional<QUrl> runModal(const SavePanel& panel) override;
 
 private:
-    QFileDialog& makeDialog(const QString& title, ContentType type) const;
-    std::optional<QUrl> run(QFileDialog& dialog);
+    QUrl folderFor(const SavePanel& panel) const;
+    std::optional<QUrl> run(FileDialog& dialog);
 
     QUrl m_lastDirectory;
 };

@@ -152,6 +152,7 @@ TEST_F(ContentViewTest, SaveAsProposesTheSourcesNameAndMovesTheSource) {
     EXPECT_EQ(status(), QStringLiteral("Speichern unter abgebrochen."));
     EXPECT_EQ(workspace.panels.saved.last().title, QStringLiteral("PDF speichern unter"));
     EXPECT_EQ(workspace.panels.saved.last().nameFieldStringValue, QStringLiteral("Vertrag.pdf"));
+    EXPECT_EQ(workspace.panels.saved.last().source, workspace.url(QStringLiteral("Vertrag.pdf")));
     workspace.panels.answer = workspace.url(QStringLiteral("Kopie.pdf"));
     content.beginSaveFlow(saveAs);
     EXPECT_EQ(status(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
