@@ -15,19 +15,16 @@ static QUrl firstFolder() {
 
 DialogFilePanels::DialogFilePanels() : m_lastDirectory(firstFolder()) {}
 
+DialogFilePanels::~DialogFilePanels() {
+    delete m_dialog;
+}
+
 std::optional<QUrl> DialogFilePanels::runModal(const OpenPanel& panel) {
-    FileDialog dialog(panel.title, panel.contentType, m_lastDirectory);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    return run(dialog);
+    return run(panel, m_lastDirectory);
 }
 
 std::optional<QUrl> DialogFilePanels::runModal(const SavePanel& panel) {
-    FileDialog dialog(panel.title, panel.contentType, folderFor(panel));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.selectFile(panel.nameFieldStringValue);
-    return run(dialog);
+    return run(panel, folderFor(panel));
 }
 
 QUrl DialogFilePanels::folderFor(const SavePanel& panel) const {
@@ -35,10 +32,13 @@ QUrl DialogFilePanels::folderFor(const SavePanel& panel) const {
     return QFileInfo(folder.toLocalFile()).isDir() ? folder : m_lastDirectory;
 }
 
-std::optional<QUrl> DialogFilePanels::run(FileDialog& dialog) {
-    const std::optional<QUrl> url = dialog.run();
+template <typename Panel>
+std::optional<QUrl> DialogFilePanels::run(const Panel& panel, const QUrl& folder) {
+    if (!m_dialog)
+        m_dialog = new FileDialog;
+    const std::optional<QUrl> url = m_dialog->run(panel, folder);
     if (url)
-        m_lastDirectory = dialog.directoryUrl();
+        m_lastDirectory = url->adjusted(QUrl::RemoveFilename);
     return url;
 }
 

@@ -2,6 +2,8 @@
 
 #include "platform/panels/FilePanels.h"
 
+#include <QPointer>
+
 namespace vellmora {
 
 class FileDialog;
@@ -12,6 +14,9 @@ public:
     /// A save panel starts in the folder of its source. Any other starts where the one before ended, the
     /// first one in the user's documents folder, or at home where there is none.
     DialogFilePanels();
+    ~DialogFilePanels() override;
+    DialogFilePanels(const DialogFilePanels&) = delete;
+    DialogFilePanels& operator=(const DialogFilePanels&) = delete;
 
     /// The panels are modal to the window that is active when they open.
     std::optional<QUrl> runModal(const OpenPanel& panel) override;
@@ -19,9 +24,11 @@ public:
 
 private:
     QUrl folderFor(const SavePanel& panel) const;
-    std::optional<QUrl> run(FileDialog& dialog);
+    template <typename Panel>
+    std::optional<QUrl> run(const Panel& panel, const QUrl& folder);
 
     QUrl m_lastDirectory;
+    QPointer<FileDialog> m_dialog;  ///< made for the first panel; its parent deletes it too
 };
 
 }  // namespace vellmora

@@ -5,6 +5,7 @@
 #include <QCompleter>
 #include <QDir>
 #include <QFileInfo>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QToolTip>
 
@@ -29,15 +30,42 @@ static QString refusal(ContentType type) {
                                     : QStringLiteral("Nur PNG-Dateien werden unterstützt.");
 }
 
-FileDialog::FileDialog(const QString& title, ContentType type, const QUrl& folder)
-    : QFileDialog(QApplication::activeWindow(), title), m_type(type) {
+std::optional<QUrl> FileDialog::run(const OpenPanel& panel, const QUrl& folder) {
+    setAcceptMode(QFileDialog::AcceptOpen);
+    setFileMode(QFileDialog::ExistingFile);
+    prepare(panel.title, panel.contentType, folder);
+    const std::optional<QUrl> url = choose();
+    leaveFolder();
+    return url;
+}
+
+std::optional<QUrl> FileDialog::run(const SavePanel& panel, const QUrl& folder) {
+    setAcceptMode(QFileDialog::AcceptSave);
+    setFileMode(QFileDialog::AnyFile);
+    prepare(panel.title, panel.contentType, folder);
+    selectFile(panel.nameFieldStringValue);
+    const std::optional<QUrl> url = choose();
+    leaveFolder();
+    return url;
+}
+
+/// Nothing of an earlier run is left: neither its name nor what was selected in a list.
+void FileDialog::prepare(const QString& title, ContentType type, const QUrl& folder) {
+    if (parentWidget() != QApplication::activeWindow())
+        setParent(QApplication::activeWindow(), windowFlags());
+    setWindowTitle(title);
+    m_type = type;
     setNameFilter(nameFilter(type));
     setDirectoryUrl(folder);
+    for (auto* list : findChildren<QAbstractItemView*>())
+        list->clearSelection();
+    if (QLineEdit* field = nameField())
+        field->clear();
 }
 
 /// The desktop's dialog is gone before it can be told what it chose; where that will not do, it is shown
 /// again.
-std::optional<QUrl> FileDialog::run() {
+std::optional<QUrl> FileDialog::choose() {
     while (exec() == QDialog::Accepted) {
         const QUrl url = selectedUrls().value(0);
         if (url.isEmpty() || isOfType(url.fileName()))
@@ -53,13 +81,14 @@ std::optional<QUrl> FileDialog::run() {
 }
 
 void FileDialog::accept() {
-    auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    closeCompletions();
+    QLineEdit* field = nameField();
     const QFileInfo chosen(selectedFiles().value(0));
     const bool isForDesktop = field == nullptr;
     if (isForDesktop || chosen.isDir() || isOfType(chosen.fileName()))
         return QFileDialog::accept();
     if (acceptMode() == QFileDialog::AcceptOpen && chosen.exists())
-        return refuse(*field);
+        return refuse();
     if (acceptMode() == QFileDialog::AcceptSave)
         field->setText(directory().relativeFilePath(chosen.filePath()) + ending(m_type));
     QFileDialog::accept();
@@ -74,11 +103,11 @@ bool FileDialog::isOfType(const QString& fileName) const {
     return fileName.endsWith(ending(m_type), Qt::CaseInsensitive);
 }
 
-void FileDialog::refuse(QLineEdit& field) {
-    closeCompletions();
-    field.setFocus();
-    field.selectAll();
-    QToolTip::showText(field.mapToGlobal(QPoint(0, field.height() / 2)), refusal(m_type), &field);
+void FileDialog::refuse() {
+    QLineEdit* field = nameField();
+    field->setFocus();
+    field->selectAll();
+    QToolTip::showText(field->mapToGlobal(QPoint(0, field->height() / 2)), refusal(m_type), field);
 }
 
 /// The list of completions is a window of its own, and a popup. Return accepts the dialog and leaves that
@@ -89,6 +118,17 @@ void FileDialog::closeCompletions() {
         if (field->completer())
             field->completer()->popup()->hide();
     }
+}
+
+/// The toolkit lists a folder anew at each change in it, also where nobody sees the dialog.
+void FileDialog::leaveFolder() {
+    if (auto* folder = findChild<QFileSystemModel*>())
+        folder->setRootPath({});
+}
+
+/// None in the desktop's dialog.
+QLineEdit* FileDialog::nameField() const {
+    return findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
 }
 
 }  // namespace vellmora

@@ -1,73 +1,48 @@
 #!/usr/bin/python3
-"""Does the main job in the real window as a user would who hears what is on it: everything is found by its accessible name.
+"""Does the main job in the real window.
 
     main_job.py BUILD_FOLDER [PROGRAM]
 
 The document is dropped from another process. PROGRAM is an installed one to drive instead of that of the build folder.
 Ends with 77 where there is no virtual display.
 """
-import shutil
-import sys
-import tempfile
-from pathlib import Path
-
-SKIPPED = 77
-NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon", "import"]
-
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
-try:
-    from lib.virtual_desktop import Accessibility, VirtualDesktop, wait_for
-except ImportError:
-    sys.exit(SKIPPED)
-
-BUILD = Path(sys.argv[1]).resolve()
-PROGRAM = str(Path(sys.argv[2]).resolve() if sys.argv[2:] else BUILD / "vellmora")
-
-
-def middle(rectangle):
-    x, y, width, height = rectangle
-    return x + width / 2, y + height / 2
+from window import middle, run_in_window, wait_for
 
 
 class MainJob:
-    def __init__(self, folder):
-        self.desktop = VirtualDesktop(folder)
-        self.contract = folder / "Mietvertrag.pdf"
+    def __init__(self, window):
+        self.window = window
+        self.desktop = window.desktop
+        self.contract = window.folder / "Mietvertrag.pdf"
 
     def run(self):
-        self.desktop.start()
-        self.desktop.run(BUILD / "tools/sample_pdf", self.contract, QT_QPA_PLATFORM="offscreen")
+        self.window.start_desktop()
+        self.window.write_sample(self.contract)
         original = self.contract.read_bytes()
-        self.screen = Accessibility(self.desktop.env["DBUS_SESSION_BUS_ADDRESS"])
-        self.desktop.spawn([PROGRAM])
+        self.screen = self.window.screen
+        self.window.start_program()
         self.screen.find("label", "Keine PDF geladen")
         self.drop(self.contract)
-        self.expect("PDF geladen: Mietvertrag.pdf")
+        self.window.expect("PDF geladen: Mietvertrag.pdf")
         wait_for(self.shows_text, "the text of the page")
-        self.click("push button", "Aktiven Stempel einfügen")
-        self.expect("Stempel auf Seite 1 eingefügt: ")
+        self.window.click("push button", "Aktiven Stempel einfügen")
+        self.window.expect("Stempel auf Seite 1 eingefügt: ")
         before, after = self.drag_stamp(120, -150)
         assert (after[0] - before[0], after[1] - before[1]) == (120, -150), (before, after)
         before, after = self.drag_stamp(60, 0, grip=(-4, -4))
         assert after[2] - before[2] in (59, 60, 61) and after[1] < before[1], (before, after)
-        self.click("push button", "Speichern")
-        self.expect("Original überschrieben: Mietvertrag.pdf")
+        self.window.click("push button", "Speichern")
+        self.window.expect("Original überschrieben: Mietvertrag.pdf")
         assert self.contract.read_bytes() != original
-        self.click("push button", "Ausgewählten löschen")
-        self.expect("Ausgewählter Stempel gelöscht.")
+        self.window.click("push button", "Ausgewählten löschen")
+        self.window.expect("Ausgewählter Stempel gelöscht.")
         leftovers = [p.name for p in self.contract.parent.iterdir() if p.name.startswith(".vellmora")]
         assert not leftovers, leftovers
-        self.desktop.spawn([PROGRAM, self.contract.name])
-        self.expect("PDF geladen: Mietvertrag.pdf")
-
-    def expect(self, status):
-        self.screen.find("label", status)
-
-    def click(self, role, name):
-        self.desktop.click(*middle(self.screen.extents(self.screen.find(role, name))))
+        self.window.start_program(self.contract.name)
+        self.window.expect("PDF geladen: Mietvertrag.pdf")
 
     def drop(self, path):
-        self.desktop.spawn([str(BUILD / "tests/drag_source"), str(path)])
+        self.desktop.spawn([str(self.window.build / "tests/drag_source"), str(path)])
         source = self.screen.find("label", "Dateien")
         zone = self.screen.find("label", "PDF hier ablegen")
         start, end = middle(self.screen.extents(source)), middle(self.screen.extents(zone))
@@ -76,7 +51,7 @@ class MainJob:
         for step in range(1, 31):
             at = [round(a + (b - a) * step / 30) for a, b in zip(start, end)]
             self.desktop.run("xdotool", "mousemove", *at, "sleep", 0.01)
-        self.expect("PDF jetzt loslassen")
+        self.window.expect("PDF jetzt loslassen")
         self.desktop.run("xdotool", "mouseup", 1)
 
     def shows_text(self):
@@ -99,18 +74,6 @@ class MainJob:
         return before, self.screen.extents(stamp)
 
 
-def main():
-    if not all(map(shutil.which, NEEDED)):
-        sys.exit(SKIPPED)
-    folder = Path(tempfile.mkdtemp(prefix="vellmora-test-", dir="/tmp"))
-    job = MainJob(folder)
-    try:
-        job.run()
-    finally:
-        job.desktop.stop()
-        shutil.rmtree(folder, ignore_errors=True)
-    print("the main job was done")
-
-
 if __name__ == "__main__":
-    main()
+    run_in_window(lambda window: MainJob(window).run())
+    print("the main job was done")
