@@ -2,6 +2,7 @@
 #include "app/VellmoraApp.h"
 #include "platform/panels/DialogFilePanels.h"
 #include "platform/pdf/render/ProcessRenderer.h"
+#include "ui/FirstPaint.h"
 
 #include <chrono>
 
@@ -22,6 +23,9 @@ int main(int argc, char** argv) {
     auto content = std::make_unique<ContentView>(std::move(library), panels);
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().fitInto(window.window().screen()->availableSize());
+    const FirstPaint firstPaint(window.window());
+    QObject::connect(&firstPaint, &FirstPaint::painted, &window.content().stampLibrary(),
+                     &StampLibrary::redrawDueBuiltins);
     window.window().show();
     if (document) {
         renderer.prepare();

@@ -22,9 +22,9 @@ namespace vellmora {
 /// The persistent stamp library: picture files in a folder, one metadata file beside it, and two settings.
 ///
 /// Loads synchronously when it is made, and draws the built-in stamps anew: at once where that changes more
-/// than their pictures, else a little later, or when somebody asks for one of them. Every change rewrites the
-/// metadata file as a whole; changes that another process makes to the folder are seen at the next start.
-/// Operations that can fail throw `Error`.
+/// than their pictures, else with `redrawDueBuiltins`, or when somebody asks for one of them. Every change
+/// rewrites the metadata file as a whole; changes that another process makes to the folder are seen at the
+/// next start. Operations that can fail throw `Error`.
 class StampLibrary : public QObject {
     Q_OBJECT
 
@@ -71,6 +71,9 @@ public:
     std::optional<Image> image(const StampPreset& preset);
     /// The same picture for a view that decodes it later, on a thread of its own.
     PictureSource pictureSource(const StampPreset& preset) const;
+    /// Begins to draw the built-in stamps anew, where that is still to be done. It takes a thread of its own
+    /// a while: it is called once the window is there.
+    void redrawDueBuiltins();
     /// Asks the user for a PNG file; nothing when cancelled.
     std::optional<QUrl> openImportPanel();
 

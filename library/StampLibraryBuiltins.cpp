@@ -3,16 +3,11 @@
 #include "platform/files/Files.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include <QThreadPool>
-#include <QTimer>
 
 namespace vellmora {
-
-/// Until pictures that are there already are drawn anew: the window is shown first.
-static constexpr std::chrono::milliseconds redrawDelay{300};
 
 static QString builtinFileName(const BuiltinStampDefinition& definition) {
     return QStringLiteral("builtin-%1.png").arg(definition.key);
@@ -60,11 +55,8 @@ void StampLibrary::ensureBuiltinPresets() {
         ensureLibraryDirectories();
         for (const BuiltinStampDefinition& definition : definitions)
             m_dueBuiltins.append(builtinFile(definition));
-        if (std::all_of(definitions.begin(), definitions.end(),
-                        [&](const auto& d) { return isCurrent(d); })) {
-            QTimer::singleShot(redrawDelay, this, [this] { redrawBuiltins(Earlier::mayBeShown); });
+        if (std::all_of(definitions.begin(), definitions.end(), [&](const auto& d) { return isCurrent(d); }))
             return;
-        }
         redrawBuiltins(Earlier::areNotShown);
         const qsizetype written = m_redrawing.get().written;
         std::for_each_n(definitions.begin(), written, [&](const auto& d) { adoptBuiltin(d, now); });
@@ -93,8 +85,12 @@ void StampLibrary::redrawBuiltins(Earlier pictures) {
     QThreadPool::globalInstance()->start(redraw);
 }
 
-void StampLibrary::finishRedrawing() {
+void StampLibrary::redrawDueBuiltins() {
     redrawBuiltins(Earlier::mayBeShown);
+}
+
+void StampLibrary::finishRedrawing() {
+    redrawDueBuiltins();
     if (m_redrawing.valid())
         m_redrawing.wait();
 }

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <QFileInfo>
+#include <QThreadPool>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -111,7 +112,12 @@ TEST(BuiltinStampsTest, AStartOnTheSameDayRedrawsThePicturesButWritesNoMetadata)
     const QByteArray metadata = readFile(workspace.metadataFile()) + "\n";
     writeFile(workspace.metadataFile(), metadata);
     const auto library = workspace.makeLibrary();
-    EXPECT_TRUE(library->image(preset));
+    EXPECT_EQ(readFile(picture), "spoilt") << "a start does not wait for what is shown later";
+    library->redrawDueBuiltins();
+    QThreadPool::globalInstance()->waitForDone();
+    EXPECT_NE(readFile(picture), "spoilt");
+    writeFile(picture, "spoilt");
+    EXPECT_TRUE(workspace.makeLibrary()->image(preset)) << "who asks for a picture gets the new one";
     EXPECT_EQ(readFile(workspace.metadataFile()), metadata);
 }
 
