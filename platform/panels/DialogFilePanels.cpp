@@ -36,9 +36,11 @@ template <typename Panel>
 std::optional<QUrl> DialogFilePanels::run(const Panel& panel, const QUrl& folder) {
     if (!m_dialog)
         m_dialog = new FileDialog;
-    const std::optional<QUrl> url = m_dialog->run(panel, folder);
+    auto url = m_dialog->run(panel, folder);
     if (url)
         m_lastDirectory = url->adjusted(QUrl::RemoveFilename);
+    if (m_dialog->isDesktops())
+        delete m_dialog;
     return url;
 }
 

@@ -28,7 +28,7 @@ private:
     std::optional<QUrl> run(const Panel& panel, const QUrl& folder);
 
     QUrl m_lastDirectory;
-    QPointer<FileDialog> m_dialog;  ///< made for the first panel; its parent deletes it too
+    QPointer<FileDialog> m_dialog;  ///< kept from one panel to the next; its parent deletes it too
 };
 
 }  // namespace vellmora

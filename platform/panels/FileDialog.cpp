@@ -34,9 +34,7 @@ std::optional<QUrl> FileDialog::run(const OpenPanel& panel, const QUrl& folder) 
     setAcceptMode(QFileDialog::AcceptOpen);
     setFileMode(QFileDialog::ExistingFile);
     prepare(panel.title, panel.contentType, folder);
-    const std::optional<QUrl> url = choose();
-    leaveFolder();
-    return url;
+    return run();
 }
 
 std::optional<QUrl> FileDialog::run(const SavePanel& panel, const QUrl& folder) {
@@ -44,15 +42,19 @@ std::optional<QUrl> FileDialog::run(const SavePanel& panel, const QUrl& folder) 
     setFileMode(QFileDialog::AnyFile);
     prepare(panel.title, panel.contentType, folder);
     selectFile(panel.nameFieldStringValue);
-    const std::optional<QUrl> url = choose();
+    return run();
+}
+
+std::optional<QUrl> FileDialog::run() {
+    auto url = choose();
     leaveFolder();
     return url;
 }
 
 /// Nothing of an earlier run is left: neither its name nor what was selected in a list.
 void FileDialog::prepare(const QString& title, ContentType type, const QUrl& folder) {
-    if (parentWidget() != QApplication::activeWindow())
-        setParent(QApplication::activeWindow(), windowFlags());
+    if (QWidget* window = QApplication::activeWindow(); window && window != parentWidget())
+        setParent(window, windowFlags());
     setWindowTitle(title);
     m_type = type;
     setNameFilter(nameFilter(type));
@@ -82,15 +84,13 @@ std::optional<QUrl> FileDialog::choose() {
 
 void FileDialog::accept() {
     closeCompletions();
-    QLineEdit* field = nameField();
     const QFileInfo chosen(selectedFiles().value(0));
-    const bool isForDesktop = field == nullptr;
-    if (isForDesktop || chosen.isDir() || isOfType(chosen.fileName()))
+    if (isDesktops() || chosen.isDir() || isOfType(chosen.fileName()))
         return QFileDialog::accept();
     if (acceptMode() == QFileDialog::AcceptOpen && chosen.exists())
         return refuse();
     if (acceptMode() == QFileDialog::AcceptSave)
-        field->setText(directory().relativeFilePath(chosen.filePath()) + ending(m_type));
+        nameField()->setText(directory().relativeFilePath(chosen.filePath()) + ending(m_type));
     QFileDialog::accept();
 }
 
@@ -124,6 +124,10 @@ void FileDialog::closeCompletions() {
 void FileDialog::leaveFolder() {
     if (auto* folder = findChild<QFileSystemModel*>())
         folder->setRootPath({});
+}
+
+bool FileDialog::isDesktops() const {
+    return nameField() == nullptr;
 }
 
 /// None in the desktop's dialog.
