@@ -2,11 +2,9 @@
 #include "app/VellmoraApp.h"
 #include "platform/panels/DialogFilePanels.h"
 #include "platform/pdf/render/ProcessRenderer.h"
-
-#include <chrono>
+#include "ui/FirstPaint.h"
 
 #include <QScreen>
-#include <QTimer>
 
 using namespace vellmora;
 
@@ -22,13 +20,12 @@ int main(int argc, char** argv) {
     auto content = std::make_unique<ContentView>(std::move(library), panels);
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().fitInto(window.window().screen()->availableSize());
+    const FirstPaint firstPaint(window.window());
+    QObject::connect(&firstPaint, &FirstPaint::painted, &renderer, &ProcessRenderer::prepare);
     window.window().show();
     if (document) {
         renderer.prepare();
         window.content().loadPDF(*document);
-    } else {
-        // Not at once: it would take time from what the user waits for.
-        QTimer::singleShot(std::chrono::milliseconds(500), &renderer, &ProcessRenderer::prepare);
     }
     return app.run();
 }

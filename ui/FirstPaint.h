@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QWidget>
+
+namespace vellmora {
+
+/// Tells that a window was painted for the first time. What would take time from that waits for it.
+class FirstPaint : public QObject {
+    Q_OBJECT
+
+public:
+    explicit FirstPaint(QWidget& window);
+
+Q_SIGNALS:
+    /// Once, on a turn of the event loop after the window was painted with all that is in it.
+    void painted();
+
+protected:
+    bool eventFilter(QObject* window, QEvent* event) override;
+};
+
+}  // namespace vellmora
