@@ -4,10 +4,7 @@
 #include "platform/pdf/render/ProcessRenderer.h"
 #include "ui/FirstPaint.h"
 
-#include <chrono>
-
 #include <QScreen>
-#include <QTimer>
 
 using namespace vellmora;
 
@@ -24,15 +21,13 @@ int main(int argc, char** argv) {
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().fitInto(window.window().screen()->availableSize());
     const FirstPaint firstPaint(window.window());
+    QObject::connect(&firstPaint, &FirstPaint::painted, &renderer, &ProcessRenderer::prepare);
     QObject::connect(&firstPaint, &FirstPaint::painted, &window.content().stampLibrary(),
                      &StampLibrary::redrawDueBuiltins);
     window.window().show();
     if (document) {
         renderer.prepare();
         window.content().loadPDF(*document);
-    } else {
-        // Not at once: it would take time from what the user waits for.
-        QTimer::singleShot(std::chrono::milliseconds(500), &renderer, &ProcessRenderer::prepare);
     }
     return app.run();
 }

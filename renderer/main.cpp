@@ -1,9 +1,9 @@
 // The renderer process: gets drawings of pages from the program and puts their pixels into shared memory. It
 // trusts nothing that it is given, and the program trusts nothing that comes back.
 
+#include "confinement/Confinement.h"
 #include "platform/pdf/render/RenderMessages.h"
-#include "renderer/Confinement.h"
-#include "renderer/PageRendering.h"
+#include "renderer/PageEngine.h"
 
 #include <optional>
 #include <sys/mman.h>
@@ -15,7 +15,7 @@ using namespace vellmora;
 
 namespace {
 
-bool serve(const ReceivedRenderRequest& request) {
+bool serve(PageEngine& engine, const ReceivedRenderRequest& request) {
     const size_t drawingSize = request.message.drawingSize;
     const QRect part(request.message.x, request.message.y, request.message.width, request.message.height);
     const QSize size = part.size();
@@ -27,8 +27,9 @@ bool serve(const ReceivedRenderRequest& request) {
     if (drawing != MAP_FAILED && pixels != MAP_FAILED) {
         QImage target(static_cast<uchar*>(pixels), size.width(), size.height(), QImage::Format_RGB32);
         const auto length = static_cast<qsizetype>(drawingSize);
-        isRendered = renderPage(QByteArray::fromRawData(static_cast<const char*>(drawing), length),
-                                QSize(request.message.pageWidth, request.message.pageHeight), part, target);
+        isRendered =
+            engine.render(QByteArray::fromRawData(static_cast<const char*>(drawing), length),
+                          QSize(request.message.pageWidth, request.message.pageHeight), part, target);
     }
     if (drawing != MAP_FAILED)
         ::munmap(drawing, drawingSize);
@@ -37,16 +38,30 @@ bool serve(const ReceivedRenderRequest& request) {
     return isRendered;
 }
 
+bool answer(RenderReply content) {
+    const RenderReplyMessage message{static_cast<std::uint32_t>(content)};
+    return ::send(rendererSocket, &message, sizeof message, MSG_NOSIGNAL) == sizeof message;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const QCoreApplication app(argc, argv);
-    if (!confineProcess())
+    if (!leaveDescriptors(rendererSocket))
         return 1;
-    while (const std::optional<ReceivedRenderRequest> request = receiveRenderRequest(rendererSocket)) {
-        const RenderReplyMessage reply{serve(*request) ? 1U : 0U};
-        if (::send(rendererSocket, &reply, sizeof reply, MSG_NOSIGNAL) != sizeof reply)
+    const QCoreApplication app(argc, argv);
+    PageEngine engine;
+    ConfinementPolicy policy;
+    policy.readableFolders = {"/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/X11/fonts",
+                              "/usr/share/ghostscript/fonts"};
+    policy.prepare = [&] { engine.findFonts(); };
+    if (!confineProcess(policy))
+        return 1;
+    bool isHeard = answer(RenderReply::ready);
+    while (isHeard) {
+        const std::optional<ReceivedRenderRequest> request = receiveRenderRequest(rendererSocket);
+        if (!request)
             break;
+        isHeard = answer(serve(engine, *request) ? RenderReply::rendered : RenderReply::notRendered);
     }
     // Without destructors: they might call what is not permitted any more.
     ::_exit(0);

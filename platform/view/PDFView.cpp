@@ -23,6 +23,13 @@ constexpr double partAllowance = 0.3;
 
 const QString unavailableText = QStringLiteral(
     "Diese Seite kann nicht angezeigt werden.\nStempeln und speichern lässt sie sich trotzdem.");
+const QString brokenText = QStringLiteral(
+    "Die Seitenanzeige startet nicht. Beim nächsten Blättern wird es erneut versucht.\n"
+    "Stempeln und speichern lassen sich die Seiten trotzdem.");
+
+const QString& noticeFor(const PagePictures::Picture& picture) {
+    return picture.isRendererBroken ? brokenText : unavailableText;
+}
 
 }  // namespace
 
@@ -134,8 +141,8 @@ QString PDFView::pageDescription() const {
         return {};
     const QString place =
         QStringLiteral("Seite %1 von %2").arg(*m_currentPage + 1).arg(m_document->pageCount());
-    return m_pictures.picture(*m_currentPage).isUnavailable ? place + QStringLiteral(". ") + unavailableText
-                                                            : place;
+    const PagePictures::Picture picture = m_pictures.picture(*m_currentPage);
+    return picture.isUnavailable ? place + QStringLiteral(". ") + noticeFor(picture) : place;
 }
 
 std::optional<PageGeometry> PDFView::geometryOfPage() const {
@@ -176,7 +183,7 @@ void PDFView::requestPictures(const PageGeometry& geometry) {
     const PagePictures::Wish wish = wishFor(geometry);
     m_pictures.request(*m_currentPage, wish);
     const PagePictures::Picture shown = m_pictures.picture(*m_currentPage);
-    if (!m_autoScales || !(shown.shows == wish))
+    if (!m_autoScales || !(shown.shows == wish) || shown.isRendererBroken)
         return;
     for (const qsizetype neighbour : {*m_currentPage - 1, *m_currentPage + 1}) {
         const std::optional<PDFPage> page = m_document->page(neighbour);
@@ -195,7 +202,7 @@ void PDFView::paintPage(QPainter& painter, const PageGeometry& geometry) const {
     const PagePictures::Picture picture = m_pictures.picture(*m_currentPage);
     if (picture.isUnavailable) {
         painter.setPen(Qt::darkGray);
-        painter.drawText(frame, Qt::AlignCenter | Qt::TextWordWrap, unavailableText);
+        painter.drawText(frame, Qt::AlignCenter | Qt::TextWordWrap, noticeFor(picture));
         return;
     }
     if (picture.pixmap.isNull())

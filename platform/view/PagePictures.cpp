@@ -13,6 +13,7 @@ PagePictures::PagePictures(PageRenderer& renderer) : m_renderer(renderer) {
 
 void PagePictures::setDocument(const std::shared_ptr<const PDFDocument>& document) {
     m_drawings.setDocument(document);
+    m_renderer.beginDocument();
     m_pages.clear();
     ++m_generation;
 }
@@ -50,16 +51,18 @@ void PagePictures::take(qsizetype pageIndex, const Wish& wish, const QImage& ima
     const auto page = m_pages.find(pageIndex);
     if (page == m_pages.end() || page->wanted != wish)
         return;
-    page->picture = {QPixmap::fromImage(image), wish, image.isNull()};
+    page->picture = {QPixmap::fromImage(image), wish, image.isNull(),
+                     image.isNull() && m_renderer.isBroken()};
     keepWithinBudget();
     Q_EMIT changed(pageIndex);
 }
 
 void PagePictures::setCentre(qsizetype pageIndex) {
     m_centre = pageIndex;
-    // The renderer may have dropped what was asked for ahead of time: it is asked for again.
+    // The renderer may have dropped what was asked for ahead of time, or may have come back since: it is
+    // asked again.
     const auto page = m_pages.find(pageIndex);
-    if (page != m_pages.end() && page->picture.shows != page->wanted)
+    if (page != m_pages.end() && (page->picture.shows != page->wanted || page->picture.isRendererBroken))
         page->wanted = {};
     keepWithinBudget();
 }

@@ -30,6 +30,7 @@ public:
         QPixmap pixmap;  ///< null until a first picture is there, and where the page is unavailable
         Wish shows;      ///< what the pixmap is a picture of
         bool isUnavailable = false;
+        bool isRendererBroken = false;  ///< unavailable through no fault of the page
     };
 
     /// `renderer` must outlive the object.

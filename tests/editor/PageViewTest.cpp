@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -237,6 +238,33 @@ TEST_F(PDFViewTest, SaysQuietlyWhenAPageCannotBeShown) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return inkOf() > 100; })) << "a notice in the page's place";
     QTest::keyClick(&unlucky, Qt::Key_PageDown);
     EXPECT_EQ(unlucky.currentPageIndex(), 1);
+}
+
+TEST_F(PDFViewTest, SaysThatNothingCanBeShownUntilItCan) {
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("renderer"));
+    ProcessRenderer broken{program};
+    PDFView unlucky(broken, nullptr);
+    unlucky.resize(600, 800);
+    unlucky.setAutoScales(true);
+    unlucky.setDocument(pages(3).document());
+    const auto saysSo = [&] {
+        unlucky.grab();
+        return unlucky.pageDescription().contains(QStringLiteral("Seitenanzeige startet nicht"));
+    };
+    const auto showsPage = [&](qsizetype page) {
+        unlucky.grab();
+        return !unlucky.pictures().picture(page).pixmap.isNull();
+    };
+    ASSERT_TRUE(QTest::qWaitFor(saysSo));
+    unlucky.goTo(1);
+    ASSERT_TRUE(QTest::qWaitFor(saysSo));
+    QFile::link(QStringLiteral(VELLMORA_RENDERER), program);
+    unlucky.goTo(2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return showsPage(2); }));
+    unlucky.goTo(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return showsPage(1); })) << "asked for again";
+    EXPECT_EQ(unlucky.pageDescription(), QStringLiteral("Seite 2 von 3"));
 }
 
 TEST_F(PDFViewTest, NotifiesOfScaleChangesAndKeepsAFixedScale) {

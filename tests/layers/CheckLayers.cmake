@@ -1,6 +1,6 @@
 # Fails where a source file under ROOT includes something that its layer must not know.
 #
-#   app → ui, editor, export, library → platform
+#   app → ui, editor, export, library → platform ← renderer → confinement
 #
 # Our own headers are included by their path from the top, so the first folder of an include names its layer.
 
@@ -11,7 +11,8 @@ set(allowed_library library platform)
 set(allowed_export export library platform)
 set(allowed_editor editor library platform)
 set(allowed_ui ui library platform)
-set(allowed_renderer renderer platform)
+set(allowed_confinement confinement)
+set(allowed_renderer renderer confinement platform)
 set(allowed_app app ui editor export library platform)
 
 # Folders whose code must not know widgets, nor the platform's folders that do.
@@ -40,14 +41,14 @@ function(is_widget_header include result)
     endforeach()
 endfunction()
 
-foreach(layer IN ITEMS platform renderer library export editor ui app)
+foreach(layer IN ITEMS platform confinement renderer library export editor ui app)
     file(GLOB_RECURSE files RELATIVE ${ROOT} ${ROOT}/${layer}/*.h ${ROOT}/${layer}/*.cpp)
     foreach(file IN LISTS files)
         file(STRINGS ${ROOT}/${file} includes REGEX "^[ \t]*#[ \t]*include")
         foreach(line IN LISTS includes)
             string(REGEX REPLACE "^[^<\"]*[<\"]([^>\"]+)[>\"].*$" "\\1" include "${line}")
             string(REGEX REPLACE "/.*$" "" first "${include}")
-            if(first MATCHES "^(app|ui|editor|export|library|platform|renderer|tests|tools|bench)$" AND NOT first IN_LIST allowed_${layer})
+            if(first MATCHES "^(app|ui|editor|export|library|platform|confinement|renderer|tests|tools|bench)$" AND NOT first IN_LIST allowed_${layer})
                 report(${file} ${include})
             endif()
             is_widget_header(${include} isWidget)

@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/wait.h>
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -52,6 +53,34 @@ TEST_F(ProcessRendererTest, RendersInAnotherProcess) {
     EXPECT_TRUE(rendersRedPage());
 }
 
+TEST_F(ProcessRendererTest, EachDocumentHasAProcessOfItsOwn) {
+    const pid_t unused = *renderer.processID();
+    renderer.beginDocument();
+    EXPECT_EQ(*renderer.processID(), unused) << "one that has seen nothing yet will do";
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(rendersRedPage());
+        const pid_t before = *renderer.processID();
+        EXPECT_TRUE(rendersRedPage());
+        EXPECT_EQ(*renderer.processID(), before) << "for all of its pages";
+        renderer.beginDocument();
+        EXPECT_NE(*renderer.processID(), before);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ::kill(before, 0) != 0; })) << "gone and reaped";
+    }
+}
+
+TEST_F(ProcessRendererTest, WhatWasAskedForOfTheLastDocumentIsDropped) {
+    ASSERT_TRUE(rendersRedPage());
+    int answers = 0;
+    for (int i = 0; i < 3; ++i) {
+        renderer.render(PageRenderRequest::whole(redPage(), {900, 900}), [&](const QImage&) { ++answers; });
+        if (i == 1)
+            QCoreApplication::processEvents();  // one of them is under way
+    }
+    renderer.beginDocument();
+    EXPECT_TRUE(rendersRedPage());
+    EXPECT_EQ(answers, 0);
+}
+
 TEST_F(ProcessRendererTest, AnswersWhatCannotBeRenderedAndGoesOn) {
     EXPECT_TRUE(render("no pdf")->isNull());
     EXPECT_TRUE(render({})->isNull());
@@ -73,18 +102,17 @@ TEST_F(ProcessRendererTest, SurvivesTheDeathOfTheProcessAtAnyMoment) {
 }
 
 TEST_F(ProcessRendererTest, AProcessThatHangsIsKilledAndReplaced) {
+    ASSERT_TRUE(rendersRedPage());
     const pid_t stopped = *renderer.processID();
     ::kill(stopped, SIGSTOP);
     EXPECT_TRUE(render(redPage())->isNull());
-    EXPECT_NE(*renderer.processID(), stopped);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ::kill(stopped, 0) != 0; })) << "gone and reaped";
     EXPECT_TRUE(rendersRedPage());
+    EXPECT_NE(*renderer.processID(), stopped);
 }
 
 TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForNewerOnesAndIsTriedAgain) {
     ProcessRenderer unlimited(QStringLiteral(VELLMORA_RENDERER), std::chrono::hours(1));
-    unlimited.prepare();
-    ::kill(*unlimited.processID(), SIGSTOP);
     QStringList served;
     const auto request = [&](const char* name) {
         unlimited.render(
@@ -92,6 +120,10 @@ TEST_F(ProcessRendererTest, APageThatTakesLongMakesWayForNewerOnesAndIsTriedAgai
                 served.append(image.isNull() ? QStringLiteral("none") : QString::fromLatin1(name));
             });
     };
+    request("first");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return served.size() == 1; }));
+    served.clear();
+    ::kill(*unlimited.processID(), SIGSTOP);
     request("slow");
     QTest::qWait(900);
     EXPECT_TRUE(served.isEmpty());
@@ -131,6 +163,65 @@ TEST_F(ProcessRendererTest, GoesOnWhenNeitherTheProcessNorItsProgramIsThereAnyMo
     EXPECT_TRUE(answer->isNull());
     QTest::qWait(0);
     EXPECT_FALSE(orphan.processID());
+}
+
+/// A renderer that ends at once, until it is mended, and notes each of its starts.
+class FailingRendererTest : public ProcessRendererTest {
+protected:
+    FailingRendererTest() { makeProgram("exit 1"); }
+    void makeProgram(const QByteArray& lastLine) {
+        QFile script(m_folder.filePath(QStringLiteral("renderer")));
+        EXPECT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\necho >> " + QFile::encodeName(m_notes) + "\n" + lastLine + "\n");
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    qint64 starts() const { return QFile(m_notes).size(); }
+    static QByteArray pageOf(const char* color) {
+        return makePageDrawing(*PdfBuilder().page({}, filledRect(color, "0 0 50 100")).document(), 0);
+    }
+    bool renders(const QByteArray& page) {
+        std::optional<QImage> answer;
+        failing.render(PageRenderRequest::whole(page, {20, 20}),
+                       [&](const QImage& image) { answer = image; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }, 10000));
+        return answer && !answer->isNull();
+    }
+
+    const QByteArray redPage = pageOf("1 0 0");
+    const QByteArray greenPage = pageOf("0 1 0");
+
+private:
+    QTemporaryDir m_folder;
+    QString m_notes = m_folder.filePath(QStringLiteral("notes"));
+
+protected:
+    ProcessRenderer failing{m_folder.filePath(QStringLiteral("renderer"))};
+};
+
+TEST_F(FailingRendererTest, OneThatEndsAtItsStartIsStartedOnDemandAFewTimesOnly) {
+    failing.prepare();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !failing.processID(); }));
+    EXPECT_FALSE(failing.isBroken());
+    EXPECT_FALSE(renders(redPage));
+    EXPECT_TRUE(failing.isBroken());
+    EXPECT_EQ(starts(), 3);
+    EXPECT_FALSE(renders(redPage));
+    QTest::qWait(200);
+    EXPECT_EQ(starts(), 3) << "the same page again";
+    EXPECT_FALSE(renders(greenPage));
+    EXPECT_EQ(starts(), 4) << "another page";
+    failing.beginDocument();
+    EXPECT_FALSE(renders(greenPage));
+    EXPECT_EQ(starts(), 7) << "another document";
+}
+
+TEST_F(FailingRendererTest, ServesAgainOnceItsProgramDoes) {
+    EXPECT_FALSE(renders(redPage));
+    ASSERT_TRUE(failing.isBroken());
+    makeProgram("exec " VELLMORA_RENDERER);
+    EXPECT_TRUE(renders(greenPage));
+    EXPECT_FALSE(failing.isBroken());
+    EXPECT_TRUE(renders(redPage));
 }
 
 TEST_F(ProcessRendererTest, RendersAPartAsItLooksInTheWhole) {

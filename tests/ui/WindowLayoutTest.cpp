@@ -1,8 +1,10 @@
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/ui/WindowFixture.h"
+#include "ui/FirstPaint.h"
 #include "ui/ThinScrollBar.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace vellmora;
@@ -193,4 +195,17 @@ TEST(ThemeTest, EveryTextCanBeReadInLightAndDark) {
         EXPECT_GE(Theme::contrast(Qt::white, Theme::readable(Theme::accent(palette), Qt::white)), 4.5);
     }
     EXPECT_NEAR(Theme::contrast(Qt::white, Qt::black), 21, 0.01);
+}
+
+TEST_F(WindowLayoutTest, TellsOnceThatTheWindowWasPainted) {
+    MainWindow fresh({}, Theme(SystemFonts::load()));
+    FirstPaint firstPaint(fresh);
+    QSignalSpy painted(&firstPaint, &FirstPaint::painted);
+    QTest::qWait(0);
+    EXPECT_EQ(painted.size(), 0);
+    fresh.show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return painted.size() == 1; }));
+    fresh.update();
+    QTest::qWait(50);
+    EXPECT_EQ(painted.size(), 1);
 }

@@ -29,9 +29,13 @@ public:
     using Completion = std::function<void(const QImage&)>;
 
     virtual ~PageRenderer() = default;
+    /// What is asked for from now on belongs to another document. What was asked for before is dropped.
+    virtual void beginDocument() = 0;
     /// Returns at once; `completion` runs on a later turn of the event loop. The newest request is served
     /// first, and one that many newer ones have overtaken is dropped.
     virtual void render(const PageRenderRequest& request, Completion completion) = 0;
+    /// Pages come back null because nothing can be rendered at all. The next page is tried nevertheless.
+    virtual bool isBroken() const = 0;
 };
 
 }  // namespace vellmora

@@ -9,10 +9,13 @@
 namespace vellmora {
 
 ProcessRenderer::ProcessRenderer(QString program, std::chrono::milliseconds timeLimit)
-    : m_program(std::move(program)) {
+    : m_supply(std::move(program)) {
     m_limit.setSingleShot(true);
     m_limit.setInterval(timeLimit);
     connect(&m_limit, &QTimer::timeout, this, &ProcessRenderer::giveUp);
+    connect(&m_supply, &RendererSupply::ready, this, &ProcessRenderer::startClock);
+    connect(&m_supply, &RendererSupply::answered, this, &ProcessRenderer::takeAnswer);
+    connect(&m_supply, &RendererSupply::ended, this, &ProcessRenderer::processEnded);
 }
 
 ProcessRenderer::~ProcessRenderer() = default;
@@ -25,21 +28,12 @@ QString ProcessRenderer::installedProgram() {
                                           : folder + QStringLiteral("/" VELLMORA_RENDERER_DIR) + name;
 }
 
-std::optional<pid_t> ProcessRenderer::processID() const {
-    return m_process ? std::optional(m_process->pid()) : std::nullopt;
-}
-
-void ProcessRenderer::prepare() {
-    if (!m_process)
-        startProcess();
-}
-
-void ProcessRenderer::startProcess() {
-    m_process = RendererProcess::start(m_program);
-    if (!m_process)
-        return;
-    m_notifier = std::make_unique<QSocketNotifier>(m_process->socket(), QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, &ProcessRenderer::takeReply);
+void ProcessRenderer::beginDocument() {
+    m_waiting.clear();
+    if (m_job)
+        takeJob();
+    m_refused.clear();
+    m_supply.changeProcess();
 }
 
 void ProcessRenderer::render(const PageRenderRequest& request, Completion completion) {
@@ -47,6 +41,15 @@ void ProcessRenderer::render(const PageRenderRequest& request, Completion comple
         m_waiting.pop_front();
     m_waiting.push_back({request, std::move(completion), false});
     QMetaObject::invokeMethod(this, &ProcessRenderer::serveNewest, Qt::QueuedConnection);
+}
+
+/// Puts off a page that takes long, for newer ones; it has its full time when they are done.
+void ProcessRenderer::serveNewest() {
+    if (m_job && m_supply.isReady() && m_job->age.hasExpired(patience.count()) && !m_waiting.empty()) {
+        m_waiting.push_front(takeJob());
+        m_supply.end();
+    }
+    serveNext();
 }
 
 void ProcessRenderer::serveNext() {
@@ -59,12 +62,17 @@ void ProcessRenderer::serveNext() {
     }
 }
 
+/// Where nothing can be rendered, asking for the same page again is no reason for another try.
+bool ProcessRenderer::isHopeless(const PageRenderRequest& request) const {
+    return isBroken() && request.drawing == m_refused;
+}
+
 bool ProcessRenderer::begin(Waiting work) {
     const QSize page = work.request.pixelSize;
     const QRect part = work.request.part;
     const qint64 pixelCount = qint64(part.width()) * part.height();
     if (part.isEmpty() || !QRect(QPoint(0, 0), page).contains(part) || pixelCount > maxRenderedPixels ||
-        work.request.drawing.isEmpty())
+        work.request.drawing.isEmpty() || isHopeless(work.request))
         return false;
     const auto drawingSize = static_cast<size_t>(work.request.drawing.size());
     SharedMemory drawing(drawingSize);
@@ -74,26 +82,35 @@ bool ProcessRenderer::begin(Waiting work) {
     std::memcpy(drawing.bytes(), work.request.drawing.constData(), drawingSize);
     const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
                                        part.y(),    part.width(), part.height()};
-    const auto isSent = [&] {
-        return m_process && m_process->send(message, drawing.descriptor(), pixels->descriptor());
-    };
-    if (!isSent()) {
-        replaceProcess();
-        if (!isSent())
-            return false;
+    if (!m_supply.send(message, drawing.descriptor(), pixels->descriptor())) {
+        m_refused = work.request.drawing;
+        return false;
     }
     m_job = Job{std::move(work), std::move(pixels), {}};
-    m_job->age.start();
-    m_limit.start();
+    startClock();
     return true;
 }
 
-void ProcessRenderer::takeReply() {
-    const std::optional<RenderReplyMessage> reply = m_process->receive();
-    if (!reply || !m_job)
-        return processEnded();
+/// A page has its full time from the moment when its process is ready.
+void ProcessRenderer::startClock() {
+    if (!m_job)
+        return;
+    m_job->age.start();
+    m_limit.start();
+}
+
+ProcessRenderer::Waiting ProcessRenderer::takeJob() {
+    m_limit.stop();
+    Waiting work = std::move(m_job->work);
+    m_job.reset();
+    return work;
+}
+
+void ProcessRenderer::takeAnswer(bool isRendered) {
+    if (!m_job)
+        return m_supply.end();
     QImage image;
-    if (reply->isRendered) {
+    if (isRendered) {
         const QSize size = m_job->work.request.part.size();
         const qsizetype rowLength = qsizetype{size.width()} * qsizetype{sizeof(QRgb)};
         // A copy: the other process could still write to the memory.
@@ -103,50 +120,35 @@ void ProcessRenderer::takeReply() {
     finish(image);
 }
 
-/// The process is gone or talks nonsense. It may have been dying before it was given the page, so the page is
-/// tried once more.
-void ProcessRenderer::processEnded() {
-    if (!m_job || m_job->work.isSecondTry)
+/// The process may have been dying before it was given the page, so the page is tried once more; with one
+/// that never became ready the page has nothing to do.
+void ProcessRenderer::processEnded(bool wasReady) {
+    if (!m_job)
+        return;
+    if (wasReady ? m_job->work.isSecondTry : isBroken())
         return giveUp();
-    Waiting again = std::move(m_job->work);
-    again.isSecondTry = true;
-    m_job.reset();
-    m_limit.stop();
-    replaceProcess();
+    Waiting again = takeJob();
+    again.isSecondTry = again.isSecondTry || wasReady;
     m_waiting.push_back(std::move(again));
     serveNext();
 }
 
-/// Puts off a page that takes long, for newer ones; it has its full time when they are done.
-void ProcessRenderer::serveNewest() {
-    if (m_job && m_job->age.hasExpired(patience.count()) && !m_waiting.empty()) {
-        m_waiting.push_front(std::move(m_job->work));
-        m_job.reset();
-        m_limit.stop();
-        replaceProcess();
-    }
-    serveNext();
-}
-
-void ProcessRenderer::replaceProcess() {
-    m_notifier.reset();
-    m_process.reset();
-    startProcess();
-}
-
-/// The page cannot be had: it takes too long, or broke two processes.
+/// The page cannot be had: it takes too long, or broke two processes, or no process starts.
 void ProcessRenderer::giveUp() {
-    replaceProcess();
-    if (m_job)
-        finish({});
+    m_supply.endFailed();
+    if (!m_job)
+        return;
+    if (isBroken())
+        m_refused = m_job->work.request.drawing;
+    finish({});
 }
 
 void ProcessRenderer::finish(const QImage& image) {
-    m_limit.stop();
-    const Completion completion = std::move(m_job->work.completion);
-    m_job.reset();
+    const Waiting work = takeJob();
+    if (!image.isNull())
+        QMetaObject::invokeMethod(&m_supply, &RendererSupply::prepareSpare, Qt::QueuedConnection);
     QMetaObject::invokeMethod(this, &ProcessRenderer::serveNext, Qt::QueuedConnection);
-    completion(image);
+    work.completion(image);
 }
 
 }  // namespace vellmora

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/pdf/render/PageRenderer.h"
-#include "platform/pdf/render/RendererProcess.h"
+#include "platform/pdf/render/RendererSupply.h"
 #include "platform/pdf/render/SharedMemory.h"
 
 #include <chrono>
@@ -11,21 +11,20 @@
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QSocketNotifier>
 #include <QTimer>
 
 namespace vellmora {
 
-/// Renders in a process of its own, which is started with the first request and again whenever it is needed.
-/// A page that crashes the process, or takes longer than the limit, is answered with a null image, and the
-/// process is killed.
+/// Renders in a process of its own for each document, which is started when it is needed. A page that crashes
+/// the process, or takes longer than the limit, is answered with a null image, and the process is killed.
+/// Once a page is shown, a spare process is kept ready for the next document.
 class ProcessRenderer : public QObject, public PageRenderer {
     Q_OBJECT
 
 public:
     static constexpr std::chrono::milliseconds defaultTimeLimit{4000};
 
-    /// `program` is the renderer's file.
+    /// `program` is the renderer's file. The limit is that of a page, and that of a process for its start.
     explicit ProcessRenderer(QString program, std::chrono::milliseconds timeLimit = defaultTimeLimit);
     ~ProcessRenderer() override;
 
@@ -34,11 +33,14 @@ public:
     static QString installedProgram();
 
     /// Starts the process ahead of the first request, which then takes less time.
-    void prepare();
+    void prepare() { m_supply.prepare(); }
+
+    void beginDocument() override;
     void render(const PageRenderRequest& request, Completion completion) override;
+    bool isBroken() const override { return m_supply.isBroken(); }
 
     /// Of the running process; nothing while there is none.
-    std::optional<pid_t> processID() const;
+    std::optional<pid_t> processID() const { return m_supply.processID(); }
 
 private:
     struct Waiting {
@@ -52,13 +54,14 @@ private:
         QElapsedTimer age;
     };
 
-    void startProcess();
     void serveNewest();
     void serveNext();
     bool begin(Waiting work);
-    void takeReply();
-    void processEnded();
-    void replaceProcess();
+    bool isHopeless(const PageRenderRequest& request) const;
+    void startClock();
+    Waiting takeJob();
+    void takeAnswer(bool isRendered);
+    void processEnded(bool wasReady);
     void giveUp();
     void finish(const QImage& image);
 
@@ -66,12 +69,11 @@ private:
     /// What has been running for this long makes way for a newer request.
     static constexpr std::chrono::milliseconds patience{700};
 
-    QString m_program;
-    std::unique_ptr<RendererProcess> m_process;
-    std::unique_ptr<QSocketNotifier> m_notifier;
+    RendererSupply m_supply;
     QTimer m_limit;
     std::deque<Waiting> m_waiting;  ///< newest last
     std::optional<Job> m_job;
+    QByteArray m_refused;  ///< the drawing that was given up last because no process could be had
 };
 
 }  // namespace vellmora

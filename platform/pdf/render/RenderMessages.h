@@ -23,8 +23,14 @@ struct RenderRequestMessage {
     std::int32_t height;
 };
 
+enum class RenderReply : std::uint32_t {
+    ready,  ///< said once, by a process that has confined itself
+    rendered,
+    notRendered,  ///< the drawing cannot be rendered
+};
+
 struct RenderReplyMessage {
-    std::uint32_t isRendered;  ///< 0 where the drawing cannot be rendered
+    std::uint32_t content;  ///< a RenderReply; anything, where the process has been taken over
 };
 
 /// A request as the renderer process gets it.

@@ -1,0 +1,59 @@
+#include "confinement/Confinement.h"
+
+#include "confinement/CallFilter.h"
+#include "confinement/FileRules.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <limits>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace vellmora {
+
+namespace {
+
+constexpr rlim_t mostOpenFiles = 64;
+
+void limit(__rlimit_resource resource, rlim_t value) {
+    const rlimit both{value, value};
+    ::setrlimit(resource, &both);
+}
+
+void limitResources([[maybe_unused]] rlim_t memory) {
+    limit(RLIMIT_CORE, 0);
+    limit(RLIMIT_FSIZE, 0);
+    limit(RLIMIT_NOFILE, mostOpenFiles);
+#ifndef __SANITIZE_ADDRESS__  // the sanitizer takes terabytes of addresses for itself
+    limit(RLIMIT_AS, memory);
+#endif
+}
+
+}  // namespace
+
+bool leaveDescriptors(int lastKept) {
+    const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (nowhere < 0)
+        return false;
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (nowhere != stream && ::dup2(nowhere, stream) < 0)
+            return false;
+    }
+    const auto first = static_cast<unsigned>(lastKept) + 1;
+    return ::close_range(first, std::numeric_limits<unsigned>::max(), 0) == 0;
+}
+
+bool confineProcess(const ConfinementPolicy& policy) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::prctl(PR_SET_DUMPABLE, 0);
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
+        return false;
+    limitResources(policy.memory);
+    const bool canOpenFiles = allowOnlyReading(policy.readableFolders);
+    if (canOpenFiles && policy.prepare)
+        policy.prepare();
+    return filterCalls(canOpenFiles);
+}
+
+}  // namespace vellmora
