@@ -12,7 +12,7 @@ import tempfile
 from pathlib import Path
 
 SKIPPED = 77
-NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon", "import"]
+NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon", "import", "prlimit"]
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 try:
@@ -40,6 +40,7 @@ class MainJob:
         original = self.contract.read_bytes()
         self.screen = Accessibility(self.desktop.env["DBUS_SESSION_BUS_ADDRESS"])
         self.desktop.spawn([PROGRAM])
+        program = self.desktop.processes[-1].pid
         self.screen.find("label", "Keine PDF geladen")
         self.drop(self.contract)
         self.expect("PDF geladen: Mietvertrag.pdf")
@@ -55,6 +56,11 @@ class MainJob:
         assert self.contract.read_bytes() != original
         self.click("push button", "Ausgewählten löschen")
         self.expect("Ausgewählter Stempel gelöscht.")
+        saved = self.contract.read_bytes()
+        self.desktop.run("prlimit", "--pid", program, f"--fsize={len(saved) // 2}")
+        self.click("push button", "Speichern")
+        self.expect("Fehler beim Überschreiben: PDF-Datei konnte nicht erstellt werden.")
+        assert self.contract.read_bytes() == saved
         leftovers = [p.name for p in self.contract.parent.iterdir() if p.name.startswith(".vellmora")]
         assert not leftovers, leftovers
         self.desktop.spawn([PROGRAM, self.contract.name])
