@@ -243,17 +243,17 @@ TEST_F(FilesTest, NewFilesHaveTheUmasksPermissionsAndReplacedOnesThoseTheyHad) {
 TEST_F(FilesTest, AReplacedFileKeepsItsExtendedAttributes) {
     writeFile(path("a.txt"), "old");
     const QByteArray name = QFile::encodeName(path("a.txt"));
-    const QByteArray long_(2000, 'x');
+    const QByteArray longValue(2000, 'x');
     if (::setxattr(name, "user.xdg.origin.url", "http", 4, 0) != 0)
         GTEST_SKIP() << "the file system has none";
-    ASSERT_EQ(::setxattr(name, "user.long", long_.constData(), size_t(long_.size()), 0), 0);
+    ASSERT_EQ(::setxattr(name, "user.long", longValue.constData(), size_t(longValue.size()), 0), 0);
     // The right of a program to do something (here: nothing) is not for another content.
     const QByteArray capability = QByteArray::fromHex("0000000200000000000000000000000000000000");
     ::setxattr(name, "security.capability", capability.constData(), size_t(capability.size()), 0);
     files::writeAtomically(path("a.txt"), "new");
     QByteArray value(3000, Qt::Uninitialized);
     EXPECT_EQ(::getxattr(name, "user.xdg.origin.url", value.data(), size_t(value.size())), 4);
-    EXPECT_EQ(::getxattr(name, "user.long", value.data(), size_t(value.size())), long_.size());
+    EXPECT_EQ(::getxattr(name, "user.long", value.data(), size_t(value.size())), longValue.size());
     EXPECT_EQ(::getxattr(name, "security.capability", value.data(), size_t(value.size())), -1);
 }
 
