@@ -1,6 +1,7 @@
 #include "app/VellmoraApp.h"
 
 #include "editor/StampViewAccessible.h"
+#include "platform/files/Files.h"
 #include "platform/fonts/FontConfiguration.h"
 #include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
@@ -34,6 +35,7 @@ static void setGermanFormats() {
 
 /// What must be done, or begin, before the toolkit connects to the display.
 static std::future<void> prepare() {
+    files::makeFileSizeLimitAnError();
     setGermanFormats();
     return readFontConfiguration();
 }

@@ -1,7 +1,6 @@
 #include "export/PDFExporter.h"
 
 #include "export/PDFExportError.h"
-#include "platform/files/ReplacementDirectory.h"
 #include "platform/pdf/PDFContext.h"
 
 #include <new>
@@ -59,11 +58,8 @@ void drawPages(PDFContext& context, const PDFDocument& document, const StampsByP
     }
 }
 
-void saveToFile(const PDFDocument& document, const StampsByPage& stampsByPage, const QString& path) {
-    const auto consumer = FileConsumer::create(path);
-    if (!consumer)
-        throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
-    const auto context = PDFContext::create(*consumer);
+void writeTo(PDFDataConsumer& consumer, const PDFDocument& document, const StampsByPage& stampsByPage) {
+    const auto context = PDFContext::create(consumer);
     if (!context)
         throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
     try {
@@ -79,15 +75,17 @@ void saveToFile(const PDFDocument& document, const StampsByPage& stampsByPage, c
 }  // namespace
 
 void PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to) {
-    saveToFile(document, stampsByPage, to.toLocalFile());
+    const auto consumer = FileConsumer::create(to.toLocalFile());
+    if (!consumer)
+        throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
+    writeTo(*consumer, document, stampsByPage);
 }
 
 void PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
                                   const QUrl& originalURL) {
-    ReplacementDirectory directory(originalURL.toLocalFile());
-    const QString temporary = directory.path() + QLatin1Char('/') + originalURL.fileName();
-    saveToFile(document, stampsByPage, temporary);
-    directory.replaceOriginal(temporary);
+    ReplacementConsumer replacement(originalURL.toLocalFile());
+    writeTo(replacement, document, stampsByPage);
+    replacement.replaceOriginal();
 }
 
 }  // namespace vellmora

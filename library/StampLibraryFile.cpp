@@ -2,7 +2,7 @@
 #include "library/StampPresetJson.h"
 #include "platform/error/Error.h"
 #include "platform/files/Files.h"
-#include "platform/files/TemporaryItems.h"
+#include "platform/files/TemporaryFile.h"
 
 #include <optional>
 
@@ -61,7 +61,7 @@ void StampLibrary::ensureLibraryDirectories() const {
 
 QList<StampPreset> StampLibrary::loadPresets() const {
     ensureLibraryDirectories();
-    removeStaleTemporaryItems(libraryRoot());
+    removeStaleTemporaryFiles(libraryRoot());
     if (!files::exists(metadataPath()))
         return {};
     std::optional<QList<StampPreset>> presets = decodePresets(files::read(metadataPath()));

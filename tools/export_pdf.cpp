@@ -160,6 +160,7 @@ extern "C" int fsync(int descriptor) {
 
 int main(int argc, char** argv) {
     const QCoreApplication app(argc, argv);
+    files::makeFileSizeLimitAnError();
     try {
         const auto arguments = parseArguments(QCoreApplication::arguments());
         if (!arguments) {

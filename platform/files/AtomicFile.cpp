@@ -1,28 +1,27 @@
 #include "platform/files/AtomicFile.h"
 
-#include "platform/files/FileError.h"
+#include "platform/files/FileAttributes.h"
 #include "platform/files/Files.h"
-#include "platform/files/TemporaryItems.h"
+#include "platform/files/TemporaryFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <QFile>
 #include <QFileInfo>
 
 namespace vellmora {
 
-AtomicFile::AtomicFile(const QString& path) : m_target(files::resolved(path)) {
+AtomicFile::AtomicFile(const QString& path, FileAction action) : m_target(files::resolved(path)) {
     files::requireWritable(m_target);
     const QString folder = QFileInfo(m_target).path();
-    removeStaleTemporaryItems(folder);
+    removeStaleTemporaryFiles(folder);
     try {
         TemporaryFile temporary = createTemporaryFile(folder);
         m_temporary = temporary.path;
         m_file = std::move(temporary.file);
     } catch (const Error& error) {
-        throw fileError(FileAction::create, m_target, error.code());
+        throw fileError(action, m_target, error.code());
     }
 }
 
@@ -43,18 +42,21 @@ void AtomicFile::write(const char* bytes, qint64 count) {
     }
 }
 
-void AtomicFile::commit(Durability durability) {
+void AtomicFile::finish(Durability durability) {
+    takeOverAttributes(m_file.get(), m_target);
+    m_lock = FileDescriptor(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
     const bool isSynced = durability == Durability::synced;
-    // A file system without permissions (FAT) may refuse; the file is private then, or as open as all its
-    // files.
-    [[maybe_unused]] const int ignored = ::fchmod(m_file.get(), files::permissionsForNewFile(m_target));
-    // Closing may report a failed write. The lock stays with the second descriptor until the file has its
-    // name.
-    const FileDescriptor lock(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
+    // Closing may report a failed write.
     if ((isSynced && ::fsync(m_file.get()) != 0) || m_file.close() != 0)
         throw fileError(FileAction::write, m_target, errno);
+}
+
+void AtomicFile::commit(Durability durability) {
+    if (m_file.isValid())
+        finish(durability);
     files::rename(m_temporary, m_target, durability);
     m_temporary.clear();
+    m_lock = FileDescriptor();
 }
 
 }  // namespace vellmora

@@ -26,7 +26,7 @@ QString errnoText(int errorNumber) {
         case EDQUOT:
             return QStringLiteral("Das Speicherkontingent ist erschöpft.");
         case EFBIG:
-            return QStringLiteral("Die Datei ist zu groß für den Datenträger.");
+            return QStringLiteral("Die Datei ist größer, als der Datenträger oder eine Vorgabe erlaubt.");
         case EROFS:
             return QStringLiteral("Der Datenträger ist schreibgeschützt.");
         case EIO:
@@ -72,14 +72,24 @@ static QString actionText(FileAction action) {
     return {};
 }
 
-Error fileError(FileAction action, const QString& path, int errorNumber) {
+static Error makeError(FileAction action, const QString& path, int errorNumber, const QString& reason) {
     QString name = QFileInfo(path).fileName();
     if (name.isEmpty())
         name = path;
     // The name is put in last: it may itself hold a place marker.
-    QString text = actionText(action) + errnoText(errorNumber);
+    QString text = actionText(action) + reason;
     text.replace(QStringLiteral("%1"), name);
     return Error(Error::posixDomain, errorNumber, text);
+}
+
+Error fileError(FileAction action, const QString& path, int errorNumber) {
+    return makeError(action, path, errorNumber, errnoText(errorNumber));
+}
+
+Error foreignLinkError(const QString& path) {
+    return makeError(FileAction::write, path, EACCES,
+                     QStringLiteral("Der Weg dorthin führt über eine Verknüpfung, die ein anderer Benutzer "
+                                    "angelegt hat."));
 }
 
 }  // namespace vellmora

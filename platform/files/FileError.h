@@ -13,4 +13,7 @@ QString errnoText(int errorNumber);
 /// Error of the POSIX domain: which file, what was tried, and why it failed.
 Error fileError(FileAction action, const QString& path, int errorNumber);
 
+/// The error of a save that a link would have led astray (see `files::resolved`).
+Error foreignLinkError(const QString& path);
+
 }  // namespace vellmora

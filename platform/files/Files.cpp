@@ -4,15 +4,16 @@
 #include "platform/files/FileError.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
+#include <list>
 #include <new>
-#include <string>
 #include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 
 #include <QFile>
@@ -45,17 +46,14 @@ void requireRegular(mode_t mode, FileAction action, const QString& path) {
         throw fileError(action, path, S_ISDIR(mode) ? EISDIR : EINVAL);
 }
 
-/// umask(2) tells it only by changing it: two threads that ask at once may leave it changed for good.
-mode_t currentUmask() {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        mode_t mask = 0;
-        if (word == "Umask:" && status >> std::oct >> mask)
-            return mask;
-    }
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return mask;
+/// The rule that the kernel has too, where it is switched on (fs.protected_symlinks). It does not see the
+/// links that are followed here.
+bool isTrusted(const struct stat& link, const std::filesystem::path& folder) {
+    constexpr mode_t forAll = S_ISVTX | S_IWOTH;
+    struct stat info {};
+    if (::stat(folder.c_str(), &info) != 0)
+        return false;
+    return (info.st_mode & forAll) != forAll || link.st_uid == ::geteuid() || link.st_uid == info.st_uid;
 }
 
 }  // namespace
@@ -145,16 +143,34 @@ void copy(const QString& from, const QString& to) {
 }
 
 QString resolved(const QString& path) {
-    std::filesystem::path current = QFile::encodeName(path).toStdString();
-    for (int i = 0; i < maxLinks; ++i) {
-        std::error_code error;
-        const std::filesystem::path target = std::filesystem::read_symlink(current, error);
-        if (error)  // no link
-            return QFile::decodeName(current.c_str());
-        // Never tidied up: ".." in a linked folder leads to where that folder really lies.
-        current = current.parent_path() / target;
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path whole = fs::absolute(QFile::encodeName(path).toStdString(), error);
+    std::list<fs::path> rest(whole.begin(), whole.end());
+    fs::path current;  // without links
+    for (int links = 0; !rest.empty();) {
+        const fs::path part = rest.front();
+        rest.pop_front();
+        if (part == ".." && fs::is_directory(current, error)) {
+            current = current.parent_path();
+            continue;
+        }
+        const fs::path next = current / part;
+        struct stat info {};
+        if (part.empty() || part == "." || ::lstat(next.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) {
+            current = next;
+            continue;
+        }
+        if (++links > maxLinks)
+            throw fileError(FileAction::write, path, ELOOP);
+        if (!isTrusted(info, current))
+            throw foreignLinkError(path);
+        const fs::path target = fs::read_symlink(next, error);
+        if (error)
+            throw fileError(FileAction::write, path, error.value());
+        rest.insert(rest.begin(), target.begin(), target.end());
     }
-    throw fileError(FileAction::write, path, ELOOP);
+    return QFile::decodeName(current.c_str());
 }
 
 void requireWritable(const QString& path) {
@@ -164,14 +180,6 @@ void requireWritable(const QString& path) {
     struct stat info {};
     if (::stat(name.constData(), &info) == 0)
         requireRegular(info.st_mode, FileAction::write, path);
-}
-
-unsigned permissionsForNewFile(const QString& path) {
-    mode_t permissions = 0666U & ~currentUmask();
-    struct stat info {};
-    if (::stat(QFile::encodeName(path).constData(), &info) == 0)
-        permissions &= info.st_mode;
-    return permissions | S_IRUSR | S_IWUSR;
 }
 
 void rename(const QString& from, const QString& to, Durability durability) {
@@ -186,6 +194,10 @@ void rename(const QString& from, const QString& to, Durability durability) {
     const bool isSynced = durability == Durability::synced && fd.isValid();
     if (isSynced && ::fsync(fd.get()) != 0 && errno != EINVAL && errno != ENOTSUP)
         throw fileError(FileAction::write, to, errno);
+}
+
+void makeFileSizeLimitAnError() {
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace vellmora::files

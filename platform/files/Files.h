@@ -47,20 +47,21 @@ void writeAtomically(const QString& path, const QByteArray& bytes,
 /// Byte-for-byte copy of a regular file; the destination appears whole or not at all.
 void copy(const QString& from, const QString& to);
 
-/// The file that `path` stands for: symbolic links are followed also where the last one points to a file that
-/// does not exist yet.
+/// The file that `path` stands for, by a path without symbolic links; also where the file does not exist yet.
+/// Refused is a link that another user made in a folder in which all may make one (/tmp): it could lead to
+/// files that this user may write, and that one may not.
 QString resolved(const QString& path);
 
 /// Refuses a target that exists and may not be written, or that is no regular file (folder, pipe, device).
 void requireWritable(const QString& path);
 
-/// Permissions for a file that takes the name `path`: what the umask gives, and none that a file of that name
-/// does not have already, but that its owner may read and write it.
-unsigned permissionsForNewFile(const QString& path);
-
 /// Puts a file in the place of another, or under a new name, and brings the change onto the disk where
 /// `durability` asks for it. Where it fails both are as they were, unless only the disk would not confirm the
 /// change.
 void rename(const QString& from, const QString& to, Durability durability = Durability::synced);
+
+/// From now on, in the whole process, a file that grows beyond the limit for it (RLIMIT_FSIZE) is an error
+/// like a full disk. Else the system's signal (SIGXFSZ) ends the program. Called once, at its start.
+void makeFileSizeLimitAnError();
 
 }  // namespace vellmora::files

@@ -33,6 +33,21 @@ private:
     AtomicFile m_file;
 };
 
+/// Writes a file that takes the place of another when it is told to, and not with its last byte already.
+class ReplacementConsumer : public PDFDataConsumer {
+public:
+    /// Throws `Error` where nothing can be written beside the original.
+    explicit ReplacementConsumer(const QString& original) : m_file(original, FileAction::replace) {}
+
+    void write(const char* bytes, qint64 count) override { m_file.write(bytes, count); }
+    void finish() override { m_file.finish(); }
+    /// One step, after `finish()`. Throws `Error`; the original is as it was then.
+    void replaceOriginal() { m_file.commit(); }
+
+private:
+    AtomicFile m_file;
+};
+
 /// Keeps the bytes in memory.
 class MemoryConsumer : public PDFDataConsumer {
 public:

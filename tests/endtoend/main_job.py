@@ -23,6 +23,7 @@ class MainJob:
         original = self.contract.read_bytes()
         self.screen = self.window.screen
         self.window.start_program()
+        program = self.desktop.processes[-1].pid
         self.screen.find("label", "Keine PDF geladen")
         self.drop(self.contract)
         self.window.expect("PDF geladen: Mietvertrag.pdf")
@@ -38,6 +39,11 @@ class MainJob:
         assert self.contract.read_bytes() != original
         self.window.click("push button", "Ausgewählten löschen")
         self.window.expect("Ausgewählter Stempel gelöscht.")
+        saved = self.contract.read_bytes()
+        self.desktop.run("prlimit", "--pid", program, f"--fsize={len(saved) // 2}")
+        self.window.click("push button", "Speichern")
+        self.window.expect("Fehler beim Überschreiben: PDF-Datei konnte nicht erstellt werden.")
+        assert self.contract.read_bytes() == saved
         leftovers = [p.name for p in self.contract.parent.iterdir() if p.name.startswith(".vellmora")]
         assert not leftovers, leftovers
         self.start_again()

@@ -8,7 +8,7 @@ import tempfile
 from pathlib import Path
 
 SKIPPED = 77
-NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon", "import"]
+NEEDED = ["Xvfb", "openbox", "xdotool", "dbus-daemon", "import", "prlimit"]
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 try:

@@ -19,7 +19,9 @@
 #include <fcntl.h>
 #include <sstream>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/types.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace vellmora::faults {
@@ -141,16 +143,6 @@ int open64(const char* path, int flags, ...) {
                 [&] { return next<int(const char*, int, ...)>("open64")(path, flags, mode); });
 }
 
-int mkostemp(char* path, int flags) {
-    return pass(openCall, path, [&] { return next<int(char*, int)>("mkostemp")(path, flags); });
-}
-
-char* mkdtemp(char* path) {
-    const auto made =
-        pass(openCall, path, [&] { return reinterpret_cast<intptr_t>(next<char*(char*)>("mkdtemp")(path)); });
-    return made == -1 ? nullptr : reinterpret_cast<char*>(made);
-}
-
 int mkdir(const char* path, mode_t mode) noexcept {
     return pass(openCall, path, [&] { return next<int(const char*, mode_t)>("mkdir")(path, mode); });
 }
@@ -192,6 +184,36 @@ int unlinkat(int folder, const char* path, int flags) noexcept {
 
 int rmdir(const char* path) noexcept {
     return pass(removeCall, path, [&] { return next<int(const char*)>("rmdir")(path); });
+}
+
+int fchown(int fd, uid_t owner, gid_t group) noexcept {
+    return pass(attributeCall, fd, [&] { return next<int(int, uid_t, gid_t)>("fchown")(fd, owner, group); });
+}
+
+int fchmod(int fd, mode_t mode) noexcept {
+    return pass(attributeCall, fd, [&] { return next<int(int, mode_t)>("fchmod")(fd, mode); });
+}
+
+int fsetxattr(int fd, const char* name, const void* value, size_t size, int flags) noexcept {
+    return pass(attributeCall, fd, [&] {
+        return next<int(int, const char*, const void*, size_t, int)>("fsetxattr")(fd, name, value, size,
+                                                                                  flags);
+    });
+}
+
+int fremovexattr(int fd, const char* name) noexcept {
+    return pass(attributeCall, fd, [&] { return next<int(int, const char*)>("fremovexattr")(fd, name); });
+}
+
+ssize_t lgetxattr(const char* path, const char* name, void* value, size_t size) noexcept {
+    return pass(attributeCall, path, [&] {
+        return next<ssize_t(const char*, const char*, void*, size_t)>("lgetxattr")(path, name, value, size);
+    });
+}
+
+ssize_t llistxattr(const char* path, char* names, size_t size) noexcept {
+    return pass(attributeCall, path,
+                [&] { return next<ssize_t(const char*, char*, size_t)>("llistxattr")(path, names, size); });
 }
 
 }  // extern "C"

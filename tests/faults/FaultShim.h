@@ -12,8 +12,9 @@ enum Kind : unsigned {
     closeCall = 8,
     renameCall = 16,
     removeCall = 32,
-    anyButRemove = 31,
-    anyCall = 63,
+    attributeCall = 64,  ///< owner, permissions, extended attributes; also asking for them
+    anyButRemove = 95,
+    anyCall = 127,
 };
 
 /// Which call fails, and how. Only calls on files below `folder` count.

@@ -98,7 +98,7 @@ TEST_F(SaveTargetTest, SaysWhyTheOriginalCannotBeReplaced) {
     expectReason("geschrieben werden. Die Berechtigung dafür fehlt.");
     ::chmod(qPrintable(original), 0644);
 
-    ::chmod(qPrintable(folder()), 0555);  // no hidden folder can be made beside the original
+    ::chmod(qPrintable(folder()), 0555);  // no file can be made beside the original
     expectReason("ersetzt werden. Die Berechtigung dafür fehlt.");
     ::chmod(qPrintable(folder()), 0755);
 

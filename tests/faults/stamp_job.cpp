@@ -79,7 +79,8 @@ int main(int argc, char** argv) {
     faults::Plan plan;
     plan.folder = home.toStdString();
     // What changes files: of other calls those count, too, that load the sidebar's pictures meanwhile.
-    plan.kinds = faults::writeCall | faults::syncCall | faults::renameCall | faults::removeCall;
+    plan.kinds = faults::writeCall | faults::syncCall | faults::renameCall | faults::removeCall |
+                 faults::attributeCall;
     plan.nth = arguments[3].toInt();
     plan.error = faults::Plan::killed;
     plan.isAfter = arguments[4].toInt() != 0;

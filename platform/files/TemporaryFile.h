@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/files/FileDescriptor.h"
+
+#include <QString>
+
+namespace vellmora {
+
+/// A hidden file beside the one that it is to become. It is locked (flock) as long as its maker lives, so
+/// that what a crash left behind can be told from what another program is using.
+struct TemporaryFile {
+    QString path;
+    FileDescriptor file;  ///< open for writing, holds the lock
+};
+
+/// A new empty file in `folder`, readable by its owner only. Throws `Error`.
+TemporaryFile createTemporaryFile(const QString& folder);
+
+/// Removes the temporary files of this user in `folder` that no program holds any more. Folders, links and
+/// files of other names are never touched. Never fails: what cannot be removed stays.
+void removeStaleTemporaryFiles(const QString& folder);
+
+}  // namespace vellmora
