@@ -6,15 +6,50 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
+#include <string>
 #include <utility>
 
 namespace vellmora {
 
 PDFSource::PDFSource(std::shared_ptr<const FileContent> content, Damage damage)
-    : m_content(std::move(content)) {
+    : m_content(std::move(content)), m_reading(damage) {
     openFile(m_qpdf, *m_content, damage);
     m_catalog = m_qpdf.getRoot();
     m_pages = collectPages(m_qpdf);
+    if (bringBackObjects())
+        m_pages = collectPages(m_qpdf);
+}
+
+/// Many sound files have a table that is slightly wrong, which costs no object.
+static bool isOfTable(const std::string& warning) {
+    const auto contains = [&warning](const char* words) { return warning.find(words) != std::string::npos; };
+    return contains("xref") || contains("reported number of objects");
+}
+
+bool PDFSource::hasMetDamage() const {
+    bool hasMet = false;
+    for (const QPDFExc& warning : m_qpdf.getWarnings()) {
+        if (warning.getMessageDetail().find(std::bad_alloc().what()) != std::string::npos)
+            throw std::bad_alloc();
+        hasMet |= warning.getErrorCode() == qpdf_e_damaged_pdf && !isOfTable(warning.getMessageDetail());
+    }
+    return hasMet;
+}
+
+bool PDFSource::bringBackObjects() const {
+    if (!hasMetDamage() || m_allAreRead)
+        return false;
+    m_allAreRead = true;
+    try {
+        m_givenUp = GivenUpObjects::bringBack(m_qpdf, *m_content, m_reading);
+        hasMetDamage();
+        return m_givenUp != nullptr;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 std::unique_ptr<PDFSource> PDFSource::read(const std::shared_ptr<const FileContent>& content, Damage damage) {
