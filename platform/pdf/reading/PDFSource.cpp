@@ -64,7 +64,56 @@ qsizetype PDFSource::readablePageCount() const {
     return std::count_if(m_pages.begin(), m_pages.end(), [](const SourcePage& page) { return !page.isLost; });
 }
 
+/// That of the attachments: a document whose pages need one is not read.
+static bool wantsPassword(const FileContent& content) {
+    try {
+        QPDF file;
+        openFile(file, content);
+    } catch (const QPDFExc& error) {
+        return error.getErrorCode() == qpdf_e_password;
+    }
+    return false;
+}
+
+/// Whether nothing follows the last whole object, where the position of the table should.
+static bool isCutOff(std::string_view file) {
+    const size_t lastObject = file.rfind("endobj");
+    return file.find("startxref", lastObject == std::string_view::npos ? 0 : lastObject) ==
+           std::string_view::npos;
+}
+
+static bool hasLostContent(QPDFObjectHandle page) {
+    return page.hasKey("/Contents") && page.getKey("/Contents").isNull();
+}
+
+void PDFSource::findDamage(const FileContent& opened, bool isRepaired) {
+    m_damage.isRepaired = isRepaired;
+    m_damage.isCutOff = isRepaired && isCutOff(opened.all());
+    for (size_t i = 0; i < m_pages.size(); ++i) {
+        if (m_pages[i].isLost || (isRepaired && hasLostContent(m_pages[i].dictionary)))
+            m_damage.lostPages.append(static_cast<qsizetype>(i));
+    }
+    QPDFObjectHandle count = m_catalog.getKey("/Pages").getKey("/Count");
+    const qsizetype stated = count.isInteger() ? count.getIntValue() : 0;
+    if (stated > pageCount() && stated <= static_cast<qsizetype>(m_qpdf.getXRefTable().size()))
+        m_damage.uncountedPages = stated - pageCount();
+}
+
 std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileContent>& content) {
+    bool isRepaired = false;
+    try {
+        std::unique_ptr<PDFSource> source = choose(content, isRepaired);
+        if (source)
+            source->findDamage(*content, isRepaired);
+        return source;
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+/// The source as it is where all its pages are there, else the repaired one where that has more.
+std::unique_ptr<PDFSource> PDFSource::choose(const std::shared_ptr<const FileContent>& content,
+                                             bool& isRepaired) {
     auto source = read(content, Damage::refuse);
     if (source && source->isComplete())
         return source;
@@ -73,10 +122,13 @@ std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileConte
         const auto damaged = QByteArray::fromRawData(all.data(), static_cast<qsizetype>(all.size()));
         const auto repairedContent = std::make_shared<const FileContent>(repairedFile(damaged));
         auto repaired = read(repairedContent, Damage::refuse);
-        if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0))
+        if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0)) {
+            isRepaired = !wantsPassword(*content);
             return repaired;
+        }
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
+    isRepaired = !source;
     return source ? std::move(source) : read(content, Damage::recover);
 }
 

@@ -49,6 +49,9 @@ public:
 
 private:
     PDFSource(std::shared_ptr<const FileContent> content, Damage damage);
+    static std::unique_ptr<PDFSource> choose(const std::shared_ptr<const FileContent>& content,
+                                             bool& isRepaired);
+    void findDamage(const FileContent& opened, bool isRepaired);
     /// Pages that can be shown.
     qsizetype readablePageCount() const;
     bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }

@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <qpdf/Pl_Concatenate.hh>
 #include <qpdf/Pl_Count.hh>
@@ -32,10 +33,33 @@ bool pipeDecoded(QPDFObjectHandle stream, Pipeline& target, size_t& delivered) {
     return isWhole && isDecoded;
 }
 
-bool isFlateOnly(QPDFObjectHandle filter) {
-    if (filter.isArray() && filter.getArrayNItems() == 1)
-        filter = filter.getArrayItem(0);
-    return filter.isNameAndEquals("/FlateDecode") || filter.isNameAndEquals("/Fl");
+std::vector<std::string> filtersOf(QPDFObjectHandle stream) {
+    QPDFObjectHandle filter = stream.getDict().getKey("/Filter");
+    std::vector<std::string> names;
+    const auto add = [&names](QPDFObjectHandle name) {
+        names.push_back(name.isName() ? name.getName() : "");
+    };
+    if (filter.isArray()) {
+        for (const QPDFObjectHandle& item : filter.aitems())
+            add(item);
+    } else {
+        add(filter);
+    }
+    return names;
+}
+
+bool isFlateOnly(const std::vector<std::string>& filters) {
+    return filters.size() == 1 && (filters[0] == "/FlateDecode" || filters[0] == "/Fl");
+}
+
+/// Whether one of the filters is unknown or only for pictures: what it delivers is no content for anybody.
+bool isNoContent(const std::vector<std::string>& filters) {
+    static constexpr std::array known{"/FlateDecode",     "/Fl",  "/LZWDecode",      "/LZW",
+                                      "/ASCII85Decode",   "/A85", "/ASCIIHexDecode", "/AHx",
+                                      "/RunLengthDecode", "/RL",  "/Crypt"};
+    return std::any_of(filters.begin(), filters.end(), [](const std::string& filter) {
+        return std::find(known.begin(), known.end(), filter) == known.end();
+    });
 }
 
 /// Unpacks up to the first error, without the first bytes.
@@ -70,8 +94,9 @@ bool pipeAsFarAsPossible(QPDFObjectHandle stream, Pipeline& target) {
     size_t delivered = 0;
     if (pipeDecoded(stream, target, delivered))
         return true;
-    if (!isFlateOnly(stream.getDict().getKey("/Filter")))
-        return false;
+    const std::vector<std::string> filters = filtersOf(stream);
+    if (!isFlateOnly(filters))
+        return isNoContent(filters);
     // The library holds back what it has unpacked last. Other readers take odd parameters for none.
     std::string data;
     Pl_String receiver("packed", nullptr, data);
