@@ -8,11 +8,12 @@ namespace vellmora {
 struct DocumentDamage {
     /// The file's table of objects was missing or wrong; the objects were searched for.
     bool isRepaired = false;
-    /// The file ends before its last object does.
+    /// The file's end is missing, and whatever stood there.
     bool isCutOff = false;
-    /// Pages that the document names but the file has lost; they are shown blank. 0-based, ascending.
+    /// Pages that the document names but the file has lost, or their content; they are shown blank. 0-based,
+    /// ascending.
     QList<qsizetype> lostPages;
-    /// Pages that the document counts beyond those that it names.
+    /// Pages that the document counts beyond those that it names, as far as the count is credible.
     qsizetype uncountedPages = 0;
 
     bool losesPages() const { return !lostPages.isEmpty() || uncountedPages > 0; }

@@ -52,7 +52,7 @@ void PDFContext::close() {
     }
 }
 
-const QList<qsizetype>& PDFContext::incompletePages() const {
+QList<qsizetype> PDFContext::incompletePages() const {
     return m_writer->incompletePages();
 }
 

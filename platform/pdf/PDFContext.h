@@ -53,7 +53,7 @@ public:
 
     /// After `close`: the output's pages on which something of the source is missing, since it could not be
     /// read. 0-based, ascending.
-    const QList<qsizetype>& incompletePages() const;
+    QList<qsizetype> incompletePages() const;
 
 private:
     explicit PDFContext(PDFDataConsumer& consumer);

@@ -20,18 +20,6 @@ QPDFObjectHandle emptyDictionary() {
     return QPDFObjectHandle::newDictionary();
 }
 
-/// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn. A
-/// sound page must not be left out for want of memory.
-template <typename Step>
-void attempt(Step step) {
-    try {
-        step();
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
-    }
-}
-
 }  // namespace
 
 PDFContext::Writer::Writer(PDFDataConsumer& consumer) : m_consumer(consumer), m_copier(m_output) {
@@ -40,7 +28,7 @@ PDFContext::Writer::Writer(PDFDataConsumer& consumer) : m_consumer(consumer), m_
 }
 
 void PDFContext::Writer::beginPage(const Rect& mediaBox) {
-    m_page = {emptyDictionary(), emptyDictionary(), emptyDictionary(), mediaBox, {}, {}};
+    m_page = {emptyDictionary(), emptyDictionary(), emptyDictionary(), mediaBox, {}, {}, 0, false};
     m_page.dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
     m_page.dictionary.replaceKey("/Parent", m_pages);
 }
@@ -49,10 +37,35 @@ void PDFContext::Writer::drawPage(const PDFSource& source, qsizetype index, Disp
     const SourcePage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
     useSource(source);
+    m_copier.beginStep();
+    const OpenPage begun = m_page;
+    drawParts(source, page, box);
+    if (source.bringBackObjects()) {
+        m_copier.forgetStep();
+        m_page.content = begun.content;
+        m_page.annotationCount = begun.annotationCount;
+        m_page.isIncomplete = begun.isIncomplete;
+        drawParts(source, page, box);
+    }
+}
+
+void PDFContext::Writer::drawParts(const PDFSource& source, const SourcePage& page, DisplayBox box) {
     attempt([&] { carryPageAttributes(page, box); });
     attempt([&] { carryDocumentAttributes(source); });
     attempt([&] { drawContent(page); });
     attempt([&] { drawAnnotations(source, page); });
+}
+
+/// Runs one step of drawing. What a damaged source cannot give is left out; the rest of the page is drawn. A
+/// sound page must not be left out for want of memory.
+void PDFContext::Writer::attempt(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        m_page.isIncomplete = true;
+    }
 }
 
 /// Until the file is written: the bytes of streams are fetched last.
@@ -88,7 +101,9 @@ void PDFContext::Writer::carryDocumentAttributes(const PDFSource& source) {
 }
 
 void PDFContext::Writer::drawContent(const SourcePage& page) {
-    paint("/P", makePageForm(m_copier, m_boxes, page), {});
+    const qsizetype index = m_kids.getArrayNItems();
+    paint("/P", makePageForm(m_copier, m_boxes, page, [this, index] { m_incompletePages.insert(index); }),
+          {});
 }
 
 void PDFContext::Writer::drawAnnotations(const PDFSource& source, const SourcePage& page) {
@@ -145,21 +160,25 @@ void PDFContext::Writer::endPage() {
     m_page.dictionary.replaceKey("/MediaBox", m_boxes.of(m_page.mediaBox));
     m_page.dictionary.replaceKey("/Resources", resources);
     m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
+    if (m_page.isIncomplete)
+        m_incompletePages.insert(m_kids.getArrayNItems());
     m_kids.appendItem(m_output.makeIndirectObject(m_page.dictionary));
     m_page = {};
 }
 
 void PDFContext::Writer::write() {
     const auto sources = std::move(m_sources);  // released at the end, however it comes
-    attempt([&] { prepareStreams(m_output, m_copier.carriedStreams()); });
+    prepareStreams(m_output, m_copier.carriedStreams());
     for (PictureInWork& picture : m_pictures)
         fillPictureObject(m_output, picture.object, picture.encoded.get());
     m_pages.replaceKey("/Kids", m_kids);
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());
-    // The library takes what it cannot read for damage and goes on.
-    for (const auto& [source, lock] : sources)
+    // The library takes what it cannot read, and want of memory, for damage and goes on.
+    for (const auto& [source, lock] : sources) {
         source->content().requireReadable();
+        source->bringBackObjects();
+    }
     m_consumer.finish();
 }
 

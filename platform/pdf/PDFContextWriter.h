@@ -7,10 +7,12 @@
 #include "platform/pdf/reading/PDFSource.h"
 #include "platform/pdf/writing/ObjectCopier.h"
 
+#include <functional>
 #include <future>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,7 +31,7 @@ public:
     void drawPicture(Picture picture, const Rect& rect);
     void endPage();
     void write();
-    const QList<qsizetype>& incompletePages() const { return m_incompletePages; }
+    QList<qsizetype> incompletePages() const { return {m_incompletePages.begin(), m_incompletePages.end()}; }
 
 private:
     struct OpenPage {
@@ -40,6 +42,7 @@ private:
         QTransform fromPageSpace;
         std::string content;
         int annotationCount = 0;
+        bool isIncomplete = false;
     };
 
     /// Compressed on a thread of its own while the pages are drawn.
@@ -49,6 +52,8 @@ private:
     };
 
     void useSource(const PDFSource& source);
+    void drawParts(const PDFSource& source, const SourcePage& page, DisplayBox box);
+    void attempt(const std::function<void()>& step);
     void drawContent(const SourcePage& page);
     void drawAnnotations(const PDFSource& source, const SourcePage& page);
     void paintAnnotation(const AnnotationAppearance& appearance, QPDFObjectHandle layer);
@@ -68,7 +73,7 @@ private:
     /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
     std::map<std::string, QPDFObjectHandle> m_contentStreams;
     OpenPage m_page;
-    QList<qsizetype> m_incompletePages;
+    std::set<qsizetype> m_incompletePages;
 };
 
 }  // namespace vellmora

@@ -3,6 +3,7 @@
 #include "platform/pdf/drawing/ContentText.h"
 
 #include <cmath>
+#include <initializer_list>
 
 namespace vellmora {
 
@@ -41,11 +42,19 @@ std::optional<Rect> rectangleOf(const QPDFObjectHandle& array) {
     return rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
 }
 
-QPDFObjectHandle arrayOf(const Rect& rect) {
+static QPDFObjectHandle arrayOf(std::initializer_list<double> numbers) {
     QPDFObjectHandle array = QPDFObjectHandle::newArray();
-    for (const double edge : {rect.minX(), rect.minY(), rect.maxX(), rect.maxY()})
-        array.appendItem(QPDFObjectHandle::newReal(pdfNumber(edge)));
+    for (const double number : numbers)
+        array.appendItem(QPDFObjectHandle::newReal(pdfNumber(number)));
     return array;
+}
+
+QPDFObjectHandle arrayOf(const Rect& rect) {
+    return arrayOf({rect.minX(), rect.minY(), rect.maxX(), rect.maxY()});
+}
+
+QPDFObjectHandle arrayOf(const QTransform& matrix) {
+    return arrayOf({matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()});
 }
 
 QTransform matrixOf(const QPDFObjectHandle& array) {

@@ -27,6 +27,9 @@ std::optional<Rect> rectangleOf(const QPDFObjectHandle& array);
 /// The array that stands for a rectangle.
 QPDFObjectHandle arrayOf(const Rect& rect);
 
+/// The array that stands for a matrix.
+QPDFObjectHandle arrayOf(const QTransform& matrix);
+
 /// The identity where the array is no matrix.
 QTransform matrixOf(const QPDFObjectHandle& array);
 

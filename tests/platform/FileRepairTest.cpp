@@ -75,6 +75,8 @@ TEST(FileRepairTest, ReadsFilesWithWrongNumbers) {
     };
     EXPECT_EQ(replaced("/Length ", "/Length 9"), 3);
     EXPECT_EQ(replaced("/Length ", "/Size "), 3);
+    EXPECT_EQ(replaced("/Length ", "/Length 9223372036854775807 /Stated "), 3);
+    EXPECT_EQ(replaced("/Length ", "/Length -9223372036854775808 /Stated "), 3);
     EXPECT_EQ(replaced("startxref\n", "startxref\n9"), 3);
     EXPECT_EQ(replaced("/Root 1 0 R", "/Root 4 0 R"), 3);
     EXPECT_EQ(replaced("/Root 1 0 R", "/Root << /Pages 2 0 R >>"), 3);

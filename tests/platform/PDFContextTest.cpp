@@ -7,6 +7,8 @@
 #include "tests/support/GermanNumbers.h"
 #include "tests/support/TestImages.h"
 
+#include <cmath>
+
 using namespace vellmora;
 using namespace vellmora::test;
 
@@ -27,6 +29,22 @@ TEST(PDFContextTest, WritesNumbersWithoutExponents) {
     EXPECT_EQ(pdfNumber(-0.0000001), "0");
     EXPECT_EQ(pdfNumber(1200), "1200");
     EXPECT_EQ(pdfNumber(123456789.125), "123456789.125");
+}
+
+TEST(PDFContextTest, WritesNoNumberThatReadersCannotTake) {
+    EXPECT_EQ(pdfNumber(9.3e18), "2147483647");
+    EXPECT_EQ(pdfNumber(-1e300), "-2147483647");
+    EXPECT_EQ(pdfNumber(std::nan("")), "0");
+    PdfBuilder source;
+    source
+        .page(
+            "/MediaBox [0 0 9300000000000000000.0 100] /Annots [<< /Subtype /Square /C [1 0 0] /Rect [0 0 "
+            "99999999999999999999.0 50] >>]")
+        .page();
+    const auto written = PDFDocument::fromData(drawFirstPage(source));
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->pageCount(), 1);
+    EXPECT_EQ(written->page(0)->bounds(DisplayBox::mediaBox), (Rect{0, 0, 2147483647, 100}));
 }
 
 TEST(PDFContextTest, ReadsAndWritesFractionsWhereTheLocaleHasADecimalComma) {
@@ -191,6 +209,19 @@ TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
                   .size(),
               20U)
         << "content that only other readers may decode";
+}
+
+TEST(PDFContextTest, CarriesContentWithParametersThatTheLibraryDoesNotKnow) {
+    std::string fonts;
+    for (int i = 0; i < 13; ++i)
+        fonts += " /F" + std::to_string(i) + " << >>";
+    PdfBuilder source;
+    source.page("/Contents 1000 0 R /Resources << /Font <<" + fonts + " >> >>")
+        .stream("/Filter /FlateDecode /DecodeParms << /Predictor 15 /Colors 99999 /BitsPerComponent 32 >>",
+                "data");
+    Output output(drawFirstPage(source));
+    ASSERT_TRUE(output.drawn("/P").isStream());
+    EXPECT_EQ(text(output.drawn("/P").getRawStreamData()), "data");
 }
 
 TEST(PDFContextTest, PassesTheConsumersErrorOn) {

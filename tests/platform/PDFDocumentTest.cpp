@@ -104,6 +104,26 @@ TEST(PDFDocumentTest, DoesNotGrowWithoutBoundWhereNodesAreRepeated) {
     EXPECT_LT(PDFDocument::fromData(bytes)->pageCount(), 100000);
 }
 
+TEST(PDFDocumentTest, EndsWhereAnArrayOfKidsLeadsToItself) {
+    QByteArray bytes = pages(1).object("[ 3 0 R << /Type /Pages /Kids 1000 0 R >> 3 0 R ]").bytes();
+    bytes.replace("/Kids [ 3 0 R ]", "/Kids 1000 0 R");
+    EXPECT_EQ(PDFDocument::fromData(bytes)->pageCount(), 2);
+}
+
+TEST(PDFDocumentTest, BoundsPagesThatAreNamedByRepeatedArrays) {
+    std::string leaves;
+    std::string nodes;
+    for (int i = 0; i < 3000; ++i) {
+        leaves += "3 0 R ";
+        nodes += "<< /Type /Pages /Kids 1000 0 R >> ";
+    }
+    QByteArray bytes = pages(1).object("[ " + leaves + "]").bytes();
+    bytes.replace("/Kids [ 3 0 R ]", QByteArray::fromStdString("/Kids [ " + nodes + "]"));
+    const qsizetype count = PDFDocument::fromData(bytes)->pageCount();
+    EXPECT_GE(count, 3000) << "a page may stand in the tree as often as the file names it";
+    EXPECT_LT(count, 20000);
+}
+
 TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
     QByteArray bytes =
         PdfBuilder().page("/Parent 1000 0 R").page().object("<< /Rotate 90 /Parent 1000 0 R >>").bytes();

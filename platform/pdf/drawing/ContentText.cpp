@@ -1,5 +1,6 @@
 #include "platform/pdf/drawing/ContentText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -16,6 +17,9 @@ double parsedNumber(std::string_view text) {
 }
 
 std::string pdfNumber(double value) {
+    if (!std::isfinite(value))
+        value = 0;
+    value = std::clamp(value, -greatestNumber, greatestNumber);
     std::string text = QByteArray::number(value, 'f', 6).toStdString();
     text.erase(text.find_last_not_of('0') + 1);
     if (text.back() == '.')

@@ -11,7 +11,11 @@ namespace vellmora {
 /// is none.
 double parsedNumber(std::string_view text);
 
-/// A number as a content stream has it: plain decimal with a full stop, at most six places, no exponent.
+/// The greatest whole number that every reader takes (ISO 32000-1, annex C).
+constexpr double greatestNumber = 2147483647;
+
+/// A number as a file has it: plain decimal with a full stop, at most six places, no exponent. What is
+/// greater than readers take becomes the greatest number, what is none becomes 0.
 std::string pdfNumber(double value);
 
 /// "q … cm /name Do Q": paints the named object through the matrix.

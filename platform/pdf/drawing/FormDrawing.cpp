@@ -108,11 +108,8 @@ QPDFObjectHandle FormDrawing::finish(const Rect& box, const QTransform& matrix) 
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
     dictionary.replaceKey("/BBox", arrayOf(box));
-    if (!matrix.isIdentity()) {
-        dictionary.replaceKey("/Matrix", QPDFObjectHandle::newArray(QPDFObjectHandle::Matrix(
-                                             matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(),
-                                             matrix.dx(), matrix.dy())));
-    }
+    if (!matrix.isIdentity())
+        dictionary.replaceKey("/Matrix", arrayOf(matrix));
     dictionary.replaceKey("/Resources", resources);
     return form;
 }

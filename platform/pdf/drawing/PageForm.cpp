@@ -1,11 +1,10 @@
 #include "platform/pdf/drawing/PageForm.h"
 
 #include "platform/pdf/drawing/PageResources.h"
+#include "platform/pdf/reading/PartialData.h"
 
 #include <utility>
 #include <vector>
-
-#include <qpdf/Pl_Concatenate.hh>
 
 namespace vellmora {
 
@@ -17,21 +16,24 @@ constexpr double edgeAllowance = 2;
 /// Delivers several streams decoded, a line break after each: a token never spans two of them.
 class JoinedStreams : public QPDFObjectHandle::StreamDataProvider {
 public:
-    explicit JoinedStreams(std::vector<QPDFObjectHandle> streams) : m_streams(std::move(streams)) {}
+    JoinedStreams(std::vector<QPDFObjectHandle> streams, std::function<void()> onIncomplete)
+        : m_streams(std::move(streams)), m_onIncomplete(std::move(onIncomplete)) {}
     void provideStreamData(const QPDFObjGen&, Pipeline* pipeline) override {
-        Pl_Concatenate joined("page content", pipeline);
-        for (QPDFObjectHandle& stream : m_streams) {
-            stream.pipeStreamData(&joined, nullptr, 0, qpdf_dl_specialized, true);
-            joined.writeCStr("\n");
+        for (const QPDFObjectHandle& stream : m_streams) {
+            if (!pipeAsFarAsPossible(stream, *pipeline))
+                m_onIncomplete();
+            pipeline->writeCStr("\n");
         }
-        joined.manualFinish();
+        pipeline->finish();
     }
 
 private:
     std::vector<QPDFObjectHandle> m_streams;
+    std::function<void()> m_onIncomplete;
 };
 
-void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPDFObjectHandle> streams) {
+void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPDFObjectHandle> streams,
+                    std::function<void()> onIncomplete) {
     if (streams.size() == 1) {
         QPDFObjectHandle source = streams.front().getDict();
         copier.carryData(form, streams.front());
@@ -39,17 +41,19 @@ void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPD
             form.getDict().replaceKey(key, copier.copy(source.getKey(key)));
     } else {
         const auto null = QPDFObjectHandle::newNull();
-        form.replaceStreamData(std::make_shared<JoinedStreams>(std::move(streams)), null, null);
+        form.replaceStreamData(std::make_shared<JoinedStreams>(std::move(streams), std::move(onIncomplete)),
+                               null, null);
     }
 }
 
 }  // namespace
 
-QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, const SourcePage& page) {
+QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, const SourcePage& page,
+                              std::function<void()> onIncomplete) {
     const Rect box = page.orientation.mediaBox().insetBy(-edgeAllowance);
     QPDFObjectHandle form = copier.output().newStream();
     QPDFObjectHandle resources = resourcesInUse(page);
-    provideContent(form, copier, contentStreamsOf(page));
+    provideContent(form, copier, contentStreamsOf(page), std::move(onIncomplete));
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));

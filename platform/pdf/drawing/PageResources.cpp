@@ -4,6 +4,7 @@
 #include <cctype>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -63,8 +64,12 @@ std::optional<Names> namesInContent(const SourcePage& page) {
         std::string content;
         bool isDecoded = false;
         Pl_String receiver("page content", nullptr, content);
-        if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized, true) || !isDecoded)
+        try {
+            if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized) || !isDecoded)
+                return std::nullopt;
+        } catch (const std::runtime_error&) {  // a filter that is given what it does not know
             return std::nullopt;
+        }
         collectNames(content, names);
     }
     return names;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <stdexcept>
 
 namespace vellmora {
 
@@ -13,7 +12,7 @@ qpdf_offset_t FileInput::findAndSkipNextEOL() {
     constexpr std::string_view breaks = "\r\n";
     const size_t end = m_content.size();
     size_t found = std::string_view::npos;
-    for (m_position = std::min(m_position, end); m_position < end && found == std::string_view::npos;) {
+    while (m_position < end && found == std::string_view::npos) {
         const std::string_view part = m_content.range(m_position, std::min(step, end - m_position));
         const size_t place = part.find_first_of(breaks);
         if (place != std::string_view::npos)
@@ -27,15 +26,14 @@ qpdf_offset_t FileInput::findAndSkipNextEOL() {
 }
 
 void FileInput::seek(qpdf_offset_t offset, int whence) {
-    const size_t origin = whence == SEEK_SET ? 0 : whence == SEEK_END ? m_content.size() : m_position;
-    const qpdf_offset_t position = static_cast<qpdf_offset_t>(origin) + offset;
-    if (position < 0)
-        throw std::runtime_error("a position before the file");
-    m_position = static_cast<size_t>(position);
+    const auto end = static_cast<qpdf_offset_t>(m_content.size());
+    const qpdf_offset_t origin = whence == SEEK_SET ? 0 : whence == SEEK_END ? end : tell();
+    const bool isInside = offset >= -origin && offset <= end - origin;
+    m_position = static_cast<size_t>(isInside ? origin + offset : end);
 }
 
 size_t FileInput::read(char* target, size_t length) {
-    const size_t start = std::min(m_position, m_content.size());
+    const size_t start = m_position;
     length = std::min(length, m_content.size() - start);
     last_offset = static_cast<qpdf_offset_t>(start);
     if (length == 0)

@@ -16,6 +16,8 @@ public:
     qpdf_offset_t findAndSkipNextEOL() override;
     const std::string& getName() const override { return m_name; }
     qpdf_offset_t tell() override { return static_cast<qpdf_offset_t>(m_position); }
+    /// The library adds up positions from lengths that a file states. One outside of the file counts as its
+    /// end, where nothing can be read.
     void seek(qpdf_offset_t offset, int whence) override;
     void rewind() override { m_position = 0; }
     size_t read(char* target, size_t length) override;
@@ -24,7 +26,7 @@ public:
 private:
     const FileContent& m_content;
     std::string m_name;
-    size_t m_position = 0;  ///< may lie behind the end
+    size_t m_position = 0;
 };
 
 }  // namespace vellmora

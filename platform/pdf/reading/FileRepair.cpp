@@ -1,15 +1,16 @@
 #include "platform/pdf/reading/FileRepair.h"
 
-#include "platform/pdf/reading/FileInput.h"
+#include "platform/pdf/reading/GivenUpObjects.h"
 #include "platform/pdf/reading/ObjectScan.h"
+#include "platform/pdf/reading/ObjectStream.h"
 #include "platform/pdf/reading/OpenFile.h"
+#include "platform/pdf/reading/TokenMending.h"
 #include "platform/pdf/writing/CrossReferences.h"
 
-#include <exception>
 #include <memory>
-#include <sstream>
+#include <stdexcept>
 
-#include <qpdf/Buffer.hh>
+#include <qpdf/BufferInputSource.hh>
 #include <qpdf/QPDFTokenizer.hh>
 
 namespace vellmora {
@@ -45,6 +46,7 @@ CatalogRank rankAsCatalog(QPDFObjectHandle object) {
     return object.isDictionaryOfType("/Catalog") ? CatalogRank::catalog : CatalogRank::hasPages;
 }
 
+constexpr qsizetype longestTrailer = 1 << 16;
 constexpr const char* emptyCatalog = "<< /Type /Catalog /Pages << /Type /Pages >> >>";
 
 /// The file while it is repaired: the damaged one's bytes with a sound beginning and end, and what was found
@@ -55,6 +57,7 @@ public:
         : m_bytes("%PDF-1.7\n" + damaged + "\nendstream\nendobj\n"),
           m_places(scanForObjects(viewOf(m_bytes))) {}
 
+    void mendObjects();
     void findTrailer();
     void findMembersOfObjectStreams();
     void findCatalog();
@@ -64,8 +67,9 @@ public:
     }
 
 private:
-    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file, const FileContent& content);
-    void addMembers(int container, size_t position, QPDFObjectHandle stream);
+    std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file);
+    QPDFObjectHandle trailerAt(QPDF& file, size_t position);
+    void addMembers(int container, size_t position, const QPDFObjectHandle& stream);
 
     QByteArray m_bytes;
     ObjectPlaces m_places;
@@ -74,15 +78,32 @@ private:
     QPDFObjGen m_statedRoot;
 };
 
-std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file, const FileContent& content) {
-    std::map<size_t, QPDFObjectHandle> trailers;
-    const auto input = std::make_shared<FileInput>(content);
+/// The objects that the library gives up are lost for the steps that follow.
+void Repair::mendObjects() {
+    const FileContent content(this->file());
+    QPDF file;
+    openFile(file, content);
+    applyMends(mendsOfGivenUpObjects(file, viewOf(m_bytes)), m_bytes.data());
+}
+
+/// Null where none can be parsed.
+QPDFObjectHandle Repair::trailerAt(QPDF& file, size_t position) {
+    QByteArray text = m_bytes.mid(static_cast<qsizetype>(position), longestTrailer);
+    applyMends(mendsOfObject(viewOf(text), 0), text.data());
+    const auto input = std::make_shared<BufferInputSource>("trailer", text.toStdString());
     QPDFTokenizer tokenizer;
-    for (const size_t position : scanForTrailers(viewOf(m_bytes))) {
-        input->seek(static_cast<qpdf_offset_t>(position), SEEK_SET);
-        bool isEmpty = false;
-        trailers[position] = QPDFObjectHandle::parse(input, "", tokenizer, isEmpty, nullptr, &file);
+    bool isEmpty = false;
+    try {
+        return QPDFObjectHandle::parse(input, "", tokenizer, isEmpty, nullptr, &file);
+    } catch (const std::runtime_error&) {
+        return QPDFObjectHandle::newNull();
     }
+}
+
+std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) {
+    std::map<size_t, QPDFObjectHandle> trailers;
+    for (const size_t position : scanForTrailers(viewOf(m_bytes)))
+        trailers[position] = trailerAt(file, position);
     for (const auto& [number, place] : m_places) {
         QPDFObjectHandle object = file.getObject(number, place.detail);
         if (object.isStreamOfType("/XRef"))
@@ -97,7 +118,7 @@ void Repair::findTrailer() {
     const FileContent content(this->file());
     QPDF file;
     openFile(file, content);
-    for (auto& [position, trailer] : trailersByPosition(file, content)) {
+    for (auto& [position, trailer] : trailersByPosition(file)) {
         if (!trailer.isDictionary())
             continue;
         QPDFObjectHandle root = trailer.getKey("/Root");
@@ -121,22 +142,14 @@ void Repair::findMembersOfObjectStreams() {
         addMembers(number, place.position, file.getObject(number, place.detail));
 }
 
-/// An object stream begins with the numbers and positions of its members.
-void Repair::addMembers(int container, size_t position, QPDFObjectHandle stream) {
-    try {
-        const auto data = stream.getStreamData(qpdf_dl_specialized);
-        std::istringstream members(
-            std::string(reinterpret_cast<const char*>(data->getBuffer()), data->getSize()));
-        QPDFObjectHandle count = stream.getDict().getKey("/N");
-        int number = 0;
-        int offset = 0;
-        for (int i = 0; count.isInteger() && i < count.getIntValueAsInt() && members >> number >> offset;
-             ++i) {
-            const auto known = m_places.find(number);
-            if (isObjectNumber(number) && (known == m_places.end() || known->second.position <= position))
-                m_places[number] = {position, container, i};
-        }
-    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): what cannot be decoded has no members
+void Repair::addMembers(int container, size_t position, const QPDFObjectHandle& stream) {
+    int index = 0;
+    const ObjectStream members(stream);
+    for (const int number : members.numbers()) {
+        const auto known = m_places.find(number);
+        if (isObjectNumber(number) && (known == m_places.end() || known->second.position <= position))
+            m_places[number] = {position, container, index};
+        ++index;
     }
 }
 
@@ -167,6 +180,7 @@ void Repair::findCatalog() {
 
 QByteArray repairedFile(const QByteArray& damaged) {
     Repair repair(damaged);
+    repair.mendObjects();
     repair.findTrailer();
     repair.findMembersOfObjectStreams();
     repair.findCatalog();

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::string_view space{" \t\r\n\f\0", 6};
 constexpr std::string_view delimiters = "()<>[]{}/%";
+constexpr size_t longestHeader = 40;
 
 bool isOneOf(std::string_view characters, char character) {
     return characters.find(character) != std::string_view::npos;
@@ -38,7 +39,6 @@ struct ObjectHeader {
 
 /// The header whose keyword "obj" stands at `keyword`.
 std::optional<ObjectHeader> headerAt(std::string_view file, size_t keyword) {
-    constexpr size_t longestHeader = 40;
     const size_t end = keyword + 3;
     if (end < file.size() && !isOneOf(space, file[end]) && !isOneOf(delimiters, file[end]))
         return std::nullopt;
@@ -95,6 +95,17 @@ ObjectPlaces scanForObjects(std::string_view file) {
             places[header->number] = {header->position, 0, header->generation};
         position += keyword.size();
     }
+}
+
+std::optional<size_t> valuePosition(std::string_view file, size_t position, int number) {
+    if (position >= file.size())
+        return std::nullopt;
+    const size_t keyword = file.substr(position, longestHeader).find("obj");
+    if (keyword == std::string_view::npos)
+        return std::nullopt;
+    const auto header = headerAt(file, position + keyword);
+    const bool isMeant = header && header->number == number && header->position >= position;
+    return isMeant ? std::optional(position + keyword + 3) : std::nullopt;
 }
 
 std::vector<size_t> scanForTrailers(std::string_view file) {

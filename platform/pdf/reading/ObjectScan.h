@@ -3,6 +3,7 @@
 #include "platform/pdf/ObjectPlaces.h"
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -11,6 +12,9 @@ namespace vellmora {
 /// All that stands in the file as "number generation obj", without help from a cross-reference table. What
 /// looks like it inside of a stream does not count. Of several objects with one number the last one is valid.
 ObjectPlaces scanForObjects(std::string_view file);
+
+/// The position of an object's value where the object with this number stands at `position`, else nothing.
+std::optional<size_t> valuePosition(std::string_view file, size_t position, int number);
 
 /// Positions behind each keyword "trailer".
 std::vector<size_t> scanForTrailers(std::string_view file);

@@ -6,15 +6,50 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
+#include <string>
 #include <utility>
 
 namespace vellmora {
 
 PDFSource::PDFSource(std::shared_ptr<const FileContent> content, Damage damage)
-    : m_content(std::move(content)) {
+    : m_content(std::move(content)), m_reading(damage) {
     openFile(m_qpdf, *m_content, damage);
     m_catalog = m_qpdf.getRoot();
     m_pages = collectPages(m_qpdf);
+    if (bringBackObjects())
+        m_pages = collectPages(m_qpdf);
+}
+
+/// Many sound files have a table that is slightly wrong, which costs no object.
+static bool isOfTable(const std::string& warning) {
+    const auto contains = [&warning](const char* words) { return warning.find(words) != std::string::npos; };
+    return contains("xref") || contains("reported number of objects");
+}
+
+bool PDFSource::hasMetDamage() const {
+    bool hasMet = false;
+    for (const QPDFExc& warning : m_qpdf.getWarnings()) {
+        if (warning.getMessageDetail().find(std::bad_alloc().what()) != std::string::npos)
+            throw std::bad_alloc();
+        hasMet |= warning.getErrorCode() == qpdf_e_damaged_pdf && !isOfTable(warning.getMessageDetail());
+    }
+    return hasMet;
+}
+
+bool PDFSource::bringBackObjects() const {
+    if (!hasMetDamage() || m_allAreRead)
+        return false;
+    m_allAreRead = true;
+    try {
+        m_givenUp = GivenUpObjects::bringBack(m_qpdf, *m_content, m_reading);
+        hasMetDamage();
+        return m_givenUp != nullptr;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 std::unique_ptr<PDFSource> PDFSource::read(const std::shared_ptr<const FileContent>& content, Damage damage) {
@@ -29,7 +64,56 @@ qsizetype PDFSource::readablePageCount() const {
     return std::count_if(m_pages.begin(), m_pages.end(), [](const SourcePage& page) { return !page.isLost; });
 }
 
+/// That of the attachments: a document whose pages need one is not read.
+static bool wantsPassword(const FileContent& content) {
+    try {
+        QPDF file;
+        openFile(file, content);
+    } catch (const QPDFExc& error) {
+        return error.getErrorCode() == qpdf_e_password;
+    }
+    return false;
+}
+
+/// Whether nothing follows the last whole object, where the position of the table should.
+static bool isCutOff(std::string_view file) {
+    const size_t lastObject = file.rfind("endobj");
+    return file.find("startxref", lastObject == std::string_view::npos ? 0 : lastObject) ==
+           std::string_view::npos;
+}
+
+static bool hasLostContent(QPDFObjectHandle page) {
+    return page.hasKey("/Contents") && page.getKey("/Contents").isNull();
+}
+
+void PDFSource::findDamage(const FileContent& opened, bool isRepaired) {
+    m_damage.isRepaired = isRepaired;
+    m_damage.isCutOff = isRepaired && isCutOff(opened.all());
+    for (size_t i = 0; i < m_pages.size(); ++i) {
+        if (m_pages[i].isLost || (isRepaired && hasLostContent(m_pages[i].dictionary)))
+            m_damage.lostPages.append(static_cast<qsizetype>(i));
+    }
+    QPDFObjectHandle count = m_catalog.getKey("/Pages").getKey("/Count");
+    const qsizetype stated = count.isInteger() ? count.getIntValue() : 0;
+    if (stated > pageCount() && stated <= static_cast<qsizetype>(m_qpdf.getXRefTable().size()))
+        m_damage.uncountedPages = stated - pageCount();
+}
+
 std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileContent>& content) {
+    bool isRepaired = false;
+    try {
+        std::unique_ptr<PDFSource> source = choose(content, isRepaired);
+        if (source)
+            source->findDamage(*content, isRepaired);
+        return source;
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+/// The source as it is where all its pages are there, else the repaired one where that has more.
+std::unique_ptr<PDFSource> PDFSource::choose(const std::shared_ptr<const FileContent>& content,
+                                             bool& isRepaired) {
     auto source = read(content, Damage::refuse);
     if (source && source->isComplete())
         return source;
@@ -38,10 +122,13 @@ std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileConte
         const auto damaged = QByteArray::fromRawData(all.data(), static_cast<qsizetype>(all.size()));
         const auto repairedContent = std::make_shared<const FileContent>(repairedFile(damaged));
         auto repaired = read(repairedContent, Damage::refuse);
-        if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0))
+        if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0)) {
+            isRepaired = !wantsPassword(*content);
             return repaired;
+        }
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
+    isRepaired = !source;
     return source ? std::move(source) : read(content, Damage::recover);
 }
 

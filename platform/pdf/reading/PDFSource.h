@@ -4,6 +4,7 @@
 #include "platform/pdf/DocumentDamage.h"
 #include "platform/pdf/PageOrientation.h"
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/reading/GivenUpObjects.h"
 #include "platform/pdf/reading/OpenFile.h"
 
 #include <memory>
@@ -38,18 +39,32 @@ public:
     const FileContent& content() const { return *m_content; }
     bool isEncrypted() const { return m_qpdf.isEncrypted(); }
     const DocumentDamage& damage() const { return m_damage; }
+
+    /// Brings back the objects that the library has given up since the document was opened; they are null
+    /// without that, also those that were read before. True where there are any: what was drawn with them is
+    /// to be drawn again. To be called under the lock. Throws `std::bad_alloc` where the library has given up
+    /// anything for want of memory, which it takes for damage.
+    bool bringBackObjects() const;
     QPDFObjectHandle catalog() const { return m_catalog; }
 
 private:
     PDFSource(std::shared_ptr<const FileContent> content, Damage damage);
+    static std::unique_ptr<PDFSource> choose(const std::shared_ptr<const FileContent>& content,
+                                             bool& isRepaired);
+    void findDamage(const FileContent& opened, bool isRepaired);
     /// Pages that can be shown.
     qsizetype readablePageCount() const;
     bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
     static std::unique_ptr<PDFSource> read(const std::shared_ptr<const FileContent>& content, Damage damage);
+    /// Whether the library has met damage since it was asked last.
+    bool hasMetDamage() const;
 
     mutable std::recursive_mutex m_mutex;
     std::shared_ptr<const FileContent> m_content;
-    QPDF m_qpdf;
+    Damage m_reading;
+    mutable std::unique_ptr<GivenUpObjects> m_givenUp;
+    mutable bool m_allAreRead = false;  ///< all objects of the file: no more can be given up
+    mutable QPDF m_qpdf;
     QPDFObjectHandle m_catalog;
     std::vector<SourcePage> m_pages;
     DocumentDamage m_damage;

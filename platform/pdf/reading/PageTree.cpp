@@ -1,6 +1,7 @@
 #include "platform/pdf/reading/PageTree.h"
 
 #include "platform/pdf/PDFValues.h"
+#include "platform/pdf/drawing/ContentText.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +23,7 @@ std::optional<Rect> boxFromArray(QPDFObjectHandle array) {
         const std::optional<double> edge = numberOf(array.getArrayItem(static_cast<int>(i)));
         if (!edge)
             return std::nullopt;
-        edges[i] = *edge;
+        edges[i] = std::clamp(*edge, -greatestNumber, greatestNumber);
     }
     const Rect box = rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
     return box.isEmpty() ? std::nullopt : std::optional(box);
@@ -72,7 +73,7 @@ SourcePage makePage(const QPDFObjectHandle& dictionary, const InheritedAttribute
 /// Goes through a page tree without recursion: a hostile one is deep.
 class TreeWalk {
 public:
-    explicit TreeWalk(const QPDFObjectHandle& root) { m_steps.push_back({root, {}, false}); }
+    explicit TreeWalk(const QPDFObjectHandle& root) { m_steps.push_back({root, {}, false, false}); }
 
     std::vector<SourcePage> pages() {
         while (!m_steps.empty()) {
@@ -81,7 +82,7 @@ public:
             if (step.leaves)
                 m_open.erase(step.node.getObjGen());
             else
-                enter(step.node, step.inherited);
+                enter(step);
         }
         return std::move(m_pages);
     }
@@ -90,22 +91,25 @@ private:
     struct Step {
         QPDFObjectHandle node;
         InheritedAttributes inherited;
+        bool isRepeat;  ///< the walk has been inside of a node above before
         bool leaves;
     };
 
-    /// Nodes may stand in the tree more than once, but a small file must not grow to millions of pages.
+    /// Nodes may stand in the tree more than once, but a small file must not grow to millions of pages. This
+    /// is how many kids are looked at again.
     static constexpr int maxRepeats = 10000;
 
-    void enter(QPDFObjectHandle node, const InheritedAttributes& inherited) {
+    void enter(const Step& step) {
+        QPDFObjectHandle node = step.node;
         if (!node.isDictionary()) {
             if (node.isIndirect())
-                addLostPage(inherited);
+                addLostPage(step.inherited);
             return;
         }
-        const InheritedAttributes attributes = inherited.overriddenBy(node);
+        const InheritedAttributes attributes = step.inherited.overriddenBy(node);
         QPDFObjectHandle kids = node.getKey("/Kids");
         if (kids.isArray())
-            enterKids(node, kids, attributes);
+            enterKids(node, kids, attributes, step.isRepeat);
         else if (!node.isDictionaryOfType("/Pages"))
             m_pages.push_back(makePage(node, attributes));
     }
@@ -115,23 +119,28 @@ private:
         m_pages.back().isLost = true;
     }
 
-    void enterKids(const QPDFObjectHandle& node, QPDFObjectHandle kids,
-                   const InheritedAttributes& attributes) {
-        if (node.isIndirect()) {
-            const QPDFObjGen id = node.getObjGen();
-            const bool isRepeated = !m_visited.insert(id).second;
-            if (!m_open.insert(id).second || (isRepeated && ++m_repeats > maxRepeats))
+    /// A loop leads through a node or an array of kids that is an object of its own.
+    void enterKids(const QPDFObjectHandle& node, QPDFObjectHandle kids, const InheritedAttributes& attributes,
+                   bool isRepeat) {
+        for (const QPDFObjectHandle& part : {node, kids}) {
+            if (!part.isIndirect())
+                continue;
+            if (!m_open.insert(part.getObjGen()).second)
                 return;
-            m_steps.push_back({node, {}, true});
+            m_steps.push_back({part, {}, false, true});
+            isRepeat |= !m_visited.insert(part.getObjGen()).second;
         }
-        for (int i = kids.getArrayNItems() - 1; i >= 0; --i)
-            m_steps.push_back({kids.getArrayItem(i), attributes, false});
+        const int count = kids.getArrayNItems();
+        if (isRepeat && (m_repeats += static_cast<size_t>(count) + 1) > maxRepeats)
+            return;
+        for (int i = count - 1; i >= 0; --i)
+            m_steps.push_back({kids.getArrayItem(i), attributes, isRepeat, false});
     }
 
     std::vector<Step> m_steps;
     std::set<QPDFObjGen> m_visited;
-    std::set<QPDFObjGen> m_open;  ///< nodes that the walk is inside of
-    int m_repeats = 0;
+    std::set<QPDFObjGen> m_open;  ///< nodes and arrays of kids that the walk is inside of
+    size_t m_repeats = 0;
     std::vector<SourcePage> m_pages;
 };
 

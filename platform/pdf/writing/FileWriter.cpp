@@ -73,7 +73,7 @@ void FileWriter::writeStream(int number, Handle stream) {
     }
     std::string data;
     Pl_String receiver("stream", nullptr, data);
-    stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_none, true);
+    stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_none);
     if (isCompressed) {
         data = deflated(data);
         entries["/Filter"] = Handle::newName("/FlateDecode");

@@ -18,6 +18,12 @@ QPDFObjectHandle ObjectCopier::copy(const QPDFObjectHandle& object) {
     return result;
 }
 
+void ObjectCopier::forgetStep() {
+    for (const Source& source : m_copiedInStep)
+        m_copies.erase(source);
+    m_copiedInStep.clear();
+}
+
 /// Room for the keyword and the white space before it.
 constexpr size_t longestEnd = 32;
 
@@ -60,8 +66,10 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
         return QPDFObjectHandle::newNull();
     if (object.isIndirect()) {
         const auto [known, isNew] = m_copies.try_emplace({object.getOwningQPDF(), object.getObjGen()});
-        if (isNew)
+        if (isNew) {
+            m_copiedInStep.push_back(known->first);
             known->second = makeCounterpart(object);
+        }
         return known->second;
     }
     if (!object.isDictionary() && !object.isArray())

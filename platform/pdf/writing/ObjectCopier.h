@@ -27,6 +27,11 @@ public:
     /// encrypted files.
     void addFile(const QPDF* source, const FileContent& file) { m_files[source] = &file; }
 
+    /// From now on: objects that are met the first time from then on can be forgotten.
+    void beginStep() { m_copiedInStep.clear(); }
+    /// Copies anew what was copied in the step: the source has changed.
+    void forgetStep();
+
     QPDF& output() { return m_output; }
     const StoredStreams& storedStreams() const { return m_storedStreams; }
     /// All streams that got the bytes of one of a source.
@@ -46,6 +51,7 @@ private:
     StoredStreams m_storedStreams;
     std::vector<QPDFObjectHandle> m_carriedStreams;
     std::map<Source, QPDFObjectHandle> m_copies;
+    std::vector<Source> m_copiedInStep;
     /// Counterparts that are empty so far, each with its source.
     std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> m_pending;
 };
