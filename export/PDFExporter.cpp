@@ -2,9 +2,8 @@
 
 #include "export/PDFExportError.h"
 #include "platform/files/ReplacementDirectory.h"
+#include "platform/pdf/DamageText.h"
 #include "platform/pdf/PDFContext.h"
-
-#include <new>
 
 #include <QCryptographicHash>
 #include <QHash>
@@ -43,7 +42,6 @@ private:
 };
 
 void drawPages(PDFContext& context, const PDFDocument& document, const StampsByPage& stampsByPage) {
-    document.readAhead();
     PicturePool pictures(context);
     for (qsizetype index = 0; index < document.pageCount(); ++index) {
         const std::optional<PDFPage> page = document.page(index);
@@ -59,35 +57,96 @@ void drawPages(PDFContext& context, const PDFDocument& document, const StampsByP
     }
 }
 
-void saveToFile(const PDFDocument& document, const StampsByPage& stampsByPage, const QString& path) {
-    const auto consumer = FileConsumer::create(path);
-    if (!consumer)
-        throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
-    const auto context = PDFContext::create(*consumer);
-    if (!context)
-        throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
+/// The file that is written. It gets its name only where the document is known to be of one piece.
+class DocumentFile : public PDFDataConsumer {
+public:
+    DocumentFile(const QString& path, const PDFDocument& document, FileVersions& versions)
+        : m_file(path), m_document(document), m_versions(versions) {}
+
+    void write(const char* bytes, qint64 count) override {
+        m_digest.add({bytes, static_cast<size_t>(count)});
+        m_file.write(bytes, count);
+    }
+    void finish() override {
+        m_document.content()->requireWhole();
+        m_versions.expect(m_digest);
+        m_file.finish();
+    }
+
+private:
+    FileConsumer m_file;
+    ContentDigest m_digest;
+    const PDFDocument& m_document;
+    FileVersions& m_versions;
+};
+
+/// Answers what the file lacks.
+QString saveToFile(const PDFDocument& document, const StampsByPage& stampsByPage, const QString& path,
+                   FileVersions& versions) {
+    using Case = PDFExportError::Case;
     try {
+        DocumentFile file(path, document, versions);
+        const auto context = PDFContext::create(file);
+        if (!context)
+            throw PDFExportError(Case::couldNotCreateContext);
         drawPages(*context, document, stampsByPage);
         context->close();
-    } catch (const Error&) {
-        throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
-    } catch (const std::bad_alloc&) {  // a picture of half a gigabyte is more than some machines can give
-        throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
+        return missingText(document.damage(), context->incompletePages());
+    } catch (const PDFExportError&) {
+        throw;
+    } catch (const Error& error) {
+        throw PDFExportError(Case::couldNotCreateConsumer, error.reason());
+    } catch (...) {  // a picture of half a gigabyte is more than some machines can give
+        throw PDFExportError(Case::couldNotCreateContext, Error::current().reason());
     }
+}
+
+/// Throws `Error` where replacing what is there would take something away.
+void requireNothingLost(FileVersions::Held original, const PDFDocument& document, const QString& missing) {
+    using Held = FileVersions::Held;
+    const auto refuse = [](const QString& reason) {
+        throw Error(Error::vellmoraDomain, 2, reason + QStringLiteral(" Bitte „Speichern unter…“ wählen."));
+    };
+    if (original == Held::foreign)
+        refuse(QStringLiteral("Die Datei wurde inzwischen anderswo geändert."));
+    if (original != Held::opened)
+        return;
+    if (document.pageCount() == 0)
+        refuse(QStringLiteral("Die neue Datei hätte keine Seiten."));
+    if (!missing.isEmpty())
+        refuse(QStringLiteral("Die neue Datei wäre unvollständig: %1.").arg(missing));
 }
 
 }  // namespace
 
-void PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to) {
-    saveToFile(document, stampsByPage, to.toLocalFile());
+QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to,
+                          FileVersions& versions) {
+    const QString missing = saveToFile(document, stampsByPage, to.toLocalFile(), versions);
+    versions.confirm();
+    return missing;
 }
 
-void PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
-                                  const QUrl& originalURL) {
-    ReplacementDirectory directory(originalURL.toLocalFile());
+QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to) {
+    FileVersions versions;
+    return save(document, stampsByPage, to, versions);
+}
+
+QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
+                                     const QUrl& originalURL, FileVersions& versions) {
+    const QString original = originalURL.toLocalFile();
+    ReplacementDirectory directory(original);
     const QString temporary = directory.path() + QLatin1Char('/') + originalURL.fileName();
-    saveToFile(document, stampsByPage, temporary);
+    const QString missing = saveToFile(document, stampsByPage, temporary, versions);
+    requireNothingLost(versions.heldBy(original), document, missing);
     directory.replaceOriginal(temporary);
+    versions.confirm();
+    return missing;
+}
+
+QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
+                                     const QUrl& originalURL) {
+    FileVersions versions(document.content());
+    return replaceOriginal(document, stampsByPage, originalURL, versions);
 }
 
 }  // namespace vellmora
