@@ -26,6 +26,10 @@ QString ContentView::pageDisplayText() const {
     return QStringLiteral("%1 / %2").arg(currentPageIndex.value() + 1).arg(document->pageCount());
 }
 
+QString ContentView::withRemark(const QString& message, const QString& remark) {
+    return remark.isEmpty() ? message : message + QStringLiteral(" – ") + remark;
+}
+
 qsizetype ContentView::totalStampCount() const {
     qsizetype count = 0;
     for (const QList<StampItem>& stamps : stampsByPage.value())

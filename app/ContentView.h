@@ -3,6 +3,7 @@
 #include "library/StampItem.h"
 #include "library/StampLibrary.h"
 #include "platform/drop/ItemProvider.h"
+#include "platform/files/FileVersions.h"
 #include "platform/panels/FilePanels.h"
 #include "platform/pdf/PDFDocument.h"
 
@@ -77,15 +78,19 @@ private:
     /// Emits `willWork` and `didWork` around its life.
     class WorkScope;
 
+    /// A message and, where there is something to add, that.
+    static QString withRemark(const QString& message, const QString& remark);
     void finishDrop(const std::optional<QByteArray>& data, const std::optional<ItemLoadError>& error);
     void addStampToCurrentPage(const Image& image, const QUuid& presetID);
     QByteArray sharedWithPlacedStamps(const QByteArray& imageData) const;
     void performSave(SaveMode mode);
     void saveOverOriginalPDF();
     void saveAsNewPDF();
+    void saveAsNewPDF(const PDFDocument& document, const QUrl& url);
 
     std::unique_ptr<StampLibrary> m_stampLibrary;
     FilePanels& m_panels;
+    FileVersions m_versions;  ///< of the document's file
 };
 
 }  // namespace vellmora

@@ -1,6 +1,8 @@
 #include "app/ContentView.h"
 #include "app/WorkScope.h"
+#include "platform/error/Error.h"
 #include "platform/files/SecurityScopedAccess.h"
+#include "platform/pdf/DamageText.h"
 
 #include <algorithm>
 
@@ -8,10 +10,19 @@
 
 namespace vellmora {
 
+/// Of the exception that is being handled.
+static QString notLoaded() {
+    return QStringLiteral("PDF konnte nicht geladen werden. ") + Error::current().reason();
+}
+
 void ContentView::openPDF() {
-    const auto url = m_panels.runModal(OpenPanel{QStringLiteral("PDF auswählen"), ContentType::pdf});
-    if (url)
-        loadPDF(*url);
+    try {
+        const auto url = m_panels.runModal(OpenPanel{QStringLiteral("PDF auswählen"), ContentType::pdf});
+        if (url)
+            loadPDF(*url);
+    } catch (...) {
+        statusText = notLoaded();
+    }
 }
 
 bool ContentView::handlePDFDrop(const ItemProviders& providers) {
@@ -46,17 +57,19 @@ void ContentView::finishDrop(const std::optional<QByteArray>& data,
 void ContentView::loadPDF(const QUrl& url) {
     const SecurityScopedAccess access(url);
     WorkScope work(*this);
-    const auto document = work.await([&] { return PDFDocument::open(url); });
-    if (!document) {
-        statusText = QStringLiteral("PDF konnte nicht geladen werden.");
-        return;
+    try {
+        const auto document = work.await([&] { return PDFDocument::open(url); });
+        m_versions = FileVersions(document->content());
+        pdfDocument = document;
+        pdfSourceURL = url;
+        currentPageIndex = 0;
+        stampsByPage = StampsByPage();
+        selectedStampID = std::nullopt;
+        statusText =
+            withRemark(QStringLiteral("PDF geladen: ") + url.fileName(), damageText(document->damage()));
+    } catch (...) {
+        statusText = notLoaded();
     }
-    pdfDocument = document;
-    pdfSourceURL = url;
-    currentPageIndex = 0;
-    stampsByPage = StampsByPage();
-    selectedStampID = std::nullopt;
-    statusText = QStringLiteral("PDF geladen: ") + url.fileName();
 }
 
 }  // namespace vellmora

@@ -30,33 +30,48 @@ void ContentView::saveOverOriginalPDF() {
     const SecurityScopedAccess access(*url);
     WorkScope work(*this);
     try {
-        work.await(
-            [&, stamps = stampsByPage.value()] { PDFExporter::replaceOriginal(*document, stamps, *url); });
+        const QString missing = work.await([&, stamps = stampsByPage.value()] {
+            return PDFExporter::replaceOriginal(*document, stamps, *url, m_versions);
+        });
         pdfSourceURL = url;
-        statusText = QStringLiteral("Original überschrieben: ") + url->fileName();
-    } catch (const Error& error) {
-        statusText = QStringLiteral("Fehler beim Überschreiben: ") + error.localizedDescription();
+        statusText = withRemark(QStringLiteral("Original überschrieben: ") + url->fileName(), missing);
+    } catch (...) {
+        statusText = QStringLiteral("Fehler beim Überschreiben: ") + Error::current().localizedDescription();
     }
+}
+
+/// Of the exception that is being handled.
+static QString notSavedAs() {
+    return QStringLiteral("Fehler beim Speichern unter: ") + Error::current().localizedDescription();
 }
 
 void ContentView::saveAsNewPDF() {
     const auto document = pdfDocument.value();
     if (!document)
         return;
-    const auto url = m_panels.runModal(SavePanel{QStringLiteral("PDF speichern unter"), ContentType::pdf,
-                                                 defaultSaveAsFilename(), pdfSourceURL});
-    if (!url) {
-        statusText = QStringLiteral("Speichern unter abgebrochen.");
-        return;
+    try {
+        const auto url = m_panels.runModal(SavePanel{QStringLiteral("PDF speichern unter"), ContentType::pdf,
+                                                     defaultSaveAsFilename(), pdfSourceURL});
+        if (url)
+            saveAsNewPDF(*document, *url);
+        else
+            statusText = QStringLiteral("Speichern unter abgebrochen.");
+    } catch (...) {
+        statusText = notSavedAs();
     }
-    const SecurityScopedAccess access(*url);
+}
+
+void ContentView::saveAsNewPDF(const PDFDocument& document, const QUrl& url) {
+    const SecurityScopedAccess access(url);
     WorkScope work(*this);
     try {
-        work.await([&, stamps = stampsByPage.value()] { PDFExporter::save(*document, stamps, *url); });
+        const QString missing = work.await([&, stamps = stampsByPage.value()] {
+            return PDFExporter::save(document, stamps, url, m_versions);
+        });
         pdfSourceURL = url;
-        statusText = QStringLiteral("PDF gespeichert: ") + url->fileName();
-    } catch (const Error& error) {
-        statusText = QStringLiteral("Fehler beim Speichern unter: ") + error.localizedDescription();
+        statusText = withRemark(QStringLiteral("PDF gespeichert: ") + url.fileName(), missing);
+    } catch (...) {
+        statusText = notSavedAs();
     }
 }
 

@@ -9,31 +9,31 @@ static Error insertFailure() {
 }
 
 void ContentView::importStampToLibrary() {
-    const auto url = m_stampLibrary->openImportPanel();
-    if (!url)
-        return;
     try {
+        const auto url = m_stampLibrary->openImportPanel();
+        if (!url)
+            return;
         const StampPreset preset = m_stampLibrary->importPreset(*url);
         statusText = QStringLiteral("Stempel importiert: ") + preset.displayName;
-    } catch (const Error& error) {
-        statusText =
-            QStringLiteral("Stempel konnte nicht importiert werden: ") + error.localizedDescription();
+    } catch (...) {
+        statusText = QStringLiteral("Stempel konnte nicht importiert werden: ") +
+                     Error::current().localizedDescription();
     }
 }
 
 void ContentView::addStampToCurrentPage(const std::optional<StampPreset>& preset) {
-    const auto image = preset ? m_stampLibrary->image(*preset) : std::nullopt;
-    if (!image) {
-        statusText = QStringLiteral("Kein aktiver Stempel gewählt.");
-        return;
-    }
     try {
+        const auto image = preset ? m_stampLibrary->image(*preset) : std::nullopt;
+        if (!image) {
+            statusText = QStringLiteral("Kein aktiver Stempel gewählt.");
+            return;
+        }
         addStampToCurrentPage(*image, preset->id);
         m_stampLibrary->recordUse(preset->id);
         statusText = QStringLiteral("Stempel auf Seite ") + QString::number(currentPageIndex.value() + 1) +
                      QStringLiteral(" eingefügt: ") + preset->displayName;
-    } catch (const Error& error) {
-        statusText = error.localizedDescription();
+    } catch (...) {
+        statusText = Error::current().localizedDescription();
     }
 }
 
@@ -93,8 +93,9 @@ void ContentView::removePreset(const QUuid& id) {
     try {
         m_stampLibrary->removePreset(id);
         statusText = QStringLiteral("Stempel aus Bibliothek entfernt.");
-    } catch (const Error& error) {
-        statusText = QStringLiteral("Stempel konnte nicht entfernt werden: ") + error.localizedDescription();
+    } catch (...) {
+        statusText = QStringLiteral("Stempel konnte nicht entfernt werden: ") +
+                     Error::current().localizedDescription();
     }
 }
 

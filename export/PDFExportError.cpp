@@ -2,8 +2,10 @@
 
 namespace vellmora {
 
-PDFExportError::PDFExportError(Case which)
-    : Error(vellmoraDomain, static_cast<int>(which), errorDescription(which)), m_case(which) {}
+PDFExportError::PDFExportError(Case which, const QString& reason)
+    : Error(vellmoraDomain, static_cast<int>(which),
+            reason.isEmpty() ? errorDescription(which) : errorDescription(which) + QLatin1Char(' ') + reason),
+      m_case(which) {}
 
 QString PDFExportError::errorDescription(Case which) {
     switch (which) {

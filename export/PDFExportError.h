@@ -9,11 +9,13 @@ class PDFExportError : public Error {
 public:
     enum class Case { couldNotCreateConsumer, couldNotCreateContext };
 
-    explicit PDFExportError(Case which);
+    /// `reason`: a sentence that follows the case's own, where more is known.
+    explicit PDFExportError(Case which, const QString& reason = {});
 
     Case which() const { return m_case; }
     bool operator==(const PDFExportError& other) const { return m_case == other.m_case; }
 
+    /// The text of the case alone.
     static QString errorDescription(Case which);
 
 private:

@@ -1,9 +1,8 @@
 #include "export/PDFExporter.h"
 
 #include "export/PDFExportError.h"
+#include "platform/pdf/DamageText.h"
 #include "platform/pdf/PDFContext.h"
-
-#include <new>
 
 #include <QCryptographicHash>
 #include <QHash>
@@ -42,7 +41,6 @@ private:
 };
 
 void drawPages(PDFContext& context, const PDFDocument& document, const StampsByPage& stampsByPage) {
-    document.readAhead();
     PicturePool pictures(context);
     for (qsizetype index = 0; index < document.pageCount(); ++index) {
         const std::optional<PDFPage> page = document.page(index);
@@ -58,34 +56,106 @@ void drawPages(PDFContext& context, const PDFDocument& document, const StampsByP
     }
 }
 
-void writeTo(PDFDataConsumer& consumer, const PDFDocument& document, const StampsByPage& stampsByPage) {
+/// Takes a digest of what it hands on to the file. The file is finished only where the document is known to
+/// be of one piece.
+class WatchedConsumer : public PDFDataConsumer {
+public:
+    WatchedConsumer(PDFDataConsumer& file, const PDFDocument& document, FileVersions& versions)
+        : m_file(file), m_document(document), m_versions(versions) {}
+
+    void write(const char* bytes, qint64 count) override {
+        m_digest.add({bytes, static_cast<size_t>(count)});
+        m_file.write(bytes, count);
+    }
+    void finish() override {
+        m_document.content()->requireWhole();
+        m_versions.expect(m_digest);
+        m_file.finish();
+    }
+
+private:
+    PDFDataConsumer& m_file;
+    ContentDigest m_digest;
+    const PDFDocument& m_document;
+    FileVersions& m_versions;
+};
+
+/// Answers what the file lacks.
+QString writeTo(PDFDataConsumer& file, const PDFDocument& document, const StampsByPage& stampsByPage,
+                FileVersions& versions) {
+    WatchedConsumer consumer(file, document, versions);
     const auto context = PDFContext::create(consumer);
     if (!context)
         throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
+    drawPages(*context, document, stampsByPage);
+    context->close();
+    return missingText(document.damage(), context->incompletePages());
+}
+
+/// Runs the writing of a document. Whatever it throws becomes one of the exporter's own errors, with its
+/// reason.
+template <typename Writing>
+QString exported(Writing writing) {
+    using Case = PDFExportError::Case;
     try {
-        drawPages(*context, document, stampsByPage);
-        context->close();
-    } catch (const Error&) {
-        throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
-    } catch (const std::bad_alloc&) {  // a picture of half a gigabyte is more than some machines can give
-        throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
+        return writing();
+    } catch (const PDFExportError&) {
+        throw;
+    } catch (const Error& error) {
+        throw PDFExportError(Case::couldNotCreateConsumer, error.reason());
+    } catch (...) {  // a picture of half a gigabyte is more than some machines can give
+        throw PDFExportError(Case::couldNotCreateContext, Error::current().reason());
     }
+}
+
+/// Throws `Error` where replacing what is there would take something away.
+void requireNothingLost(FileVersions::Held original, const PDFDocument& document, const QString& missing) {
+    using Held = FileVersions::Held;
+    const auto refuse = [](const QString& reason) {
+        throw Error(Error::vellmoraDomain, 2, reason + QStringLiteral(" Bitte „Speichern unter…“ wählen."));
+    };
+    if (original == Held::foreign)
+        refuse(QStringLiteral("Die Datei wurde inzwischen anderswo geändert."));
+    if (original != Held::opened)
+        return;
+    if (document.pageCount() == 0)
+        refuse(QStringLiteral("Die neue Datei hätte keine Seiten."));
+    if (!missing.isEmpty())
+        refuse(QStringLiteral("Die neue Datei wäre unvollständig: %1.").arg(missing));
 }
 
 }  // namespace
 
-void PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to) {
-    const auto consumer = FileConsumer::create(to.toLocalFile());
-    if (!consumer)
-        throw PDFExportError(PDFExportError::Case::couldNotCreateConsumer);
-    writeTo(*consumer, document, stampsByPage);
+QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to,
+                          FileVersions& versions) {
+    const QString missing = exported([&] {
+        FileConsumer file(to.toLocalFile());
+        return writeTo(file, document, stampsByPage, versions);
+    });
+    versions.confirm();
+    return missing;
 }
 
-void PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
-                                  const QUrl& originalURL) {
-    ReplacementConsumer replacement(originalURL.toLocalFile());
-    writeTo(replacement, document, stampsByPage);
+QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to) {
+    FileVersions versions;
+    return save(document, stampsByPage, to, versions);
+}
+
+QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
+                                     const QUrl& originalURL, FileVersions& versions) {
+    const QString original = originalURL.toLocalFile();
+    ReplacementConsumer replacement(original);
+    const QString missing = exported([&] { return writeTo(replacement, document, stampsByPage, versions); });
+    requireNothingLost(versions.heldBy(original), document, missing);
     replacement.replaceOriginal();
+    versions.confirm();
+    return missing;
+}
+
+QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
+                                     const QUrl& originalURL) {
+    FileVersions versions(document.content());
+    return replaceOriginal(document, stampsByPage, originalURL, versions);
 }
 
 }  // namespace vellmora

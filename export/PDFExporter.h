@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/StampItem.h"
+#include "platform/files/FileVersions.h"
 #include "platform/pdf/PDFDocument.h"
 
 #include <QUrl>
@@ -16,13 +17,25 @@ class PDFExporter {
 public:
     PDFExporter() = delete;
 
-    /// Throws `PDFExportError`; the target is as it was then.
-    static void save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to);
+    /// Answers what the new file lacks of the document, as `missingText` does. `versions` learns what was
+    /// written. Throws `PDFExportError`; the target is as it was then.
+    static QString save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to,
+                        FileVersions& versions);
+    /// The same for who saves once.
+    static QString save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to);
 
     /// Writes beside the original and then puts the new file in its place in one step. Throws
     /// `PDFExportError` or the platform's file error; the original is untouched then.
-    static void replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
-                                const QUrl& originalURL);
+    ///
+    /// An original that holds none of `versions` is somebody else's and is refused; one that is gone is
+    /// written anew. What is there is compared last of all: who changes it in the moment between that and the
+    /// step loses the change. The file that was opened is not replaced by one that lacks some of it, but one
+    /// that was written from the same document may be.
+    static QString replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
+                                   const QUrl& originalURL, FileVersions& versions);
+    /// The same for who saves once, over what was opened.
+    static QString replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
+                                   const QUrl& originalURL);
 };
 
 }  // namespace vellmora

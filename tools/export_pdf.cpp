@@ -119,17 +119,24 @@ long peakResidentKilobytes() {
     return usage.ru_maxrss;
 }
 
+std::shared_ptr<const PDFDocument> open(const QUrl& url) {
+    try {
+        return PDFDocument::open(url);
+    } catch (const Error& error) {
+        std::fprintf(stderr, "PDF konnte nicht geladen werden. %s\n", qPrintable(error.reason()));
+        return nullptr;
+    }
+}
+
 int run(const Arguments& arguments) {
     const QUrl in = QUrl::fromLocalFile(QFileInfo(arguments.in).absoluteFilePath());
     const QUrl out = QUrl::fromLocalFile(QFileInfo(arguments.out).absoluteFilePath());
     for (int i = 0; i < arguments.repeat; ++i) {
         QElapsedTimer timer;
         timer.start();
-        const auto document = PDFDocument::open(in);
-        if (!document) {
-            std::fputs("PDF konnte nicht geladen werden.\n", stderr);
+        const auto document = open(in);
+        if (!document)
             return 2;
-        }
         const double openTime = milliseconds(timer);
         const StampsByPage stamps = placeStamps(arguments, document->pageCount());
         std::this_thread::sleep_for(arguments.pause);

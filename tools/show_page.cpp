@@ -5,6 +5,7 @@
 // PAGE is 1-based, WIDTH in pixels. Prints one JSON line. Exit codes: 0 done, 1 wrong arguments, 2 the PDF
 // or the page could not be opened, 4 the page was not rendered (crash, limit or time).
 
+#include "platform/error/Error.h"
 #include "platform/pdf/PageDrawing.h"
 #include "platform/pdf/render/ProcessRenderer.h"
 
@@ -35,6 +36,14 @@ double milliseconds(const QElapsedTimer& timer) {
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
+std::shared_ptr<const PDFDocument> open(const QString& path) {
+    try {
+        return PDFDocument::open(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -47,7 +56,7 @@ int main(int argc, char** argv) {
     // The tools lie one folder below the program.
     ProcessRenderer renderer(QCoreApplication::applicationDirPath() +
                              QStringLiteral("/../libexec/vellmora/vellmora-render"));
-    const auto document = PDFDocument::open(QUrl::fromLocalFile(QFileInfo(words[1]).absoluteFilePath()));
+    const auto document = open(words[1]);
     const qsizetype index = words[2].toLongLong() - 1;
     const auto page = document ? document->page(index) : std::nullopt;
     if (!page)

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <condition_variable>
 #include <mutex>
 #include <new>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -25,12 +25,91 @@ namespace {
 constexpr size_t blockSize = 1 << 13;
 /// As many blocks as are read at once, where nobody waits for less.
 constexpr size_t runLength = 16;
-/// Before the rest is read: who opened the file has something to show first.
-constexpr std::chrono::milliseconds headStart{200};
 /// Below this size a thread costs more than it spares.
 constexpr qint64 largeSize = 4 << 20;
+/// How much of a file is compared at a time.
+constexpr size_t pieceSize = size_t{256} << 10;
+/// So often a small file that changes is read again.
+constexpr int maxAttempts = 3;
+/// Of the thread that reads what nobody waits for; the first page is to be on the screen before.
+constexpr int lowestPriority = 19;
+/// Of the clocks of file systems, in seconds: FAT's.
+constexpr time_t longestTick = 2;
+/// In place of an error number.
+constexpr int changedMeanwhile = -1;
+
+Error readingFailure(int error, const QString& path) {
+    if (error != changedMeanwhile)
+        return fileError(FileAction::read, path, error);
+    return Error(Error::vellmoraDomain, changedMeanwhile,
+                 QStringLiteral("Die Datei wurde geändert, während sie gelesen wurde. Bitte erneut öffnen."));
+}
+
+/// What a change of the file changes as well.
+struct FileState {
+    FileState(const FileDescriptor& file, const QString& path) {
+        struct stat info {};
+        if (::fstat(file.get(), &info) != 0)
+            throw fileError(FileAction::read, path, errno);
+        size = info.st_size;
+        modified = info.st_mtim;
+        changed = info.st_ctim;
+        timespec now{};
+        ::clock_gettime(CLOCK_REALTIME, &now);
+        isRecent = now.tv_sec - changed.tv_sec <= longestTick;
+    }
+    bool operator==(const FileState& other) const {
+        const auto isSame = [](const timespec& a, const timespec& b) {
+            return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+        };
+        return size == other.size && isSame(modified, other.modified) && isSame(changed, other.changed);
+    }
+
+    qint64 size = 0;
+    timespec modified{};
+    timespec changed{};
+    bool isRecent = false;  ///< another change might leave all this as it is
+};
+
+bool holds(const FileDescriptor& file, const QString& path, std::string_view bytes) {
+    size_t compared = 0;
+    forEachPiece(file, path, [&](std::string_view piece, size_t offset) {
+        const bool isSame = bytes.substr(offset, piece.size()) == piece;
+        compared += isSame ? piece.size() : 0;
+        return isSame;
+    });
+    return compared == bytes.size() && FileState(file, path).size == static_cast<qint64>(bytes.size());
+}
+
+QByteArray readSmall(files::OpenedFile& opened, const QString& path) {
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
+        const FileState before(opened.file, path);
+        opened.size = before.size;
+        ::lseek(opened.file.get(), 0, SEEK_SET);
+        QByteArray bytes = files::read(opened, path);
+        const bool isUntouched = !before.isRecent && FileState(opened.file, path) == before;
+        if (isUntouched || holds(opened.file, path, {bytes.constData(), static_cast<size_t>(bytes.size())}))
+            return bytes;
+    }
+    throw readingFailure(changedMeanwhile, path);
+}
 
 }  // namespace
+
+void forEachPiece(const FileDescriptor& file, const QString& path,
+                  const std::function<bool(std::string_view, size_t)>& take) {
+    std::vector<char> piece(pieceSize);
+    for (size_t offset = 0;;) {
+        const ssize_t count = ::pread(file.get(), piece.data(), piece.size(), static_cast<off_t>(offset));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw fileError(FileAction::read, path, errno);
+        if (count == 0 || !take({piece.data(), static_cast<size_t>(count)}, offset))
+            return;
+        offset += static_cast<size_t>(count);
+    }
+}
 
 /// Fills the memory block by block. Each block is read once, by whoever claims it first.
 class FileContent::Reading {
@@ -40,6 +119,7 @@ public:
           m_path(std::move(path)),
           m_bytes(bytes),
           m_size(size),
+          m_opened(m_file, m_path),
           m_blocks((size + blockSize - 1) / blockSize),
           m_thread([this](const std::stop_token& stop) { readAll(stop); }) {}
 
@@ -57,26 +137,50 @@ public:
     }
 
     void readAhead() {
-        const std::lock_guard lock(m_mutex);
         m_isNeeded = true;
-        m_need.notify_all();
+        m_isNeeded.notify_all();
     }
 
     void requireReadable() const {
         if (const int error = m_error; error != 0)
-            throw fileError(FileAction::read, m_path, error);
+            throw readingFailure(error, m_path);
+    }
+
+    void requireWhole() {
+        require(0, m_size);
+        compareStates();
+        requireReadable();
     }
 
 private:
     enum class State { missing, claimed, there, failed };
 
     void readAll(const std::stop_token& stop) {
-        {
-            std::unique_lock lock(m_mutex);
-            m_need.wait_for(lock, stop, headStart, [this] { return m_isNeeded; });
-        }
+        const std::stop_callback wakeUp(stop, [this] { readAhead(); });
+        m_isNeeded.wait(false);
+        ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), lowestPriority);
         for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested() && m_error == 0;)
             block = std::max(readRun(block, std::min(block + runLength, m_blocks.size())), block + 1);
+        for (size_t block = 0; block < m_blocks.size(); ++block)
+            m_blocks[block].wait(State::claimed);
+        if (!stop.stop_requested() && m_error == 0)
+            compareStates();
+    }
+
+    /// Once all is read, and once only: what changes later does not matter any more.
+    void compareStates() {
+        std::call_once(m_compared, [this] {
+            try {
+                // A file that only got another name or other permissions has not changed.
+                const bool isUntouched = !m_opened.isRecent && FileState(m_file, m_path) == m_opened;
+                if (!isUntouched && !holds(m_file, m_path, {m_bytes, m_size}))
+                    m_error = changedMeanwhile;
+            } catch (const Error& error) {
+                m_error = error.code();
+            } catch (const std::bad_alloc&) {
+                m_error = ENOMEM;
+            }
+        });
     }
 
     /// Reads the blocks up to `end`, or to the first that somebody else reads or has read; answers it.
@@ -95,7 +199,7 @@ private:
         return behind;
     }
 
-    /// The error number; 0 for success. A file that has become shorter counts as one that cannot be read.
+    /// The error number; 0 for success.
     int read(size_t firstBlock, size_t endBlock) {
         size_t at = firstBlock * blockSize;
         const size_t end = std::min(endBlock * blockSize, m_size);
@@ -104,7 +208,7 @@ private:
             if (count < 0 && errno == EINTR)
                 continue;
             if (count <= 0)
-                return count < 0 ? errno : EIO;
+                return count < 0 ? errno : changedMeanwhile;
             at += static_cast<size_t>(count);
         }
         return 0;
@@ -114,18 +218,18 @@ private:
     QString m_path;
     char* m_bytes;
     size_t m_size;
+    FileState m_opened;
     std::vector<std::atomic<State>> m_blocks;
     std::atomic<int> m_error = 0;
-    std::mutex m_mutex;
-    std::condition_variable_any m_need;
-    bool m_isNeeded = false;  ///< guarded by the mutex
+    std::atomic<bool> m_isNeeded = false;
+    std::once_flag m_compared;
     std::jthread m_thread;
 };
 
 std::shared_ptr<const FileContent> FileContent::open(const QString& path) {
     files::OpenedFile opened = files::openForReading(path);
     if (opened.size < largeSize)
-        return std::make_shared<const FileContent>(files::read(opened, path));
+        return std::make_shared<const FileContent>(readSmall(opened, path));
     try {
         QByteArray bytes(opened.size, Qt::Uninitialized);
         char* memory = bytes.data();
@@ -160,6 +264,15 @@ void FileContent::readAhead() const {
 void FileContent::requireReadable() const {
     if (m_reading)
         m_reading->requireReadable();
+}
+
+void FileContent::requireWhole() const {
+    if (m_reading)
+        m_reading->requireWhole();
+}
+
+bool FileContent::isHeldBy(const FileDescriptor& file, const QString& path) const {
+    return FileState(file, path).size == m_bytes.size() && holds(file, path, all());
 }
 
 }  // namespace vellmora

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -8,14 +9,16 @@
 
 namespace vellmora {
 
-/// The bytes of a file, at hand before all of them are read: a large file is read by a thread of its own,
-/// after a moment's rest, and who needs a part of it earlier reads that part. Soon after opening, the file
-/// itself is not needed any more.
+class FileDescriptor;
+
+/// The bytes of a file, at hand before all of them are read: a large file is read by a thread of its own from
+/// `readAhead()` on, and who needs a part of it earlier reads that part. Once it is read, the file itself is
+/// not needed any more. A file that changed while it was read is noticed: its bytes may be of two versions.
 ///
 /// May be used by several threads at a time.
 class FileContent {
 public:
-    /// Throws `Error` as `files::read` does.
+    /// Throws `Error` as `files::read` does, also where a small file keeps changing.
     static std::shared_ptr<const FileContent> open(const QString& path);
 
     explicit FileContent(QByteArray bytes);
@@ -30,11 +33,17 @@ public:
     std::string_view range(size_t offset, size_t length) const;
     std::string_view all() const { return range(0, size()); }
 
-    /// All of it will be needed: what is left to read is read without a rest from now on.
+    /// Begins to read all that is left.
     void readAhead() const;
 
-    /// Throws the `Error` of a range that could not be read, whoever asked for it.
+    /// Throws the `Error` of a range that could not be read, whoever asked for it, or of a file that is known
+    /// to have changed.
     void requireReadable() const;
+    /// Waits until all is read, and throws where it is not the content that the file had at one time.
+    void requireWhole() const;
+
+    /// True where the open file holds these bytes and no others; `path` is what an error names.
+    bool isHeldBy(const FileDescriptor& file, const QString& path) const;
 
 private:
     class Reading;
@@ -43,5 +52,10 @@ private:
     QByteArray m_bytes;
     std::unique_ptr<Reading> m_reading;  ///< none where all is there
 };
+
+/// Hands the open file's bytes from its beginning to `take`, piece by piece with their offsets, until that
+/// answers false. Throws `Error`.
+void forEachPiece(const FileDescriptor& file, const QString& path,
+                  const std::function<bool(std::string_view piece, size_t offset)>& take);
 
 }  // namespace vellmora

@@ -79,7 +79,7 @@ static Error makeError(FileAction action, const QString& path, int errorNumber, 
     // The name is put in last: it may itself hold a place marker.
     QString text = actionText(action) + reason;
     text.replace(QStringLiteral("%1"), name);
-    return Error(Error::posixDomain, errorNumber, text);
+    return Error(Error::posixDomain, errorNumber, text, errnoText(errorNumber));
 }
 
 Error fileError(FileAction action, const QString& path, int errorNumber) {

@@ -2,8 +2,6 @@
 
 #include "platform/files/AtomicFile.h"
 
-#include <memory>
-
 #include <QByteArray>
 
 namespace vellmora {
@@ -21,9 +19,7 @@ public:
 /// Writes to a file, which appears under its name as a whole when it is finished, or not at all.
 class FileConsumer : public PDFDataConsumer {
 public:
-    /// Nothing where no file can be written at `path`.
-    static std::unique_ptr<FileConsumer> create(const QString& path);
-    /// Throws `Error` in that case.
+    /// Throws `Error` where no file can be written at `path`.
     explicit FileConsumer(const QString& path) : m_file(path) {}
 
     void write(const char* bytes, qint64 count) override { m_file.write(bytes, count); }

@@ -2,6 +2,7 @@
 
 #include "platform/error/Error.h"
 #include "platform/files/FileContent.h"
+#include "platform/pdf/OpenFailure.h"
 #include "platform/pdf/reading/PDFSource.h"
 
 #include <utility>
@@ -9,11 +10,7 @@
 namespace vellmora {
 
 std::shared_ptr<const PDFDocument> PDFDocument::open(const QUrl& url) {
-    try {
-        return fromContent(FileContent::open(url.toLocalFile()));
-    } catch (const Error&) {
-        return nullptr;
-    }
+    return fromContent(FileContent::open(url.toLocalFile()));
 }
 
 std::shared_ptr<const PDFDocument> PDFDocument::fromData(const QByteArray& bytes) {
@@ -22,13 +19,19 @@ std::shared_ptr<const PDFDocument> PDFDocument::fromData(const QByteArray& bytes
 
 std::shared_ptr<const PDFDocument> PDFDocument::fromContent(
     const std::shared_ptr<const FileContent>& content) {
-    std::unique_ptr<PDFSource> source = PDFSource::open(content);
-    if (!source)
-        return nullptr;
-    return std::make_shared<const PDFDocument>(std::move(source));
+    try {
+        std::unique_ptr<PDFSource> source = PDFSource::open(content);
+        if (!source)
+            throw openFailure(*content);
+        content->readAhead();
+        return std::make_shared<const PDFDocument>(content, std::move(source));
+    } catch (...) {
+        throw Error::current();
+    }
 }
 
-PDFDocument::PDFDocument(std::unique_ptr<PDFSource> source) : m_source(std::move(source)) {}
+PDFDocument::PDFDocument(std::shared_ptr<const FileContent> content, std::unique_ptr<PDFSource> source)
+    : m_content(std::move(content)), m_source(std::move(source)) {}
 
 PDFDocument::~PDFDocument() = default;
 
@@ -38,10 +41,6 @@ qsizetype PDFDocument::pageCount() const {
 
 const DocumentDamage& PDFDocument::damage() const {
     return m_source->damage();
-}
-
-void PDFDocument::readAhead() const {
-    m_source->content().readAhead();
 }
 
 std::optional<PDFPage> PDFDocument::page(qsizetype index) const {

@@ -21,12 +21,12 @@ class PDFSource;
 /// compared by identity and shared, also among threads.
 class PDFDocument {
 public:
-    /// Nothing where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond repair,
-    /// encrypted with a password that is not empty).
+    /// Throws `Error` where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond
+    /// repair, encrypted with a password that is not empty); its reason says why.
     static std::shared_ptr<const PDFDocument> open(const QUrl& url);
     static std::shared_ptr<const PDFDocument> fromData(const QByteArray& bytes);
 
-    explicit PDFDocument(std::unique_ptr<PDFSource> source);
+    PDFDocument(std::shared_ptr<const FileContent> content, std::unique_ptr<PDFSource> source);
     ~PDFDocument();
     PDFDocument(const PDFDocument&) = delete;
     PDFDocument& operator=(const PDFDocument&) = delete;
@@ -38,8 +38,8 @@ public:
     /// What is known to be missing since the document was opened.
     const DocumentDamage& damage() const;
 
-    /// For who is about to draw all pages: the rest of a large file is read beside that from now on.
-    void readAhead() const;
+    /// The bytes that were opened.
+    const std::shared_ptr<const FileContent>& content() const { return m_content; }
 
     /// What the platform's own drawing reads; not for use outside of `platform/pdf`.
     const PDFSource& source() const { return *m_source; }
@@ -47,6 +47,7 @@ public:
 private:
     static std::shared_ptr<const PDFDocument> fromContent(const std::shared_ptr<const FileContent>& content);
 
+    std::shared_ptr<const FileContent> m_content;
     std::unique_ptr<PDFSource> m_source;
 };
 

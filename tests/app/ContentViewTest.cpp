@@ -167,7 +167,8 @@ TEST_F(ContentViewTest, FailedSavesSayWhyAndKeepTheSource) {
     workspace.panels.answer = workspace.url(QStringLiteral("kein Ordner/Kopie.pdf"));
     content.beginSaveFlow(saveAs);
     EXPECT_EQ(status(),
-              QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden."));
+              QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden. Die Datei "
+                             "oder der Ordner ist nicht vorhanden."));
     EXPECT_EQ(content.pdfSourceURL.value(), workspace.url(QStringLiteral("Vertrag.pdf")));
     content.pdfSourceURL = workspace.url(QStringLiteral("kein Ordner/Vertrag.pdf"));
     content.beginSaveFlow(overwriteOriginal);

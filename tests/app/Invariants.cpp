@@ -64,7 +64,7 @@ void checkLibrary(const StampLibrary& library) {
 void checkMessage(const QString& message) {
     static const QRegularExpression known(QStringLiteral(
         "^(PDF laden, Stempelbibliothek füllen und loslegen\\.|PDF geladen: .+|PDF konnte nicht geladen "
-        "werden\\.|"
+        "werden\\. .+|"
         "Bitte eine PDF-Datei ablegen\\.|Nur PDF-Dateien werden unterstützt\\.|Stempel importiert: .+|"
         "Stempel konnte nicht importiert werden: .+|Stempel auf Seite \\d+ eingefügt: .+|Kein aktiver "
         "Stempel gewählt\\.|"

@@ -157,6 +157,10 @@ TEST_F(PDFExporterTest, AFailedSaveLeavesTheTargetAndNoLitter) {
         FAIL() << "no failure";
     } catch (const PDFExportError& error) {
         EXPECT_EQ(error.which(), PDFExportError::Case::couldNotCreateConsumer);
+        EXPECT_EQ(
+            error.localizedDescription(),
+            QStringLiteral("PDF-Datei konnte nicht erstellt werden. Die Datei oder der Ordner ist nicht "
+                           "vorhanden."));
     }
     QDir(m_folder.path()).mkdir(QStringLiteral("ordner.pdf"));
     EXPECT_THROW(PDFExporter::save(*document, {}, url("ordner.pdf")), PDFExportError);
@@ -168,8 +172,9 @@ TEST_F(PDFExporterTest, ReplacesTheOriginalAlsoWhereItIsTheOpenSource) {
     writeFile(path("Vertrag.pdf"), source);
     const auto document = PDFDocument::open(url("Vertrag.pdf"));
     const StampsByPage stamps{{0, {stamp(plainPng(4, 4, Qt::red), {10, 10, 50, 50})}}};
+    FileVersions versions(document->content());
     for (int i = 0; i < 2; ++i) {
-        PDFExporter::replaceOriginal(*document, stamps, url("Vertrag.pdf"));
+        PDFExporter::replaceOriginal(*document, stamps, url("Vertrag.pdf"), versions);
         EXPECT_EQ(pageCount(path("Vertrag.pdf")), 2);
         EXPECT_EQ(entries(), QStringList{QStringLiteral("Vertrag.pdf")});
     }

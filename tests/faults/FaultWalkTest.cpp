@@ -106,9 +106,9 @@ protected:
             return true;
         EXPECT_TRUE(status().startsWith(failure)) << status().toStdString();
         const QString reason = status().mid(failure.size());
-        EXPECT_TRUE(
-            reason == QStringLiteral("PDF-Datei konnte nicht erstellt werden.") ||
-            (reason.contains(QStringLiteral("“ konnte nicht ")) && reason.endsWith(errnoText(trouble.error))))
+        EXPECT_TRUE((reason.startsWith(QStringLiteral("PDF-Datei konnte nicht erstellt werden. ")) ||
+                     reason.contains(QStringLiteral("“ konnte nicht "))) &&
+                    reason.endsWith(errnoText(trouble.error)))
             << status().toStdString();
         return false;
     }
@@ -130,7 +130,8 @@ protected:
             [&](const Trouble& trouble) {
                 const bool isNew = succeeded(success, failure, trouble);
                 if (!isNew && mode == ContentView::SaveMode::saveAs) {
-                    EXPECT_EQ(status(), failure + QStringLiteral("PDF-Datei konnte nicht erstellt werden."));
+                    EXPECT_EQ(status(), failure + QStringLiteral("PDF-Datei konnte nicht erstellt werden. ") +
+                                            errnoText(trouble.error));
                 }
                 const QByteArray now = readFile(target);
                 const bool isOld = QFile::exists(target) == !before.isNull() && now == before;

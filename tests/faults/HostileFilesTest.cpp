@@ -32,10 +32,20 @@ protected:
     QString path(const char* name) const { return workspace.path(QString::fromUtf8(name)); }
     QUrl url(const char* name) const { return QUrl::fromLocalFile(path(name)); }
 
+    /// Nothing where the document cannot be opened.
+    template <typename Opening>
+    static std::shared_ptr<const PDFDocument> open(Opening opening) {
+        try {
+            return opening();
+        } catch (const Error&) {
+            return nullptr;
+        }
+    }
+
     /// Opens the document, draws its first pages and saves it with a stamp. What is written is whole, or the
     /// save fails with an error. False where it does not open.
     bool opensAndSaves(const QByteArray& bytes) {
-        const auto document = PDFDocument::fromData(bytes);
+        const auto document = open([&] { return PDFDocument::fromData(bytes); });
         if (!document)
             return false;
         for (qsizetype page = 0; page < std::min<qsizetype>(document->pageCount(), 4); ++page)
@@ -250,7 +260,7 @@ TEST_F(HostileFilesTest, FilesOfTwoGigabytes) {
     constexpr qint64 size = (qint64(2) << 30) + 1000;
     writeFile(path("leer.pdf"), {});
     ASSERT_TRUE(QFile::resize(path("leer.pdf"), size));  // a hole takes no room
-    EXPECT_FALSE(PDFDocument::open(url("leer.pdf")));
+    EXPECT_FALSE(open([&] { return PDFDocument::open(url("leer.pdf")); }));
     writeFile(path("Vertrag.pdf"), pages(3).bytes());
     ASSERT_TRUE(QFile::resize(path("Vertrag.pdf"), size));
     const auto document = PDFDocument::open(url("Vertrag.pdf"));

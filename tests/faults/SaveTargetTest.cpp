@@ -136,24 +136,31 @@ TEST_F(SaveTargetTest, APipeStaysAPipe) {
                        "Der Dateiname oder der Datenträger lässt das nicht zu."));
     for (const QString& target : {pipe, path(QStringLiteral("Verweis.pdf"))}) {
         save(saveAs, target);
-        expectRefused(QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden."));
+        expectRefused(
+            QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden. "
+                           "Der Dateiname oder der Datenträger lässt das nicht zu."));
     }
 }
 
-TEST_F(SaveTargetTest, SaysThatANewFileCannotBeMade) {
-    const QString message =
-        QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden.");
+TEST_F(SaveTargetTest, SaysWhyANewFileCannotBeMade) {
+    const auto expectReason = [this](const char* reason, const QString& target) {
+        expectFailure(
+            saveAs,
+            QStringLiteral("Fehler beim Speichern unter: PDF-Datei konnte nicht erstellt werden. ") +
+                QString::fromUtf8(reason),
+            target);
+    };
     ::chmod(qPrintable(folder()), 0555);
-    expectFailure(saveAs, message, path(QStringLiteral("Kopie.pdf")));
+    expectReason("Die Berechtigung dafür fehlt.", path(QStringLiteral("Kopie.pdf")));
     ::chmod(qPrintable(folder()), 0755);
     writeFile(path(QStringLiteral("fremd.pdf")), "somebody's");
     ::chmod(qPrintable(path(QStringLiteral("fremd.pdf"))), 0444);
-    expectFailure(saveAs, message, path(QStringLiteral("fremd.pdf")));
+    expectReason("Die Berechtigung dafür fehlt.", path(QStringLiteral("fremd.pdf")));
     EXPECT_EQ(readFile(path(QStringLiteral("fremd.pdf"))), "somebody's");
-    expectFailure(saveAs, message, path(QStringLiteral("fehlt/Kopie.pdf")));
-    expectFailure(saveAs, message, path(QString(256, QLatin1Char('x'))));
-    expectFailure(saveAs, message, folder());
-    expectFailure(saveAs, message, path(QStringLiteral("Vertrag.pdf/Kopie.pdf")));
+    expectReason("Die Datei oder der Ordner ist nicht vorhanden.", path(QStringLiteral("fehlt/Kopie.pdf")));
+    expectReason("Der Dateiname ist zu lang.", path(QString(256, QLatin1Char('x'))));
+    expectReason("Es handelt sich um einen Ordner.", folder());
+    expectReason("Ein Teil des Pfades ist kein Ordner.", path(QStringLiteral("Vertrag.pdf/Kopie.pdf")));
 }
 
 TEST_F(SaveTargetTest, WritesFilesOfAnyName) {
@@ -182,8 +189,6 @@ TEST_F(SaveTargetTest, DoesNotNeedTheSourceAnyMore) {
     const QString original = path(QStringLiteral("Vertrag.pdf"));
     const std::vector<std::function<void()>> whatOthersDo{
         [&] { QFile::remove(original); },
-        [&] { QFile::resize(original, 50); },
-        [&] { writeFile(original, "overwritten"); },
         [&] { QFile::rename(original, path(QStringLiteral("verschoben.pdf"))); },
     };
     for (const auto& act : whatOthersDo) {
@@ -193,6 +198,29 @@ TEST_F(SaveTargetTest, DoesNotNeedTheSourceAnyMore) {
         expectStamped(original);
     }
     EXPECT_EQ(readFile(path(QStringLiteral("verschoben.pdf"))), source);
+}
+
+TEST_F(SaveTargetTest, KeepsWhatSomebodyElseMadeOfTheSource) {
+    const QString original = path(QStringLiteral("Vertrag.pdf"));
+    const std::vector<std::function<void()>> whatOthersDo{
+        [&] { QFile::resize(original, 50); },
+        [&] { writeFile(original, "overwritten"); },
+        [&] {
+            writeFile(path(QStringLiteral("neu.pdf")), pages(pageCount + 1).bytes());
+            ASSERT_EQ(::rename(qPrintable(path(QStringLiteral("neu.pdf"))), qPrintable(original)), 0);
+        },
+    };
+    for (const auto& act : whatOthersDo) {
+        open(QStringLiteral("Vertrag.pdf"));
+        act();
+        expectFailure(
+            overwriteOriginal,
+            QStringLiteral("Fehler beim Überschreiben: Die Datei wurde inzwischen anderswo geändert. "
+                           "Bitte „Speichern unter…“ wählen."));
+        const QString copy = path(QStringLiteral("Kopie.pdf"));
+        EXPECT_EQ(save(saveAs, copy), QStringLiteral("PDF gespeichert: Kopie.pdf"));
+        expectStamped(copy);
+    }
 }
 
 TEST_F(SaveTargetTest, MayBeTheOpenFileUnderAnyName) {

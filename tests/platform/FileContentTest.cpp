@@ -89,6 +89,35 @@ TEST_F(FileContentTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
     EXPECT_TRUE(content->all() == std::string_view(bytes.constData(), content->size()));
 }
 
+TEST_F(FileContentTest, AChangeWhileItIsReadIsNoticed) {
+    const QByteArray bytes(8 * megabyte, 'x');
+    const auto isWholeAfter = [&](const auto& whatOthersDo) {
+        writeFile(path, bytes);
+        const auto content = FileContent::open(path);
+        content->range(0, 100);
+        whatOthersDo();
+        try {
+            content->requireWhole();
+            return true;
+        } catch (const Error& error) {
+            EXPECT_TRUE(error.reason().startsWith(QStringLiteral("Die Datei wurde geändert, während ")));
+            return false;
+        }
+    };
+    const auto overwrite = [&](qint64 place, const QByteArray& with) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadWrite) && file.seek(place));
+        file.write(with);
+    };
+    EXPECT_FALSE(isWholeAfter([&] { overwrite(0, "y"); })) << "of the same size, where it was read before";
+    EXPECT_TRUE(isWholeAfter([&] { overwrite(bytes.size() - 1, "y"); })) << "all of it is the new version";
+    EXPECT_FALSE(isWholeAfter([&] { overwrite(bytes.size(), "y"); }));
+    EXPECT_FALSE(isWholeAfter([&] { QFile::resize(path, megabyte); }));
+    EXPECT_TRUE(isWholeAfter([&] { overwrite(0, "x"); })) << "it holds the same";
+    EXPECT_TRUE(isWholeAfter([&] { QFile::setPermissions(path, QFileDevice::ReadOwner); }));
+    EXPECT_TRUE(isWholeAfter([&] { QFile::remove(path); }));
+}
+
 TEST_F(FileContentTest, WhatWasCutOffBeforeItWasReadIsAnErrorAndNeverSaved) {
     const auto expectNoSave = [&](const std::vector<qint64>& streams, size_t content) {
         writePdf(path, streams, content);

@@ -1,3 +1,4 @@
+#include "platform/error/Error.h"
 #include "platform/pdf/PageDrawing.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
@@ -17,9 +18,12 @@ bool hasContent(const PDFDocument& document, qsizetype index) {
 
 /// The number of pages, all of which must have their content; −1 for a file that does not open.
 qsizetype readablePages(const QByteArray& bytes) {
-    const auto document = PDFDocument::fromData(bytes);
-    if (!document)
+    std::shared_ptr<const PDFDocument> document;
+    try {
+        document = PDFDocument::fromData(bytes);
+    } catch (const Error&) {
         return -1;
+    }
     for (qsizetype i = 0; i < document->pageCount(); ++i)
         EXPECT_TRUE(hasContent(*document, i)) << "page " << i;
     return document->pageCount();

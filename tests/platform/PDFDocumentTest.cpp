@@ -1,5 +1,7 @@
+#include "platform/error/Error.h"
 #include "platform/pdf/PDFDocument.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/RewrittenPdf.h"
 #include "tests/support/TestPdf.h"
 
 #include <unistd.h>
@@ -13,6 +15,13 @@ namespace {
 
 Rect mediaBox(const PDFDocument& document, qsizetype page = 0) {
     return document.page(page)->bounds(DisplayBox::mediaBox);
+}
+
+QByteArray encrypted(const QByteArray& bytes, const char* password) {
+    return rewritten(bytes, [&](QPDFWriter& writer) {
+        writer.setR6EncryptionParameters(password, "owner", true, true, true, true, true, true, qpdf_r3p_full,
+                                         true);
+    });
 }
 
 Rect cropBox(const PDFDocument& document) {
@@ -30,10 +39,32 @@ TEST(PDFDocumentTest, AnswersPagesWithinItsCountOnly) {
     EXPECT_FALSE(document->page(3));
 }
 
-TEST(PDFDocumentTest, RefusesWhatIsNoPdf) {
-    EXPECT_FALSE(PDFDocument::fromData({}));
-    EXPECT_FALSE(PDFDocument::fromData("just a text\n"));
-    EXPECT_FALSE(PDFDocument::open(QUrl::fromLocalFile(QStringLiteral("/does/not/exist.pdf"))));
+TEST(PDFDocumentTest, SaysWhyAFileIsRefused) {
+    const QTemporaryDir folder;
+    const auto reason = [&](const QString& path) {
+        try {
+            PDFDocument::open(QUrl::fromLocalFile(path));
+            return QStringLiteral("none");
+        } catch (const Error& error) {
+            return error.reason();
+        }
+    };
+    const auto reasonFor = [&](const QByteArray& bytes) {
+        const QString path = folder.filePath(QStringLiteral("a.pdf"));
+        writeFile(path, bytes);
+        return reason(path);
+    };
+    EXPECT_EQ(reasonFor(pages(1).bytes()), QStringLiteral("none"));
+    EXPECT_EQ(reasonFor({}), QStringLiteral("Die Datei ist leer."));
+    EXPECT_EQ(reasonFor("just a text\n"), QStringLiteral("Die Datei ist kein PDF."));
+    EXPECT_EQ(reasonFor("%PDF-1.7\n" + QByteArray(5000, 'x')),
+              QStringLiteral("Die Datei ist zu stark beschädigt."));
+    EXPECT_EQ(reasonFor(encrypted(pages(1).bytes(), "Kennwort")),
+              QStringLiteral("Die Datei ist mit einem Kennwort geschützt."));
+    EXPECT_EQ(reasonFor(encrypted(pages(1).bytes(), "")), QStringLiteral("none"));
+    EXPECT_EQ(reason(folder.filePath(QStringLiteral("fehlt.pdf"))),
+              QStringLiteral("Die Datei oder der Ordner ist nicht vorhanden."));
+    EXPECT_EQ(reason(folder.path()), QStringLiteral("Es handelt sich um einen Ordner."));
 }
 
 TEST(PDFDocumentTest, IsASnapshotOfTheFile) {
