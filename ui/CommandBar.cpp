@@ -45,6 +45,7 @@ void CommandBar::setData(const Data& newData) {
     for (qsizetype i = 0; i < m_buttons.size(); ++i)
         m_buttons[i]->setEnabled(newData.enabled.value(i));
     m_status->setText(newData.statusText);
+    m_status->setToolTip(newData.statusText);  // it may be longer than its line
 }
 
 void CommandBar::paintEvent(QPaintEvent*) {

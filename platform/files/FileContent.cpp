@@ -2,6 +2,7 @@
 
 #include "platform/files/FileDescriptor.h"
 #include "platform/files/FileError.h"
+#include "platform/files/FileState.h"
 #include "platform/files/Files.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <mutex>
 #include <new>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -33,8 +33,6 @@ constexpr size_t pieceSize = size_t{256} << 10;
 constexpr int maxAttempts = 3;
 /// Of the thread that reads what nobody waits for; the first page is to be on the screen before.
 constexpr int lowestPriority = 19;
-/// Of the clocks of file systems, in seconds: FAT's.
-constexpr time_t longestTick = 2;
 /// In place of an error number.
 constexpr int changedMeanwhile = -1;
 
@@ -45,32 +43,6 @@ Error readingFailure(int error, const QString& path) {
                  QStringLiteral("Die Datei wurde geändert, während sie gelesen wurde. Bitte erneut öffnen."));
 }
 
-/// What a change of the file changes as well.
-struct FileState {
-    FileState(const FileDescriptor& file, const QString& path) {
-        struct stat info {};
-        if (::fstat(file.get(), &info) != 0)
-            throw fileError(FileAction::read, path, errno);
-        size = info.st_size;
-        modified = info.st_mtim;
-        changed = info.st_ctim;
-        timespec now{};
-        ::clock_gettime(CLOCK_REALTIME, &now);
-        isRecent = now.tv_sec - changed.tv_sec <= longestTick;
-    }
-    bool operator==(const FileState& other) const {
-        const auto isSame = [](const timespec& a, const timespec& b) {
-            return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-        };
-        return size == other.size && isSame(modified, other.modified) && isSame(changed, other.changed);
-    }
-
-    qint64 size = 0;
-    timespec modified{};
-    timespec changed{};
-    bool isRecent = false;  ///< another change might leave all this as it is
-};
-
 bool holds(const FileDescriptor& file, const QString& path, std::string_view bytes) {
     size_t compared = 0;
     forEachPiece(file, path, [&](std::string_view piece, size_t offset) {
@@ -78,16 +50,16 @@ bool holds(const FileDescriptor& file, const QString& path, std::string_view byt
         compared += isSame ? piece.size() : 0;
         return isSame;
     });
-    return compared == bytes.size() && FileState(file, path).size == static_cast<qint64>(bytes.size());
+    return compared == bytes.size() && FileState::of(file, path).size == static_cast<off_t>(bytes.size());
 }
 
 QByteArray readSmall(files::OpenedFile& opened, const QString& path) {
     for (int attempt = 0; attempt < maxAttempts; ++attempt) {
-        const FileState before(opened.file, path);
+        const FileState before = FileState::of(opened.file, path);
         opened.size = before.size;
         ::lseek(opened.file.get(), 0, SEEK_SET);
         QByteArray bytes = files::read(opened, path);
-        const bool isUntouched = !before.isRecent && FileState(opened.file, path) == before;
+        const bool isUntouched = !before.isRecent && FileState::of(opened.file, path) == before;
         if (isUntouched || holds(opened.file, path, {bytes.constData(), static_cast<size_t>(bytes.size())}))
             return bytes;
     }
@@ -119,7 +91,7 @@ public:
           m_path(std::move(path)),
           m_bytes(bytes),
           m_size(size),
-          m_opened(m_file, m_path),
+          m_opened(FileState::of(m_file, m_path)),
           m_blocks((size + blockSize - 1) / blockSize),
           m_thread([this](const std::stop_token& stop) { readAll(stop); }) {}
 
@@ -172,7 +144,7 @@ private:
         std::call_once(m_compared, [this] {
             try {
                 // A file that only got another name or other permissions has not changed.
-                const bool isUntouched = !m_opened.isRecent && FileState(m_file, m_path) == m_opened;
+                const bool isUntouched = !m_opened.isRecent && FileState::of(m_file, m_path) == m_opened;
                 if (!isUntouched && !holds(m_file, m_path, {m_bytes, m_size}))
                     m_error = changedMeanwhile;
             } catch (const Error& error) {
@@ -272,7 +244,7 @@ void FileContent::requireWhole() const {
 }
 
 bool FileContent::isHeldBy(const FileDescriptor& file, const QString& path) const {
-    return FileState(file, path).size == m_bytes.size() && holds(file, path, all());
+    return FileState::of(file, path).size == m_bytes.size() && holds(file, path, all());
 }
 
 }  // namespace vellmora

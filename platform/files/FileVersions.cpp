@@ -1,6 +1,7 @@
 #include "platform/files/FileVersions.h"
 
-#include "platform/files/FileError.h"
+#include "platform/error/Error.h"
+#include "platform/files/FileState.h"
 #include "platform/files/Files.h"
 
 #include <cerrno>
@@ -8,6 +9,9 @@
 namespace vellmora {
 
 namespace {
+
+/// So often a file is compared that changes, or gets another in its place, meanwhile.
+constexpr int maxAttempts = 3;
 
 std::optional<files::OpenedFile> openUnlessGone(const QString& path) {
     try {
@@ -31,16 +35,25 @@ ContentDigest digestOf(const FileDescriptor& file, const QString& path) {
 }  // namespace
 
 FileVersions::Held FileVersions::heldBy(const QString& path) const {
-    const auto file = openUnlessGone(path);
-    if (!file)
-        return Held::nothing;
-    if (m_opened && m_opened->isHeldBy(file->file, path))
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
+        const auto opened = openUnlessGone(path);
+        if (!opened)
+            return Held::nothing;
+        const FileState before = FileState::of(opened->file, path);
+        const Held held = heldBy(opened->file, path);
+        if (held == Held::foreign || FileState::of(path) == before)
+            return held;
+    }
+    return Held::foreign;
+}
+
+FileVersions::Held FileVersions::heldBy(const FileDescriptor& file, const QString& path) const {
+    if (m_opened && m_opened->isHeldBy(file, path))
         return Held::opened;
-    const auto mayBe = [&](const auto& content) {
-        return content && content->size() == static_cast<uint64_t>(file->size);
-    };
+    const auto size = static_cast<uint64_t>(FileState::of(file, path).size);
+    const auto mayBe = [&](const auto& content) { return content && content->size() == size; };
     if (mayBe(m_written) || mayBe(m_expected)) {
-        const ContentDigest held = digestOf(file->file, path);
+        const ContentDigest held = digestOf(file, path);
         if (held == m_written || held == m_expected)
             return Held::written;
     }

@@ -29,10 +29,12 @@ public:
     void confirm() { m_written = std::exchange(m_expected, {}); }
 
     /// Compares the content, whatever the file's name and times are; `nothing` where there is no such file.
-    /// Throws `Error` where it cannot be read.
+    /// A file that changes while it is compared is foreign. Throws `Error` where it cannot be read.
     Held heldBy(const QString& path) const;
 
 private:
+    Held heldBy(const FileDescriptor& file, const QString& path) const;
+
     std::shared_ptr<const FileContent> m_opened;
     std::optional<ContentDigest> m_written;
     std::optional<ContentDigest> m_expected;

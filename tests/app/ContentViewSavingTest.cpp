@@ -86,6 +86,24 @@ TEST_F(ContentViewSavingTest, AFileWithoutPagesReplacesNothingUnasked) {
     EXPECT_EQ(save(overwriteOriginal), QStringLiteral("Original überschrieben: Kopie.pdf"));
 }
 
+TEST_F(ContentViewSavingTest, WhatADocumentHasLostIsToldAndTheOriginalKept) {
+    QByteArray source = pages(2).bytes();
+    source.replace("3 0 R 5 0 R ] /Count 2", "3 0 R 99 0 R 5 0 R ] /Count 3");
+    writeFile(path("Vertrag.pdf"), source);
+    content.loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));
+    EXPECT_TRUE(status().startsWith(QStringLiteral("PDF geladen: Vertrag.pdf – ")));
+    EXPECT_TRUE(status().endsWith(QStringLiteral("Seite 2 fehlt und ist leer"))) << status().toStdString();
+    EXPECT_EQ(
+        save(overwriteOriginal),
+        QStringLiteral("Fehler beim Überschreiben: Die neue Datei wäre unvollständig: Seite 2 fehlt und "
+                       "ist leer. Bitte „Speichern unter…“ wählen."));
+    EXPECT_EQ(readFile(path("Vertrag.pdf")), source);
+    EXPECT_EQ(saveAs("Kopie.pdf"), QStringLiteral("PDF gespeichert: Kopie.pdf – Seite 2 fehlt und ist leer"));
+    EXPECT_EQ(save(overwriteOriginal),
+              QStringLiteral("Original überschrieben: Kopie.pdf – Seite 2 fehlt und ist leer"))
+        << "there is nothing in it that could be lost";
+}
+
 TEST_F(ContentViewSavingTest, NoExceptionLeavesACommand) {
     class ThrowingPanels : public FilePanels {
     public:
