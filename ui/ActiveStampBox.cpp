@@ -1,6 +1,6 @@
 #include "ui/ActiveStampBox.h"
 
-#include "ui/SymbolView.h"
+#include "ui/Symbols.h"
 
 #include <utility>
 

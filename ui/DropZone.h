@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/SymbolView.h"
+#include "ui/Symbols.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/DropZone.h"
-#include "ui/SymbolView.h"
+#include "ui/Symbols.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
