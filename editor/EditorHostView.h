@@ -1,6 +1,5 @@
 #pragma once
 
-#include "editor/EditorOverlayView.h"
 #include "editor/InteractiveStampView.h"
 #include "editor/StampPicture.h"
 #include "platform/view/PDFView.h"
@@ -14,9 +13,18 @@
 
 namespace vellmora {
 
+/// The transparent layer over the page that holds the stamp views. It handles no events itself: those that no
+/// stamp view takes go on to the page view, which is its parent.
+class EditorOverlayView : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+};
+
 /// Shows one page of the document with its placed stamps laid over it, and maps between the stamps' page
-/// space and the overlay. It never changes the stamps that it was given: every change leaves through the
-/// callbacks.
+/// space and the overlay. It reads the stamps and never changes them: every change leaves through the
+/// callbacks. Main thread only.
 class EditorHostView : public QWidget {
     Q_OBJECT
 
@@ -26,11 +34,15 @@ public:
 
     /// The same document again is ignored; another one is shown from its first page, fitted.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
-    void setStampsByPage(const StampsByPage& stampsByPage);
+    /// Makes the stamp views match the stamps of the page on screen. To be called after the stamps changed;
+    /// the host calls it itself when page, scale or size change.
+    void syncStampViews();
     void setSelectedStampID(const std::optional<QUuid>& id);
     /// Does nothing for a page that the document does not have or that is on screen already.
     void displayPage(qsizetype index);
 
+    /// The stamps of all pages as they are now. The host keeps no copy of them.
+    std::function<StampsByPage()> stampsByPage;
     /// A stamp whose rectangle the user changed.
     std::function<void(const StampItem&)> onStampChanged;
     /// A click on a stamp.
@@ -54,7 +66,6 @@ protected:
 private:
     void setup();
     void pdfPageChanged();
-    void syncStampViews();
     void removeStaleViews(const QList<StampItem>& stamps);
     void syncStampView(const StampItem& stamp);
     InteractiveStampView* makeStampView(const StampItem& stamp);
@@ -64,7 +75,6 @@ private:
     StampPictures m_pictures;
     PDFView* m_pdfView;
     EditorOverlayView* m_overlayContainer;
-    StampsByPage m_stampsByPage;
     std::optional<QUuid> m_selectedStampID;
     QHash<QUuid, InteractiveStampView*> m_stampViews;
 };

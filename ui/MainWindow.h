@@ -12,8 +12,8 @@
 
 namespace vellmora {
 
-/// The window: command bar across the top, sidebar on the left, editor area on the right. The whole of it
-/// takes drops of files.
+/// The window: command bar across the top, sidebar on the left, editor area on the right. Files can be
+/// dropped anywhere in it.
 class MainWindow : public QWidget {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ public:
     static constexpr QSize minimumContentSize{1220, 800};
 
     struct Callbacks {
-        QList<Command> commands;
+        QList<QAction*> commands;  ///< they must outlive the window
         SidebarCallbacks sidebar;
         std::function<void(bool)> onDropTargeted;
         /// True where the drop is accepted.

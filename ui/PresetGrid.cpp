@@ -26,16 +26,18 @@ int PresetGrid::columnWidth(int width) {
 }
 
 /// A row is as high as its highest tile.
-QList<PresetGrid::Row> PresetGrid::layOutRows() const {
+QList<PresetGrid::Row> PresetGrid::layOutRows() {
     const int columns = columnCount(width());
-    PresetTile::Heights heights(columnWidth(width()), m_theme);
+    const int tileWidth = columnWidth(width());
+    if (!m_heights || m_heights->tileWidth() != tileWidth)
+        m_heights.emplace(tileWidth, m_theme);
     QList<Row> rows;
     int top = 0;
     for (qsizetype first = 0; first < m_data.presets.size(); first += columns) {
         int height = 0;
         const qsizetype end = std::min(first + columns, m_data.presets.size());
         for (qsizetype i = first; i < end; ++i)
-            height = std::max(height, heights.of(m_data.presets[i]));
+            height = std::max(height, m_heights->of(m_data.presets[i]));
         rows.append({top, height});
         top += height + spacing;
     }

@@ -44,7 +44,7 @@ private:
     };
     static int columnCount(int width);
     static int columnWidth(int width);
-    QList<Row> layOutRows() const;
+    QList<Row> layOutRows();
     void updateRows();
     enum class Refresh { newTiles, allTiles };
     void showTiles(Refresh refresh);
@@ -57,6 +57,7 @@ private:
     Thumbnails& m_thumbnails;
     Theme m_theme;
     Data m_data;
+    std::optional<PresetTile::Heights> m_heights;
     QList<Row> m_rows;
     int m_visibleTop = 0;
     int m_visibleBottom = 0;

@@ -71,14 +71,21 @@ void PresetTile::setData(const Data& newData) {
 }
 
 PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
-    : m_names(nameFont(theme)),
-      m_nameWidth(tileWidth - 2 * padding),
+    : m_tileWidth(tileWidth),
+      m_nameMetrics(nameFont(theme)),
       m_nameLine(QFontMetrics(nameFont(theme)).height()),
       m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()) {}
 
+int PresetTile::Heights::linesOf(const QString& name) {
+    const auto known = m_nameLines.constFind(name);
+    if (known != m_nameLines.constEnd())
+        return *known;
+    const bool fitsOneLine = m_nameMetrics.horizontalAdvance(name) <= m_tileWidth - 2 * padding;
+    return *m_nameLines.insert(name, fitsOneLine ? 1 : maximumNameLines);
+}
+
 int PresetTile::Heights::of(const StampPreset& preset) {
-    const int nameLines = m_names.fits(preset.displayName, m_nameWidth) ? 1 : maximumNameLines;
-    const int texts = nameLines * m_nameLine + (preset.isBuiltin() ? m_badge : 0);
+    const int texts = linesOf(preset.displayName) * m_nameLine + (preset.isBuiltin() ? m_badge : 0);
     return 2 * padding + pictureStyle.frameHeight + 2 * pictureStyle.padding + spacing + texts + spacing +
            Button::heightOf(Button::Size::small);
 }

@@ -4,7 +4,9 @@
 #include "ui/PictureView.h"
 #include "ui/PresetItem.h"
 #include "ui/TextLabel.h"
-#include "ui/TextWidths.h"
+
+#include <QFontMetricsF>
+#include <QHash>
 
 namespace vellmora {
 
@@ -17,15 +19,19 @@ public:
 
     void setData(const Data& newData) override;
 
-    /// Heights of tiles of one width, for thousands of them.
+    /// Heights of tiles of one width. Each name is measured once.
     class Heights {
     public:
         Heights(int tileWidth, const Theme& theme);
+        int tileWidth() const { return m_tileWidth; }
         int of(const StampPreset& preset);
 
     private:
-        TextWidths m_names;
-        double m_nameWidth;
+        int linesOf(const QString& name);
+
+        int m_tileWidth;
+        QFontMetricsF m_nameMetrics;
+        QHash<QString, int> m_nameLines;
         int m_nameLine;
         int m_badge;
     };

@@ -28,7 +28,7 @@ protected:
     QProperty<qsizetype> currentPageIndex{0};
     QProperty<std::optional<QUuid>> selectedStampID;
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-    PDFEditorView bridge{&pdfDocument, &stampsByPage, &currentPageIndex, &selectedStampID};
+    PDFEditorView bridge{pdfDocument, stampsByPage, currentPageIndex, selectedStampID};
     std::unique_ptr<EditorHostView> host;
 };
 

@@ -41,7 +41,7 @@ protected:
 
     MainWindow::Callbacks callbacks() {
         MainWindow::Callbacks result;
-        result.commands = {{QStringLiteral("Erster"), {}, [] {}}, {QStringLiteral("Zweiter"), {}, [] {}}};
+        result.commands = {&first, &second};
         const auto note = [this](const char* what) {
             return [this, what](const StampPreset& p) {
                 calls.append(QString::fromLatin1(what) + p.displayName);
@@ -60,6 +60,8 @@ protected:
         return result;
     }
 
+    QAction first{QStringLiteral("Erster")};
+    QAction second{QStringLiteral("Zweiter")};
     QStringList calls;
     std::atomic<bool> isPictureReadable = true;
     std::atomic<int> decodes = 0;

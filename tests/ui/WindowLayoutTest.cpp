@@ -168,7 +168,7 @@ TEST_F(WindowLayoutTest, TheDropZoneKeepsItsWidthsAndTexts) {
 
 TEST_F(WindowLayoutTest, ALongStatusIsCutOffAndMovesNothing) {
     const int before = inWindow(*window.commandBar().findChildren<Button*>().last()).right();
-    window.commandBar().setData({{}, QString(400, QLatin1Char('x'))});
+    window.commandBar().setStatusText(QString(400, QLatin1Char('x')));
     settle();
     EXPECT_EQ(window.width(), 1220);
     EXPECT_EQ(inWindow(*window.commandBar().findChildren<Button*>().last()).right(), before);
