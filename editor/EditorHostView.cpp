@@ -79,7 +79,7 @@ void EditorHostView::syncStampView(const StampItem& stamp) {
     if (!view)
         view = makeStampView(stamp);
     view->setStamp(stamp);
-    // The overlay covers the page view exactly, so their spaces are one.
+    // The overlay covers the page view exactly, so a point has the same coordinates in both.
     if (!view->isDraggingInteractively())
         view->setFrame(integral(m_pdfView->convertFromPage(stamp.rect)));
 }

@@ -32,24 +32,25 @@ public:
     /// `renderer` must outlive the view.
     EditorHostView(PageRenderer& renderer, QWidget* parent);
 
-    /// The same document again is ignored; another one is shown from its first page, fitted.
+    /// Shows another document from its first page, scaled to fit. Does nothing for the document that is shown
+    /// already.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
     /// Makes the stamp views match the stamps of the page on screen. To be called after the stamps changed;
     /// the host calls it itself when page, scale or size change.
     void syncStampViews();
     void setSelectedStampID(const std::optional<QUuid>& id);
-    /// Does nothing for a page that the document does not have or that is on screen already.
+    /// Does nothing for a page that the document does not have, or that is on screen already.
     void displayPage(qsizetype index);
 
     /// The stamps of all pages as they are now. The host keeps no copy of them.
     std::function<StampsByPage()> stampsByPage;
-    /// A stamp whose rectangle the user changed.
+    /// Called with the changed stamp when the user has moved or resized it.
     std::function<void(const StampItem&)> onStampChanged;
-    /// A click on a stamp.
+    /// Called when the user clicks on a stamp.
     std::function<void(std::optional<QUuid>)> onStampSelected;
-    /// What a screen reader calls a stamp.
+    /// The name by which a screen reader calls a stamp.
     std::function<QString(const StampItem&)> nameOfStamp;
-    /// The page now on screen.
+    /// Called when another page is on screen.
     std::function<void(qsizetype)> onPageChanged;
 
     PDFView& pdfView() { return *m_pdfView; }
@@ -57,7 +58,7 @@ public:
     EditorOverlayView& overlayContainer() { return *m_overlayContainer; }
     /// Null for a stamp that is not on the page on screen.
     InteractiveStampView* stampView(const QUuid& id) const { return m_stampViews.value(id); }
-    /// 0 when there is no current page.
+    /// 0 when no page is on screen.
     qsizetype currentPageIndex() const { return m_pdfView->currentPageIndex().value_or(0); }
 
 protected:

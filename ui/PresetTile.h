@@ -6,7 +6,7 @@
 #include "ui/TextLabel.h"
 
 #include <QFontMetricsF>
-#include <QHash>
+#include <QRawFont>
 
 namespace vellmora {
 
@@ -19,19 +19,18 @@ public:
 
     void setData(const Data& newData) override;
 
-    /// Heights of tiles of one width. Each name is measured once.
+    /// Heights of tiles of one width, quick enough for thousands of them.
     class Heights {
     public:
         Heights(int tileWidth, const Theme& theme);
-        int tileWidth() const { return m_tileWidth; }
-        int of(const StampPreset& preset);
+        int of(const StampPreset& preset) const;
 
     private:
-        int linesOf(const QString& name);
+        bool fitsOneLine(const QString& name) const;
 
-        int m_tileWidth;
+        QRawFont m_nameGlyphs;
         QFontMetricsF m_nameMetrics;
-        QHash<QString, int> m_nameLines;
+        double m_nameWidth;
         int m_nameLine;
         int m_badge;
     };

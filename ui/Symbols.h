@@ -20,11 +20,10 @@ enum class Symbol {
     documentArrowUp,  ///< let go now
 };
 
-/// Draws the symbol as a square as large as the lesser side of `area`, in its middle.
+/// Draws the symbol into the largest square in the middle of `area`.
 void drawSymbol(QPainter& painter, Symbol symbol, const QRectF& area, const QColor& color);
 
-/// A symbol of a fixed size in view points. A screen reader does not mention it: a text always stands beside
-/// it.
+/// A symbol of a fixed size in view points. Screen readers skip it, since a text always stands beside it.
 class SymbolView : public QWidget {
     Q_OBJECT
 

@@ -26,6 +26,7 @@ protected:
             StampPreset preset;
             preset.displayName = QStringLiteral("Stempel %1").arg(i);
             preset.createdAt = QDateTime(QDate(2024, 5, 17), QTime(12, 0));
+            preset.lastUsedAt = preset.createdAt.addDays(100);
             if (isBuiltin)
                 preset.builtinKey = preset.displayName;
             library.presets.append(preset);
