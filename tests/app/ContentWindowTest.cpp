@@ -111,7 +111,7 @@ TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     EXPECT_EQ(content().statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
     workspace.panels.answer = workspace.url(QStringLiteral("Kopie.pdf"));
     QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
+    ASSERT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
     EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
 
     start();

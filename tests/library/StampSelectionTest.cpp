@@ -78,12 +78,12 @@ TEST_F(StampSelectionTest, TwelveRecentsAreStoredAndEightShown) {
     const auto library = workspace.makeLibrary();
     const QList<StampPreset> presets = importMany(*library, 13);
     EXPECT_EQ(storedRecents().size(), 12);
-    EXPECT_EQ(storedRecents().first(), identifierText(presets[12].id));
-    EXPECT_EQ(storedRecents().last(), identifierText(presets[1].id));
+    EXPECT_EQ(storedRecents().value(0), identifierText(presets[12].id));
+    EXPECT_EQ(storedRecents().value(11), identifierText(presets[1].id));
     EXPECT_EQ(library->recentPresets().size(), 8);
     library->recordUse(presets[5].id);
     EXPECT_EQ(storedRecents().size(), 12);
-    EXPECT_EQ(storedRecents().first(), identifierText(presets[5].id));
+    EXPECT_EQ(storedRecents().value(0), identifierText(presets[5].id));
 }
 
 TEST_F(StampSelectionTest, OddStoredRecentsAreToleratedAndUnknownUsesIgnored) {
