@@ -1,7 +1,11 @@
 #include "app/ContentWindow.h"
 
+#include "platform/error/Error.h"
+
+#include <new>
 #include <utility>
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
@@ -17,9 +21,10 @@ const auto refreshEvent = static_cast<QEvent::Type>(QEvent::registerEventType())
 ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer& renderer, const Theme& theme)
     : m_content(std::move(content)),
       m_renderer(renderer),
+      m_commands(makeCommands()),
       m_window(std::make_unique<MainWindow>(makeCallbacks(), theme)),
-      m_bridge{&m_content->pdfDocument, &m_content->stampsByPage, &m_content->currentPageIndex,
-               &m_content->selectedStampID} {
+      m_bridge{m_content->pdfDocument, m_content->stampsByPage, m_content->currentPageIndex,
+               m_content->selectedStampID} {
     observe(m_content->pdfDocument);
     observe(m_content->stampsByPage);
     observe(m_content->currentPageIndex);
@@ -44,32 +49,63 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
 
 ContentWindow::~ContentWindow() = default;
 
+/// Runs what a view asked for. Qt ends the program where an exception reaches its event loop.
 template <typename Action>
-auto ContentWindow::unlessWorking(Action action) {
+void ContentWindow::attempt(Action action) {
+    const QString failed = QStringLiteral("Befehl fehlgeschlagen: ");
+    try {
+        action();
+    } catch (const Error& error) {
+        m_content->statusText = failed + error.localizedDescription();
+    } catch (const std::bad_alloc&) {
+        m_content->statusText = failed + QStringLiteral("Der Arbeitsspeicher reicht nicht aus.");
+    } catch (...) {
+        m_content->statusText = failed + QStringLiteral("Unerwarteter Fehler.");
+    }
+}
+
+/// The action as a command: it does nothing while another one is at work.
+template <typename Action>
+auto ContentWindow::command(Action action) {
     return [this, action](const auto&... arguments) {
         if (!m_isWorking)
-            action(arguments...);
+            attempt([&] { action(arguments...); });
     };
 }
 
-QList<Command> ContentWindow::makeCommands() {
+QList<ContentWindow::Command> ContentWindow::makeCommands() {
     ContentView& content = *m_content;
     using SaveMode = ContentView::SaveMode;
-    QList<Command> commands{
-        {QStringLiteral("PDF öffnen"), QKeySequence(Qt::CTRL | Qt::Key_O), [&] { content.openPDF(); }},
-        {QStringLiteral("Stempel importieren"), QKeySequence(Qt::CTRL | Qt::Key_I),
-         [&] { content.importStampToLibrary(); }},
-        {QStringLiteral("Stempel auf aktueller Seite"),
-         {},
-         [&] { content.addStampToCurrentPage(content.stampLibrary().selectedPreset()); }},
-        {QStringLiteral("Ausgewählten löschen"), {}, [&] { content.deleteSelectedStamp(); }},
-        {ContentView::actionLabel(SaveMode::overwriteOriginal), QKeySequence(Qt::CTRL | Qt::Key_S),
-         [&] { content.beginSaveFlow(SaveMode::overwriteOriginal); }},
-        {ContentView::actionLabel(SaveMode::saveAs), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
-         [&] { content.beginSaveFlow(SaveMode::saveAs); }},
+    QList<Command> commands;
+    const auto add = [&](const QString& text, const QKeySequence& shortcut, std::function<void()> run,
+                         std::function<bool()> isAllowed) {
+        auto* action = new QAction(text, this);
+        action->setShortcut(shortcut);
+        action->setAutoRepeat(false);
+        connect(action, &QAction::triggered, this, command([run = std::move(run)](bool) { run(); }));
+        commands.append({action, std::move(isAllowed)});
     };
-    for (Command& command : commands)
-        command.run = unlessWorking(command.run);
+    const auto always = [] { return true; };
+    const auto hasDocument = [&] { return content.pdfDocument.value() != nullptr; };
+    add(
+        QStringLiteral("PDF öffnen"), Qt::CTRL | Qt::Key_O, [&] { content.openPDF(); }, always);
+    add(
+        QStringLiteral("Stempel importieren"), Qt::CTRL | Qt::Key_I, [&] { content.importStampToLibrary(); },
+        always);
+    add(
+        QStringLiteral("Stempel auf aktueller Seite"), {},
+        [&] { content.addStampToCurrentPage(content.stampLibrary().selectedPreset()); },
+        [&, hasDocument] { return hasDocument() && content.stampLibrary().selectedPreset().has_value(); });
+    add(
+        QStringLiteral("Ausgewählten löschen"), {}, [&] { content.deleteSelectedStamp(); },
+        [&] { return content.selectedStampID.value().has_value(); });
+    add(
+        ContentView::actionLabel(SaveMode::overwriteOriginal), Qt::CTRL | Qt::Key_S,
+        [&] { content.beginSaveFlow(SaveMode::overwriteOriginal); },
+        [&, hasDocument] { return hasDocument() && content.pdfSourceURL.value().has_value(); });
+    add(
+        ContentView::actionLabel(SaveMode::saveAs), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
+        [&] { content.beginSaveFlow(SaveMode::saveAs); }, hasDocument);
     return commands;
 }
 
@@ -82,8 +118,8 @@ void ContentWindow::showWaitCursor() {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
-/// What the user clicked meanwhile is delivered now, and runs no second command. A file dropped meanwhile is
-/// loaded now, in between.
+/// The clicks and keys that came during the work are delivered here, while no second command runs. A file
+/// that was dropped during the work is loaded here.
 void ContentWindow::endWork() {
     QCoreApplication::processEvents();
     if (std::exchange(m_showsWaitCursor, false))
@@ -91,32 +127,24 @@ void ContentWindow::endWork() {
     m_isWorking = false;
 }
 
-/// In the order of `makeCommands`.
-QList<bool> ContentWindow::enabledCommands() const {
-    const bool hasDocument = m_content->pdfDocument.value() != nullptr;
-    return {
-        true,
-        true,
-        hasDocument && m_content->stampLibrary().selectedPreset().has_value(),
-        m_content->selectedStampID.value().has_value(),
-        hasDocument && m_content->pdfSourceURL.value().has_value(),
-        hasDocument,
-    };
-}
-
 MainWindow::Callbacks ContentWindow::makeCallbacks() {
     ContentView& content = *m_content;
     MainWindow::Callbacks callbacks;
-    callbacks.commands = makeCommands();
+    for (const Command& command : m_commands)
+        callbacks.commands.append(command.action);
     callbacks.sidebar = {
-        [&](const StampPreset& preset) { content.stampLibrary().selectPreset(preset.id); },
-        unlessWorking([&](const StampPreset& preset) { content.addStampToCurrentPage(preset); }),
-        unlessWorking([&](const StampPreset& preset) { content.removePreset(preset.id); }),
-        unlessWorking([&] { content.importStampToLibrary(); }),
+        [&](const StampPreset& preset) { attempt([&] { content.stampLibrary().selectPreset(preset.id); }); },
+        command([&](const StampPreset& preset) { content.addStampToCurrentPage(preset); }),
+        command([&](const StampPreset& preset) { content.removePreset(preset.id); }),
+        command([&] { content.importStampToLibrary(); }),
         [&](const StampPreset& preset) { return content.stampLibrary().pictureSource(preset); },
     };
     callbacks.onDropTargeted = [&](bool isTargeted) { content.isPDFDropTargeted = isTargeted; };
-    callbacks.onDrop = [&](const ItemProviders& providers) { return content.handlePDFDrop(providers); };
+    callbacks.onDrop = [&](const ItemProviders& providers) {
+        bool isAccepted = false;
+        attempt([&] { isAccepted = content.handlePDFDrop(providers); });
+        return isAccepted;
+    };
     return callbacks;
 }
 
@@ -125,8 +153,8 @@ void ContentWindow::observe(QProperty<T>& field) {
     m_observers.push_back(field.addNotifier([this] { scheduleRefresh(); }));
 }
 
-/// Refreshes after all that is already queued, so that reports of the editor that are on their way are in the
-/// workspace by then and are not overwritten on screen by the state before them.
+/// The refresh comes after all events that are queued already. A report of the editor that is among them has
+/// then been written into the workspace, so the refresh does not show the state before it.
 void ContentWindow::scheduleRefresh() {
     if (std::exchange(m_isRefreshScheduled, true))
         return;
@@ -137,7 +165,7 @@ bool ContentWindow::event(QEvent* event) {
     if (event->type() != refreshEvent)
         return QObject::event(event);
     m_isRefreshScheduled = false;
-    refresh();
+    attempt([this] { refresh(); });
     return true;
 }
 
@@ -145,7 +173,9 @@ void ContentWindow::refresh() {
     const bool hasDocument = m_content->pdfDocument.value() != nullptr;
     if (hasDocument && !m_editor)
         makeEditor();
-    m_window->commandBar().setData({enabledCommands(), m_content->statusText});
+    for (const Command& command : m_commands)
+        command.action->setEnabled(command.isAllowed());
+    m_window->commandBar().setStatusText(m_content->statusText);
     m_window->sidebar().setFigures(workspaceFigures());
     if (std::exchange(m_hasLibraryChanged, false))
         m_window->sidebar().setLibrary(libraryContent());

@@ -5,6 +5,7 @@
 #include "platform/pdf/render/PageRenderer.h"
 #include "ui/MainWindow.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -14,7 +15,9 @@
 namespace vellmora {
 
 /// Shows a workspace in a window: hands its data and commands to the views, and refreshes them once per turn
-/// of the event loop, however many fields changed in it.
+/// of the event loop, however many fields changed in it. Main thread only.
+///
+/// An exception that leaves a command, whatever it is, becomes the status text.
 class ContentWindow : public QObject {
     Q_OBJECT
 
@@ -32,10 +35,17 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    MainWindow::Callbacks makeCallbacks();
+    /// A command of the bar, and whether the state of the workspace allows it.
+    struct Command {
+        QAction* action;
+        std::function<bool()> isAllowed;
+    };
     QList<Command> makeCommands();
+    MainWindow::Callbacks makeCallbacks();
     template <typename Action>
-    auto unlessWorking(Action action);
+    void attempt(Action action);
+    template <typename Action>
+    auto command(Action action);
     template <typename T>
     void observe(QProperty<T>& field);
     void scheduleRefresh();
@@ -45,12 +55,12 @@ private:
     void endWork();
     void makeEditor();
     QString nameOfStamp(const StampItem& stamp) const;
-    QList<bool> enabledCommands() const;
     WorkspaceFigures workspaceFigures() const;
     LibraryContent libraryContent() const;
 
     std::unique_ptr<ContentView> m_content;
     PageRenderer& m_renderer;
+    QList<Command> m_commands;
     std::unique_ptr<MainWindow> m_window;
     PDFEditorView m_bridge;
     EditorHostView* m_editor = nullptr;

@@ -2,7 +2,6 @@
 
 #include "editor/StampViewAccessible.h"
 #include "platform/files/Files.h"
-#include "platform/fonts/FontConfiguration.h"
 #include "platform/view/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
@@ -13,16 +12,10 @@
 #include <QIcon>
 #include <QLocale>
 
-// The toolkit's macro must be called outside of any namespace.
-static void initializeResources() {
-    Q_INIT_RESOURCE(vellmora_translations);
-    Q_INIT_RESOURCE(vellmora_icons);
-}
-
 namespace vellmora {
 
-/// Dates and numbers of the toolkit's own dialogs follow the environment. Only they are set: the character
-/// set stays as the user has it.
+/// Qt's own dialogs take the formats of dates and numbers from the environment. The character set stays as
+/// the user has it. The environment must not change once there are threads.
 static void setGermanFormats() {
     const QByteArray all = qgetenv("LC_ALL");
     if (!all.isEmpty()) {
@@ -33,15 +26,8 @@ static void setGermanFormats() {
         qputenv(category, "de_DE.UTF-8");
 }
 
-/// What must be done, or begin, before the toolkit connects to the display.
-static std::future<void> prepare() {
-    files::makeFileSizeLimitAnError();
-    setGermanFormats();
-    return readFontConfiguration();
-}
-
-/// Small ones, for window managers that do not look into the installed icons. The format is named, since to
-/// detect it the toolkit would load all of its decoders.
+/// Small icons, for window managers that do not look into the installed ones. Qt is told their format, since
+/// it would load all of its decoders to find it out.
 static QIcon programIcon() {
     QIcon icon;
     for (const int size : {16, 48})
@@ -49,8 +35,15 @@ static QIcon programIcon() {
     return icon;
 }
 
-VellmoraApp::VellmoraApp(int& argc, char** argv) : m_fontConfiguration(prepare()), m_application(argc, argv) {
-    // Libraries read and write numbers of files with it; the toolkit's dialogs do not ask for it.
+/// What must be done before Qt is started, which starts threads. Hands the argument on, for an initializer.
+static int& prepared(int& argc) {
+    files::makeFileSizeLimitAnError();
+    setGermanFormats();
+    return argc;
+}
+
+VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc), argv) {
+    // Qt has set it from the environment. Libraries read and write the numbers in files with it.
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setApplicationName(QStringLiteral("vellmora"));
     QApplication::setApplicationVersion(QStringLiteral(VELLMORA_VERSION));
@@ -60,11 +53,9 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_fontConfiguration(prepare()
     installAccessibility();
     installStampViewAccessibility();
     installPageViewAccessibility();
-    initializeResources();
     QGuiApplication::setWindowIcon(programIcon());
-    if (m_toolkitTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
-        QCoreApplication::installTranslator(&m_toolkitTexts);
-    m_fontConfiguration.wait();
+    if (m_qtTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
+        QCoreApplication::installTranslator(&m_qtTexts);
 }
 
 std::optional<QUrl> VellmoraApp::documentToOpen() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <future>
 #include <optional>
 
 #include <QApplication>
@@ -9,21 +8,21 @@
 
 namespace vellmora {
 
-/// The application entry: the toolkit set up as this program needs it, German whatever the system's locale.
+/// The application entry: Qt set up as this program needs it, in German whatever the system's language is. To
+/// be made first of all in `main`, before any thread is started.
 class VellmoraApp {
 public:
     VellmoraApp(int& argc, char** argv);
 
-    /// The file that is named on the command line. Ends the program where help or the version is asked for
-    /// instead, or the words make no sense.
+    /// The file that the command line names. Ends the program where the command line asks for help or the
+    /// version, or makes no sense.
     std::optional<QUrl> documentToOpen() const;
 
     int run() { return QApplication::exec(); }
 
 private:
-    std::future<void> m_fontConfiguration;
     QApplication m_application;
-    QTranslator m_toolkitTexts;
+    QTranslator m_qtTexts;
 };
 
 }  // namespace vellmora

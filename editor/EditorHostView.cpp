@@ -1,7 +1,5 @@
 #include "editor/EditorHostView.h"
 
-#include <algorithm>
-
 #include <QPalette>
 #include <QSet>
 
@@ -38,11 +36,6 @@ void EditorHostView::setDocument(const std::shared_ptr<const PDFDocument>& docum
     m_pdfView->setAutoScales(true);
 }
 
-void EditorHostView::setStampsByPage(const StampsByPage& stampsByPage) {
-    m_stampsByPage = stampsByPage;
-    syncStampViews();
-}
-
 void EditorHostView::setSelectedStampID(const std::optional<QUuid>& id) {
     m_selectedStampID = id;
     updateSelectionState();
@@ -60,8 +53,8 @@ void EditorHostView::pdfPageChanged() {
 }
 
 void EditorHostView::syncStampViews() {
-    const bool hasPage = m_pdfView->currentPageIndex().has_value();
-    const QList<StampItem> stamps = hasPage ? m_stampsByPage.value(currentPageIndex()) : QList<StampItem>();
+    const bool hasStamps = stampsByPage && m_pdfView->currentPageIndex();
+    const QList<StampItem> stamps = hasStamps ? stampsByPage().value(currentPageIndex()) : QList<StampItem>();
     removeStaleViews(stamps);
     for (const StampItem& stamp : stamps)
         syncStampView(stamp);
@@ -86,7 +79,7 @@ void EditorHostView::syncStampView(const StampItem& stamp) {
     if (!view)
         view = makeStampView(stamp);
     view->setStamp(stamp);
-    // The overlay covers the page view exactly, so their spaces are one.
+    // The overlay covers the page view exactly, so a point has the same coordinates in both.
     if (!view->isDraggingInteractively())
         view->setFrame(integral(m_pdfView->convertFromPage(stamp.rect)));
 }
@@ -110,14 +103,10 @@ void EditorHostView::updateSelectionState() {
 }
 
 void EditorHostView::updateStampRect(const QUuid& stampID, const Rect& frameInOverlay) {
-    if (!m_pdfView->currentPageIndex())
+    const InteractiveStampView* view = stampView(stampID);
+    if (!view || !onStampChanged)
         return;
-    const QList<StampItem> stamps = m_stampsByPage.value(currentPageIndex());
-    const auto stamp =
-        std::find_if(stamps.begin(), stamps.end(), [&](const auto& s) { return s.id == stampID; });
-    if (stamp == stamps.end() || !onStampChanged)
-        return;
-    StampItem changed = *stamp;
+    StampItem changed = view->stamp();
     changed.rect = m_pdfView->convertToPage(frameInOverlay);
     onStampChanged(changed);
 }

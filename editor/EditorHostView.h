@@ -1,6 +1,5 @@
 #pragma once
 
-#include "editor/EditorOverlayView.h"
 #include "editor/InteractiveStampView.h"
 #include "editor/StampPicture.h"
 #include "platform/view/PDFView.h"
@@ -14,9 +13,18 @@
 
 namespace vellmora {
 
+/// The transparent layer over the page that holds the stamp views. It handles no events itself: those that no
+/// stamp view takes go on to the page view, which is its parent.
+class EditorOverlayView : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+};
+
 /// Shows one page of the document with its placed stamps laid over it, and maps between the stamps' page
-/// space and the overlay. It never changes the stamps that it was given: every change leaves through the
-/// callbacks.
+/// space and the overlay. It reads the stamps and never changes them: every change leaves through the
+/// callbacks. Main thread only.
 class EditorHostView : public QWidget {
     Q_OBJECT
 
@@ -24,20 +32,25 @@ public:
     /// `renderer` must outlive the view.
     EditorHostView(PageRenderer& renderer, QWidget* parent);
 
-    /// The same document again is ignored; another one is shown from its first page, fitted.
+    /// Shows another document from its first page, scaled to fit. Does nothing for the document that is shown
+    /// already.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
-    void setStampsByPage(const StampsByPage& stampsByPage);
+    /// Makes the stamp views match the stamps of the page on screen. To be called after the stamps changed;
+    /// the host calls it itself when page, scale or size change.
+    void syncStampViews();
     void setSelectedStampID(const std::optional<QUuid>& id);
-    /// Does nothing for a page that the document does not have or that is on screen already.
+    /// Does nothing for a page that the document does not have, or that is on screen already.
     void displayPage(qsizetype index);
 
-    /// A stamp whose rectangle the user changed.
+    /// The stamps of all pages as they are now. The host keeps no copy of them.
+    std::function<StampsByPage()> stampsByPage;
+    /// Called with the changed stamp when the user has moved or resized it.
     std::function<void(const StampItem&)> onStampChanged;
-    /// A click on a stamp.
+    /// Called when the user clicks on a stamp.
     std::function<void(std::optional<QUuid>)> onStampSelected;
-    /// What a screen reader calls a stamp.
+    /// The name by which a screen reader calls a stamp.
     std::function<QString(const StampItem&)> nameOfStamp;
-    /// The page now on screen.
+    /// Called when another page is on screen.
     std::function<void(qsizetype)> onPageChanged;
 
     PDFView& pdfView() { return *m_pdfView; }
@@ -45,7 +58,7 @@ public:
     EditorOverlayView& overlayContainer() { return *m_overlayContainer; }
     /// Null for a stamp that is not on the page on screen.
     InteractiveStampView* stampView(const QUuid& id) const { return m_stampViews.value(id); }
-    /// 0 when there is no current page.
+    /// 0 when no page is on screen.
     qsizetype currentPageIndex() const { return m_pdfView->currentPageIndex().value_or(0); }
 
 protected:
@@ -54,7 +67,6 @@ protected:
 private:
     void setup();
     void pdfPageChanged();
-    void syncStampViews();
     void removeStaleViews(const QList<StampItem>& stamps);
     void syncStampView(const StampItem& stamp);
     InteractiveStampView* makeStampView(const StampItem& stamp);
@@ -64,7 +76,6 @@ private:
     StampPictures m_pictures;
     PDFView* m_pdfView;
     EditorOverlayView* m_overlayContainer;
-    StampsByPage m_stampsByPage;
     std::optional<QUuid> m_selectedStampID;
     QHash<QUuid, InteractiveStampView*> m_stampViews;
 };

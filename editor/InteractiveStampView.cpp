@@ -26,8 +26,8 @@ QColor white(float alpha) {
     return color;
 }
 
-/// A line along the rectangle, as four bars: an outline in one piece the toolkit cuts up and hands to other
-/// threads, and waits for them, for each stamp at each step of a drag.
+/// A line along the rectangle, painted as four bars. Qt would cut an outline in one piece up, hand the parts
+/// to other threads and wait for them, for each stamp at each step of a drag.
 void fillOutline(QPainter& painter, const QRectF& rect, double lineWidth, const QColor& color) {
     const double half = lineWidth / 2;
     const QRectF outer = rect.adjusted(-half, -half, half, half);
@@ -117,7 +117,7 @@ Rect InteractiveStampView::proposedFrame(Point mouse) const {
 }
 
 void InteractiveStampView::mouseMoveEvent(QMouseEvent* event) {
-    // A dialog that opens during a drag takes the mouse-up away.
+    // The mouse-up is lost where a dialog opens during a drag.
     if (!event->buttons().testFlag(Qt::LeftButton))
         m_isDraggingInteractively = false;
     if (!m_isDraggingInteractively) {
@@ -144,7 +144,7 @@ void InteractiveStampView::reportFrame() {
 void InteractiveStampView::paintEvent(QPaintEvent*) {
     if (!m_picture)
         m_picture = m_pictures.picture(m_stamp.imageData);
-    // The widget covers whole points; the frame may begin within its first one.
+    // The widget lies on whole points. The frame may begin within the widget's first point.
     const QRectF frame = toToolkit(m_frame, parentWidget()->height()).translated(-pos());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -13,35 +13,35 @@ class QSinglePointEvent;
 
 namespace vellmora {
 
-/// One placed stamp inside the editor's overlay: shows its picture, and lets the user select, move and resize
-/// it.
+/// One placed stamp inside the editor's overlay. It shows the stamp's picture, and lets the user select, move
+/// and resize it.
 ///
-/// Works in overlay space only (view points, origin at the overlay's lower left, y upwards) and knows nothing
-/// of pages.
+/// All its coordinates are in overlay space: view points, from the overlay's lower left corner, y upwards. It
+/// knows nothing of pages. Main thread only.
 class InteractiveStampView : public QWidget {
     Q_OBJECT
 
 public:
     enum class DragMode { move, resize };
 
-    /// `pictures` must outlive the view. The owner sets the frame.
+    /// `pictures` must outlive the view. The caller sets the frame afterwards.
     InteractiveStampView(StampItem stamp, StampPictures& pictures, QWidget* overlay);
 
     const StampItem& stamp() const { return m_stamp; }
     void setStamp(const StampItem& stamp);
     bool isSelectedStamp() const { return m_isSelectedStamp; }
     void setSelectedStamp(bool isSelected);
-    /// True from mouse-down to mouse-up, or, where that goes elsewhere, to the next move without the button;
-    /// the owner leaves the frame alone meanwhile.
+    /// True while the user holds the mouse button down on the stamp. `EditorHostView` does not change the
+    /// frame then. Where the view never gets the mouse-up, the next move without the button ends it.
     bool isDraggingInteractively() const { return m_isDraggingInteractively; }
 
-    /// Overlay space. The frame need not be whole points; the widget covers it.
+    /// The frame need not lie on whole points. The widget covers it.
     const Rect& frame() const { return m_frame; }
     void setFrame(const Rect& frame);
 
     /// Called on mouse-down with the stamp's id.
     std::function<void(std::optional<QUuid>)> onSelect;
-    /// Called on every step of a drag and on mouse-up, with the stamp's id and the view's frame.
+    /// Called at every step of a drag and on mouse-up, with the stamp's id and the view's frame.
     std::function<void(QUuid, Rect)> onFrameChanged;
 
 protected:

@@ -3,29 +3,34 @@
 #include <algorithm>
 #include <utility>
 
+#include <QScopeGuard>
+
 namespace vellmora {
 
 PDFEditorView::Coordinator::Coordinator(const PDFEditorView& parent, QObject* owner)
     : QObject(owner), m_parent(parent) {}
 
 void PDFEditorView::Coordinator::setPageIndex(qsizetype index) {
-    m_parent.currentPageIndex.setValue(index);
+    m_parent.currentPageIndex = index;
 }
 
 void PDFEditorView::Coordinator::setStamp(const StampItem& stamp) {
-    StampsByPage stampsByPage = m_parent.stampsByPage.value();
-    QList<StampItem> stamps = stampsByPage.value(stamp.pageIndex);
-    const auto known =
-        std::find_if(stamps.begin(), stamps.end(), [&](const auto& s) { return s.id == stamp.id; });
-    if (known == stamps.end())
+    QProperty<StampsByPage>& field = m_parent.stampsByPage;
+    StampsByPage stamps = field.value();
+    // With the field empty for the moment, only `stamps` holds the map, and Qt copies none of it on writing.
+    field.setValueBypassingBindings({});
+    const auto putBack = qScopeGuard([&] { field.setValue(std::move(stamps)); });
+    const auto page = stamps.find(stamp.pageIndex);
+    if (page == stamps.end())
         return;
-    *known = stamp;
-    stampsByPage.insert(stamp.pageIndex, stamps);
-    m_parent.stampsByPage.setValue(stampsByPage);
+    const auto known =
+        std::find_if(page->begin(), page->end(), [&](const auto& s) { return s.id == stamp.id; });
+    if (known != page->end())
+        *known = stamp;
 }
 
 void PDFEditorView::Coordinator::setSelectedStamp(const std::optional<QUuid>& id) {
-    m_parent.selectedStampID.setValue(id);
+    m_parent.selectedStampID = id;
 }
 
 EditorHostView* PDFEditorView::makeView(PageRenderer& renderer, QWidget* parentWidget) const {
@@ -34,6 +39,7 @@ EditorHostView* PDFEditorView::makeView(PageRenderer& renderer, QWidget* parentW
     const auto later = [coordinator](auto write) {
         QMetaObject::invokeMethod(coordinator, std::move(write), Qt::QueuedConnection);
     };
+    host->stampsByPage = [&field = stampsByPage] { return field.value(); };
     host->onPageChanged = [=](qsizetype index) { later([=] { coordinator->setPageIndex(index); }); };
     host->onStampChanged = [=](const StampItem& stamp) { later([=] { coordinator->setStamp(stamp); }); };
     host->onStampSelected = [=](const std::optional<QUuid>& id) {
@@ -44,7 +50,7 @@ EditorHostView* PDFEditorView::makeView(PageRenderer& renderer, QWidget* parentW
 
 void PDFEditorView::updateView(EditorHostView& host) const {
     host.setDocument(pdfDocument.value());
-    host.setStampsByPage(stampsByPage.value());
+    host.syncStampViews();
     host.setSelectedStampID(selectedStampID.value());
     host.displayPage(currentPageIndex.value());
 }

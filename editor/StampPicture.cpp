@@ -6,13 +6,14 @@ namespace vellmora {
 
 namespace {
 
-/// Side in pixels below which no smaller copy is worth making.
+/// In pixels. No copies are made of a picture with a side this small.
 constexpr int smallestLevel = 64;
 
-/// Rows that are premultiplied at a time; they stay in the processor's cache until they are read again.
+/// The rows that are converted at a time. They are still in the processor's cache when they are read again.
 constexpr int rowsInBand = 16;
 
-/// Mean of four pixels, each channel rounded to the nearest: two channels at a time, with room for the sum.
+/// Mean of four pixels, each channel rounded to the nearest. Two channels are added at a time; the bits
+/// between them hold the carry.
 QRgb meanOf(QRgb a, QRgb b, QRgb c, QRgb d) {
     constexpr QRgb mask = 0x00ff00ff;
     constexpr QRgb half = 0x00020002;
@@ -32,7 +33,7 @@ const QRgb* rowOf(const QImage& image, int y) {
     return reinterpret_cast<const QRgb*>(image.constScanLine(y));
 }
 
-/// Half as wide and as high, rounded up: the last column and row of an odd size stand for a pair.
+/// Half as wide and as high, rounded up. The last column or row of an odd size counts twice.
 QImage halved(const QImage& image) {
     constexpr auto format = QImage::Format_ARGB32_Premultiplied;
     QImage result((image.width() + 1) / 2, (image.height() + 1) / 2, format);
@@ -63,7 +64,7 @@ void StampPicture::draw(QPainter& painter, const QRectF& target) const {
            m_levels[level + 1].height() >= target.height() * ratio)
         ++level;
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    // Not the whole level, where an odd size was rounded up.
+    // Where an odd size was rounded up, the picture does not fill the whole copy.
     const QSizeF size = QSizeF(m_levels.front().size()) / double(1 << level);
     painter.drawImage(target, m_levels[level], QRectF(QPointF(0, 0), size));
 }
@@ -102,7 +103,7 @@ void StampPictures::add(const QByteArray& imageData, const Image& image) {
     dropOldest();
 }
 
-/// Of those that no view shows, from the one used longest ago, until the rest fits the budget.
+/// Drops pictures that no view shows, first the one used longest ago, until the rest fits the budget.
 void StampPictures::dropOldest() {
     qint64 size = 0;
     for (const Entry& entry : m_entries)

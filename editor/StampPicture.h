@@ -11,17 +11,17 @@
 
 namespace vellmora {
 
-/// A stamp's decoded picture, prepared for drawing at any size at the speed of the mouse: a row of copies,
-/// each half as large as the one before.
+/// A stamp's decoded picture, together with smaller copies of it, each half as large as the one before.
+/// Drawing picks the copy that fits, so it is quick at any size.
 class StampPicture {
 public:
     explicit StampPicture(const QImage& pixels);
 
-    /// Stretched into `target` (in the painter's points). Costs what the target is large, not what the
-    /// picture is.
+    /// Stretches the picture into `target`, in the painter's points. The time depends on the size of the
+    /// target, not on that of the picture.
     void draw(QPainter& painter, const QRectF& target) const;
 
-    /// Memory that it takes, in bytes.
+    /// The memory that the picture takes, in bytes.
     qint64 size() const;
 
 private:
@@ -29,22 +29,21 @@ private:
 };
 
 /// Decodes each picture once for all stamps that share its bytes, and keeps it as long as any of them shows
-/// it. Those used last are kept beyond that, so that turning the pages decodes nothing.
+/// it. The pictures used last are kept longer, so that turning the pages decodes nothing. Main thread only.
 class StampPictures {
 public:
-    /// `budget` is the memory for pictures that are kept, in bytes. More is taken only where more is on
-    /// screen.
+    /// `budget` is the memory for all pictures, in bytes. Only pictures on screen may exceed it.
     explicit StampPictures(qint64 budget = 256 << 20) : m_budget(budget) {}
 
     /// Null where the data cannot be decoded.
     std::shared_ptr<const StampPicture> picture(const QByteArray& imageData);
 
-    /// Takes over what was decoded from the data elsewhere.
+    /// Takes a picture that the caller has decoded from the data.
     void add(const QByteArray& imageData, const Image& image);
 
 private:
     struct Entry {
-        QByteArray data;  ///< keeps the address, by which it is found, from being used again
+        QByteArray data;  ///< found by its address, which no other data can get while it is held here
         std::shared_ptr<const StampPicture> picture;
     };
     std::shared_ptr<const StampPicture> known(const QByteArray& imageData);

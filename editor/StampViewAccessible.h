@@ -2,8 +2,8 @@
 
 namespace vellmora {
 
-/// Makes placed stamps known to assistive tools: each is one item with its name, its place on the page and
-/// its selected state. To be called once, before the first editor is made.
+/// Describes placed stamps to assistive tools such as screen readers: each is one item with its name, its
+/// place on the page and its selected state. Called once, by `VellmoraApp`, before the first editor is made.
 void installStampViewAccessibility();
 
 }  // namespace vellmora

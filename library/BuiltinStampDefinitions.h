@@ -11,7 +11,7 @@ namespace vellmora {
 
 /// One of the stamps that the program draws itself.
 struct BuiltinStampDefinition {
-    QString key;  ///< stable: part of the file name, and what a preset is recognised by
+    QString key;  ///< never changes: names the picture's file, and marks the stamp's preset
     QString displayName;
     QString title;
     std::optional<QString> subtitle;

@@ -47,7 +47,7 @@ void drawFrame(QPainter& painter, int height, const QColor& tint) {
     painter.drawRoundedRect(toToolkit(frame, height), frameRadius, frameRadius);
 }
 
-/// One line from the top of the box, centred; what is too wide is not shrunk.
+/// One centred line at the top of the box. A text that is wider than the box is not shrunk.
 void drawLine(QPainter& painter, const QString& text, QFont font, double kerning, const QColor& color,
               const QRectF& box) {
     font.setLetterSpacing(QFont::AbsoluteSpacing, kerning);
@@ -56,7 +56,7 @@ void drawLine(QPainter& painter, const QString& text, QFont font, double kerning
     painter.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, text);
 }
 
-/// The picture in a single colour that has these opacities. Small, and quickly written and read as a file.
+/// The picture in one colour with these opacities. It makes a small file that is quickly written and read.
 QImage tinted(QImage opacity, const QColor& tint) {
     opacity.reinterpretAsFormat(QImage::Format_Indexed8);
     QList<QRgb> colors;

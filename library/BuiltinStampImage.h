@@ -9,9 +9,9 @@
 
 namespace vellmora {
 
-/// Draws an office stamp: a tinted frame on transparent ground with a large title and, where there is a
-/// subtitle (also an empty one), a taller picture with the title raised and the subtitle beneath. 1180 pixels
-/// wide. One byte for each pixel, since all of them have the same colour and differ in their alpha alone.
+/// Draws an office stamp, 1180 pixels wide: a large title in a tinted frame on transparent ground. Where
+/// there is a subtitle, even an empty one, the picture is taller, with the subtitle beneath the title. All
+/// pixels have the same colour and differ only in their opacity, so the image has one byte for each pixel.
 QImage makeBuiltinStampImage(const SystemFonts& fonts, const QString& title,
                              const std::optional<QString>& subtitle, const QColor& tint);
 

@@ -12,8 +12,8 @@
 
 namespace vellmora {
 
-/// One stamp placed on one page of the open document. It carries its picture with it, so that it stays valid
-/// when the library entry that it came from is removed. Copies share the picture's bytes.
+/// One stamp placed on one page of the open document. It holds its picture itself, so it stays valid when the
+/// library entry that it came from is removed. Copies share the picture's bytes.
 struct StampItem {
     QUuid id = QUuid::createUuid();
     qsizetype pageIndex = 0;  ///< 0-based
@@ -22,14 +22,14 @@ struct StampItem {
     QByteArray imageData;     ///< encoded picture
     std::optional<QUuid> presetID;
 
-    /// Decoded anew on every call and never kept; nothing where the data cannot be decoded.
+    /// Decodes the data at every call. Nothing where the data cannot be decoded.
     std::optional<Image> image() const { return Image::fromData(imageData); }
 
-    /// Field by field; the picture's bytes are compared only where the two do not share them.
+    /// Compares all fields. Bytes that both share are not compared.
     bool operator==(const StampItem& other) const;
 };
 
-/// The stamps of each page under its 0-based index, in the order of insertion: later ones lie on top.
+/// The stamps of each page, under its 0-based index. A later stamp of a list lies over the earlier ones.
 using StampsByPage = QMap<qsizetype, QList<StampItem>>;
 
 }  // namespace vellmora

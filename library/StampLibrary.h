@@ -35,7 +35,7 @@ public:
     static constexpr qsizetype maxStoredRecents = 12;
     static constexpr qsizetype maxShownRecents = 8;
 
-    /// What the library takes from the platform; `panels` must outlive it.
+    /// What the library needs from its surroundings. `panels` must outlive the library.
     struct Environment {
         Folders folders;
         Clock clock;
@@ -50,31 +50,31 @@ public:
     const QList<StampPreset>& presets() const { return m_presets; }
     const std::optional<QUuid>& selectedPresetID() const { return m_selectedPresetID; }
 
-    /// The preset that the next insert uses: the selected one, else the first; nothing in an empty library
-    /// only.
+    /// The preset that the next insert uses: the selected one, else the first. Nothing where the library is
+    /// empty.
     std::optional<StampPreset> selectedPreset() const;
-    /// Selects without a check that the preset exists.
+    /// Selects the id without checking that such a preset exists.
     void selectPreset(const QUuid& id);
     /// At most eight, most recently used first.
     QList<StampPreset> recentPresets() const;
-    /// Marks a preset as used now; does nothing for an unknown id. Never fails: what cannot be saved now is
-    /// saved with the next change.
+    /// Marks a preset as used now. Does nothing for an unknown id. Throws no `Error`: where the library
+    /// cannot be saved now, it is saved with the next change.
     void recordUse(const QUuid& id);
 
     /// Copies the file into the library, selects the new entry and puts it first among the recent ones.
     StampPreset importPreset(const QUrl& url);
-    /// Deletes the entry and its file; an unknown id is no error. A built-in stamp comes back at the next
-    /// start.
+    /// Deletes the entry and its file. Does nothing for an unknown id. A built-in stamp comes back at the
+    /// next start.
     void removePreset(const QUuid& id);
-    /// The preset's picture, read from its file on every call; nothing where it is missing or cannot be
+    /// The preset's picture, read from its file at every call. Nothing where the file is missing or cannot be
     /// decoded.
     std::optional<Image> image(const StampPreset& preset);
-    /// The same picture for a view that decodes it later, on a thread of its own.
+    /// The same picture, for a view that loads it later on another thread.
     PictureSource pictureSource(const StampPreset& preset) const;
     /// Begins to draw the built-in stamps anew, where that is still to be done. It takes a thread of its own
     /// a while: it is called once the window is there.
     void redrawDueBuiltins();
-    /// Asks the user for a PNG file; nothing when cancelled.
+    /// Asks the user for a PNG file. Nothing where the user cancels.
     std::optional<QUrl> openImportPanel();
 
 Q_SIGNALS:

@@ -21,7 +21,7 @@ bool isPlainFileName(const QString& name) {
            !name.contains(QLatin1Char('/')) && !name.contains(QChar::Null);
 }
 
-/// Ids are unique within the library. An entry that repeats one gets a new one, so that none is lost.
+/// Makes all ids different. An entry with the id of an earlier one gets a new id, so that both are kept.
 void makeIDsUnique(QList<StampPreset>& presets) {
     QSet<QUuid> seen;
     for (StampPreset& preset : presets) {
@@ -82,14 +82,14 @@ void StampLibrary::loadLibrary() {
         sortPresets();
         restoreSelection();
     } catch (const Error&) {
-        // Also where no file is in sight: it may be on a volume that cannot be reached now.
+        // Set even where no file is seen: it may lie on a volume that cannot be reached at the moment.
         m_hasUnreadableMetadata = true;
         m_presets.clear();
         setSelectedPresetID(std::nullopt);
     }
 }
 
-/// A name beside the metadata file that nothing has yet.
+/// A path beside the metadata file that no file has yet.
 QString StampLibrary::unusedAsidePath() const {
     const QString time = m_environment.clock().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     const QString stem = libraryRoot() + QStringLiteral("/stamp-library.unlesbar-") + time;
@@ -99,8 +99,8 @@ QString StampLibrary::unusedAsidePath() const {
     return path;
 }
 
-/// Keeps a metadata file that could not be loaded beside the new one, once, before it is overwritten: a copy
-/// where its bytes can be read, else the file itself.
+/// Keeps a metadata file that could not be loaded, once, before it is overwritten. Where its bytes can be
+/// read a copy is written beside it, else the file itself is renamed.
 void StampLibrary::keepUnreadableMetadata() {
     if (!m_hasUnreadableMetadata || !files::exists(metadataPath()))
         return;

@@ -32,7 +32,7 @@ QJsonObject encodePreset(const StampPreset& preset) {
     return object;
 }
 
-/// Reads the values of one object and remembers whether any of them was not as it has to be.
+/// Reads the values of one object, and remembers whether any of them was missing or wrong.
 class ObjectReader {
 public:
     explicit ObjectReader(const QJsonValue& value)

@@ -13,9 +13,9 @@ namespace vellmora {
 /// identifiers in upper case; keys of absent values are left out.
 QByteArray encodePresets(const QList<StampPreset>& presets);
 
-/// Strict: nothing where the text is no JSON array, or any entry lacks a required key, holds a value of the
-/// wrong type, an identifier that is not in canonical form, or a date without a zone or with a fraction of a
-/// second. Unknown keys are ignored; null counts as absent where a value is optional.
+/// The presets in the text, or nothing where any of it is wrong: the text is no JSON array, a required key is
+/// missing, a value has the wrong type, an identifier is not in canonical form, or a date has no zone or a
+/// fraction of a second. Unknown keys are ignored. Null counts as absent where a value is optional.
 std::optional<QList<StampPreset>> decodePresets(const QByteArray& json);
 
 }  // namespace vellmora

@@ -1,9 +1,9 @@
 #include "ui/Accessibility.h"
 
-#include "ui/GroupBox.h"
 #include "ui/MainWindow.h"
 #include "ui/PresetGrid.h"
 #include "ui/PresetItem.h"
+#include "ui/SidebarBoxes.h"
 
 #include <QAccessibleWidget>
 

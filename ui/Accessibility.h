@@ -2,9 +2,9 @@
 
 namespace vellmora {
 
-/// Tells assistive tools what the window's own views are: the window, its titled groups, the library as a
-/// list, and each tile and row as one list item with the entry's name, its selected state and the actions
-/// select, insert and (for tiles) delete. To be called once, before the first window is made.
+/// Describes the window's own views to assistive tools such as screen readers. The library is a list; each
+/// tile and each row is one list item with the entry's name, its selected state and the actions select,
+/// insert and (tiles only) delete. Called once, by `VellmoraApp`, before the first window is made.
 void installAccessibility();
 
 }  // namespace vellmora

@@ -1,6 +1,6 @@
 #include "ui/ActiveStampBox.h"
 
-#include "ui/SymbolView.h"
+#include "ui/Symbols.h"
 
 #include <utility>
 
@@ -19,7 +19,7 @@ constexpr double markSize = 11;
 constexpr double hintSize = 12;
 constexpr PictureView::Style pictureStyle{8, 180, 12, 0.08, 24};
 
-/// A vertical stack without margins, for a part of the box that comes and goes as a whole.
+/// A vertical stack without margins. The widget that it fills is shown and hidden as a whole.
 QVBoxLayout* makeStack(QWidget* widget) {
     auto* stack = new QVBoxLayout(widget);
     stack->setContentsMargins({});

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "ui/Button.h"
-#include "ui/GroupBox.h"
 #include "ui/PictureView.h"
-#include "ui/SidebarData.h"
+#include "ui/SidebarBoxes.h"
 #include "ui/TextLabel.h"
 
 namespace vellmora {
 
-/// The stamp that the next insert uses, large; or a hint where there is none or its picture cannot be loaded.
+/// Shows the stamp that the next insert uses, in large. Where there is none, or its picture cannot be loaded,
+/// a hint is shown instead.
 class ActiveStampBox : public GroupBox {
     Q_OBJECT
 

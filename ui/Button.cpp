@@ -28,7 +28,7 @@ Button::Button(const QString& text, Look look, Size size, const Theme& theme, QW
     : QPushButton(text, parent), m_look(look), m_size(size) {
     setFont(theme.font(metricsOf(size).textSize, Theme::medium));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    // A click leaves the keyboard where it is; the Tab key comes here all the same.
+    // The Tab key moves the focus here; a click does not.
     setFocusPolicy(Qt::TabFocus);
 }
 

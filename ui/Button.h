@@ -23,7 +23,7 @@ public:
     enum class Size { regular, small };
 
     Button(const QString& text, Look look, Size size, const Theme& theme, QWidget* parent);
-    /// Shows a symbol only; `name` is what a screen reader says.
+    /// A button that shows a symbol and no text. A screen reader says `name`.
     Button(Symbol symbol, const QString& name, Look look, Size size, const Theme& theme, QWidget* parent);
 
     static int heightOf(Size size);

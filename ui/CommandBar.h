@@ -1,47 +1,32 @@
 #pragma once
 
-#include "ui/Button.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
-#include <functional>
-
-#include <QKeySequence>
+#include <QAction>
 #include <QList>
 #include <QWidget>
 
 namespace vellmora {
 
-/// One command of the bar.
-struct Command {
-    QString label;
-    QKeySequence shortcut;  ///< empty where it has none
-    std::function<void()> run;
-};
-
-/// A row of plain text buttons, and the status text at its right end.
+/// A row of plain text buttons, one for each command, and the status text at its right end. A command's
+/// action brings its text, its shortcut, and whether it is enabled.
 class CommandBar : public QWidget {
     Q_OBJECT
 
 public:
     static constexpr int padding = 12;
 
-    struct Data {
-        QList<bool> enabled;  ///< one for each command, in their order
-        QString statusText;
-    };
+    /// The actions must outlive the bar.
+    CommandBar(const QList<QAction*>& commands, const Theme& theme, QWidget* parent);
 
-    CommandBar(const QList<Command>& commands, const Theme& theme, QWidget* parent);
-
-    void setData(const Data& newData);
+    /// A text that is longer than its line can be read in the tooltip.
+    void setStatusText(const QString& text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void addShortcut(const Command& command, const Button& button);
-
-    QList<Button*> m_buttons;
     TextLabel* m_status;
 };
 

@@ -32,7 +32,7 @@ QColor accentOnMaterial(const QPalette& palette) {
     return Theme::readable(Theme::accent(palette), material);
 }
 
-/// A soft shadow from rings, each a little larger and fainter than the one before.
+/// A soft shadow, made of many faint rectangles over one another, each a little larger than the one before.
 void paintShadow(QPainter& painter, const QRectF& frame) {
     const QRectF shadow = frame.translated(0, shadowOffset);
     painter.setPen(Qt::NoPen);

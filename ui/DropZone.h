@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/SymbolView.h"
+#include "ui/Symbols.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
@@ -8,8 +8,8 @@
 
 namespace vellmora {
 
-/// The framed invitation to drop a PDF. The widget is larger than the frame that it shows: `shadowMargin`
-/// above and below and `sidePadding` left and right leave room for the frame's shadow.
+/// The framed invitation to drop a PDF. The widget is larger than the frame that it shows, by `shadowMargin`
+/// above and below and by `sidePadding` left and right. The frame's shadow lies in that room.
 class DropZone : public QWidget {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ public:
 
     DropZone(const Theme& theme, QWidget* parent);
 
-    /// True while a drag hovers over the window.
+    /// `isTargeted` is true while the user drags something over the window.
     void setTargeted(bool isTargeted);
 
     /// Height of the frame without the room for its shadow.

@@ -7,8 +7,8 @@
 
 namespace vellmora {
 
-/// The mark of the control that the keyboard acts on. It is shown where the keyboard brought the focus, not a
-/// click.
+/// Marks the control that has the focus. The ring is shown only where the keyboard moved the focus there, not
+/// where a click did.
 class FocusRing {
 public:
     static constexpr double lineWidth = 2;

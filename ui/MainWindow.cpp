@@ -1,12 +1,35 @@
 #include "ui/MainWindow.h"
 
-#include "ui/Divider.h"
-
 #include <QDropEvent>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace vellmora {
+
+namespace {
+
+/// A line of one point between two parts of the window.
+class Divider : public QWidget {
+public:
+    Divider(Qt::Orientation orientation, QWidget* parent) : QWidget(parent) {
+        if (orientation == Qt::Horizontal)
+            setFixedHeight(1);
+        else
+            setFixedWidth(1);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), Theme::divider(palette())); }
+};
+
+/// The drop is a copy, whatever its source proposes. After a move the source may delete the file.
+void acceptAsCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
+}  // namespace
 
 MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
     : m_callbacks(callbacks),
@@ -28,20 +51,14 @@ MainWindow::MainWindow(const Callbacks& callbacks, const Theme& theme)
     workRow->addWidget(new Divider(Qt::Vertical, this));
     workRow->addWidget(m_editorArea, 1);
     stack->addLayout(workRow, 1);
-    // Else the first button has the keyboard, unseen.
+    // Qt would give the focus to the first button, although no ring shows it there.
     setFocus();
 }
 
 void MainWindow::fitInto(const QSize& room) {
-    // What desktops draw around a window is known only once it is there: about this much.
+    // About as much as desktops draw around a window. The exact size is known only after it is shown.
     constexpr QSize frame(4, 40);
     setMinimumSize(minimumContentSize.boundedTo(room - frame).expandedTo(layout()->minimumSize()));
-}
-
-/// Whatever was proposed: after a move, the program that the file comes from may delete it.
-static void acceptAsCopy(QDropEvent& event) {
-    event.setDropAction(Qt::CopyAction);
-    event.accept();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -12,8 +12,8 @@
 
 namespace vellmora {
 
-/// The window: command bar across the top, sidebar on the left, editor area on the right. The whole of it
-/// takes drops of files.
+/// The window: command bar across the top, sidebar on the left, editor area on the right. Files can be
+/// dropped anywhere in it.
 class MainWindow : public QWidget {
     Q_OBJECT
 
@@ -21,17 +21,17 @@ public:
     static constexpr QSize minimumContentSize{1220, 800};
 
     struct Callbacks {
-        QList<Command> commands;
+        QList<QAction*> commands;  ///< must outlive the window
         SidebarCallbacks sidebar;
         std::function<void(bool)> onDropTargeted;
-        /// True where the drop is accepted.
+        /// Returns whether the drop is accepted.
         std::function<bool(const ItemProviders&)> onDrop;
     };
 
     MainWindow(const Callbacks& callbacks, const Theme& theme);
 
-    /// Lowers the minimum as far as a screen with this much room for windows needs it to show the whole
-    /// window with its frame, but never below what the parts need.
+    /// Lowers the window's least size where a screen has less room for windows than it takes. It never gets
+    /// below the least sizes of the window's parts.
     void fitInto(const QSize& room);
 
     CommandBar& commandBar() { return *m_commandBar; }

@@ -35,7 +35,7 @@ void PictureView::thumbnailChanged(const QString& version) {
 }
 
 void PictureView::showEvent(QShowEvent*) {
-    // By the time of the first paint it may be there.
+    // The picture may be loaded before the first paint.
     m_thumbnails.prepare(m_source, wantedPixels());
 }
 
@@ -60,7 +60,8 @@ void PictureView::paintEvent(QPaintEvent*) {
         m_shown = thumbnail.picture;
     if (m_shown.isNull())
         return;
-    // Pixel for pixel where the picture was made for this size: its corner lies on a device pixel.
+    // A picture that was made for this size is drawn pixel for pixel, so its corner must lie on a device
+    // pixel.
     const double ratio = devicePixelRatioF();
     const QSizeF pixels(m_shown.size());
     const QSizeF size = isExact ? pixels / ratio : pixels.scaled(frame.size(), Qt::KeepAspectRatio);

@@ -9,7 +9,8 @@
 
 namespace vellmora {
 
-/// A picture scaled to fit into its frame, on a tinted rounded ground; a symbol where there is no picture.
+/// A picture scaled to fit into its frame, on a tinted ground with round corners. Where there is no picture,
+/// a symbol stands for it.
 class PictureView : public QWidget {
     Q_OBJECT
 
@@ -26,12 +27,12 @@ public:
 
     void setSource(const PictureSource& source);
 
-    /// True only where the picture was looked for and not found.
+    /// True only after a try to load the picture has failed.
     bool isKnownToBeMissing(const PictureSource& source) const {
         return m_thumbnails.isKnownToBeMissing(source);
     }
 
-    /// Called when a picture turns out to be there or missing.
+    /// Called when loading the picture has ended.
     std::function<void(bool isMissing)> onLoaded;
 
 protected:
@@ -45,7 +46,7 @@ private:
     Style m_style;
     Thumbnails& m_thumbnails;
     PictureSource m_source;
-    QPixmap m_shown;  ///< stays until a picture of another size is there
+    QPixmap m_shown;  ///< shown, scaled, until the picture is loaded in a new size
 };
 
 }  // namespace vellmora

@@ -28,7 +28,7 @@ int PresetGrid::columnWidth(int width) {
 /// A row is as high as its highest tile.
 QList<PresetGrid::Row> PresetGrid::layOutRows() const {
     const int columns = columnCount(width());
-    PresetTile::Heights heights(columnWidth(width()), m_theme);
+    const PresetTile::Heights heights(columnWidth(width()), m_theme);
     QList<Row> rows;
     int top = 0;
     for (qsizetype first = 0; first < m_data.presets.size(); first += columns) {
@@ -89,8 +89,8 @@ void PresetGrid::showTiles(Refresh refresh) {
     for (qsizetype i = first; i < last; ++i)
         place(i, refresh);
     updateTabOrder(first, last);
-    // Last, since hiding a tile passes its focus on, and the tile that gets it is scrolled into sight: that
-    // comes back here.
+    // Hiding a tile moves its focus to another tile, which is then scrolled into sight, and that calls this
+    // function again. So it is done last.
     for (PresetTile* tile : unwanted) {
         tile->hide();
         tile->deleteLater();
@@ -146,7 +146,7 @@ void PresetGrid::keyPressEvent(QKeyEvent* event) {
     const qsizetype next = *focused + step->first + qsizetype{step->second} * columnCount(width());
     if (next < 0 || next >= m_data.presets.size())
         return;
-    // Focus scrolls a tile into sight, and what is in sight has its neighbours made.
+    // The scroll area scrolls a tile that gets the focus into sight. The tiles around it are made then.
     if (PresetTile* tile = m_tiles.value(m_data.presets[next].id))
         tile->setFocus(Qt::TabFocusReason);
 }

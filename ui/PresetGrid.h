@@ -11,8 +11,9 @@
 
 namespace vellmora {
 
-/// The library as a grid of tiles: as many columns of equal width as fit, at least 120 points wide each. Only
-/// tiles in sight (and a row more on either side) are made, however large the library is.
+/// The library as a grid of tiles. It has as many columns as fit, all of one width, which is at least 120
+/// points. Widgets exist only for the tiles in sight and one more row on either side, however large the
+/// library is.
 class PresetGrid : public QWidget {
     Q_OBJECT
 
@@ -30,7 +31,7 @@ public:
                QWidget* parent);
 
     void setData(const Data& newData);
-    /// Which part of the grid is in sight, in its own coordinates.
+    /// The part of the grid that is in sight, in the grid's own coordinates.
     void setVisibleSpan(int top, int bottom);
 
 protected:

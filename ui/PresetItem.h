@@ -11,8 +11,8 @@
 
 namespace vellmora {
 
-/// What tile and row have in common: an entry of the library that is selected with a click, the Space key or
-/// an assistive tool, and inserted with the Return key, as an item of any list.
+/// What tile and row have in common. Each shows one entry of the library. A click or the Space key selects
+/// it, the Return key inserts it.
 class PresetItem : public QWidget {
     Q_OBJECT
 
@@ -25,13 +25,13 @@ public:
     struct Callbacks {
         std::function<void(const StampPreset&)> onSelect;
         std::function<void(const StampPreset&)> onInsert;
-        std::function<void(const StampPreset&)> onDelete;  ///< empty where entries cannot be deleted here
+        std::function<void(const StampPreset&)> onDelete;  ///< empty where the view offers no delete
     };
     struct Look {
         double radius;
-        double selectedOpacity;    ///< of the accent
-        double unselectedOpacity;  ///< of black
-        double borderWidth;        ///< in the accent when selected; 0 where there is none
+        double selectedOpacity;    ///< of the ground, which is the accent colour then
+        double unselectedOpacity;  ///< of the ground, which is black then
+        double borderWidth;        ///< of a selected item; 0: no border
     };
 
     PresetItem(const Look& look, Callbacks callbacks, QWidget* parent);

@@ -7,7 +7,8 @@
 
 namespace vellmora {
 
-/// One line of the recently used stamps: picture, name, date of creation, and a button to insert.
+/// One line of the recently used stamps: picture, name, the date on which the entry was created, and a button
+/// to insert.
 class PresetRow : public PresetItem {
     Q_OBJECT
 

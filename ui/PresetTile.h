@@ -4,7 +4,9 @@
 #include "ui/PictureView.h"
 #include "ui/PresetItem.h"
 #include "ui/TextLabel.h"
-#include "ui/TextWidths.h"
+
+#include <QFontMetricsF>
+#include <QRawFont>
 
 namespace vellmora {
 
@@ -17,14 +19,17 @@ public:
 
     void setData(const Data& newData) override;
 
-    /// Heights of tiles of one width, for thousands of them.
+    /// Heights of tiles of one width, quick enough for thousands of them.
     class Heights {
     public:
         Heights(int tileWidth, const Theme& theme);
-        int of(const StampPreset& preset);
+        int of(const StampPreset& preset) const;
 
     private:
-        TextWidths m_names;
+        bool fitsOneLine(const QString& name) const;
+
+        QRawFont m_nameGlyphs;
+        QFontMetricsF m_nameMetrics;
         double m_nameWidth;
         int m_nameLine;
         int m_badge;

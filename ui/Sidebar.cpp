@@ -1,14 +1,51 @@
 #include "ui/Sidebar.h"
 
-#include "ui/GuideBox.h"
-#include "ui/ThinScrollBar.h"
-
 #include <QCursor>
 #include <QMoveEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyleOptionSlider>
 #include <QVBoxLayout>
 
 namespace vellmora {
+
+namespace {
+
+/// A scroll bar without arrows and groove: a rounded handle on the ground of the sidebar.
+class ThinScrollBar : public QScrollBar {
+public:
+    explicit ThinScrollBar(QWidget* parent) : QScrollBar(Qt::Vertical, parent) { setFixedWidth(thickness); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), Theme::controlBackground(palette()));
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        const double opacity = isSliderDown() || underMouse() ? activeHandleOpacity : handleOpacity;
+        painter.setBrush(Theme::withOpacity(Theme::text(palette()), opacity));
+        const double radius = (thickness - 2 * handleInset) / 2;
+        painter.drawRoundedRect(handle(), radius, radius);
+    }
+
+private:
+    /// A little within the area in which the style lets the handle be dragged.
+    QRectF handle() const {
+        QStyleOptionSlider option;
+        initStyleOption(&option);
+        const QRectF slider =
+            style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
+        return slider.adjusted(handleInset, handleInset, -handleInset, -handleInset);
+    }
+
+    static constexpr int thickness = 12;
+    static_assert(thickness <= Sidebar::padding, "the boxes are of one width with the bar and without it");
+    static constexpr double handleInset = 3;
+    static constexpr double handleOpacity = 0.3;
+    static constexpr double activeHandleOpacity = 0.5;
+};
+
+}  // namespace
 
 Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget* parent)
     : QScrollArea(parent),
@@ -70,8 +107,8 @@ bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
     return QScrollArea::eventFilter(watched, event);
 }
 
-/// A click may make a box above grow. What is under the mouse stays there all the same, so that the second
-/// click of a double click meets what the first one met.
+/// Scrolls by as much as the box moved. A click may make a box above grow, and the second click of a double
+/// click must meet the same tile as the first.
 void Sidebar::keepUnderMouse(const QWidget& box, const QMoveEvent& move) {
     const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
     const QRect before(m_column->mapTo(viewport(), move.oldPos()), box.size());

@@ -1,10 +1,7 @@
 #pragma once
 
 #include "ui/ActiveStampBox.h"
-#include "ui/LibraryBox.h"
-#include "ui/RecentsBox.h"
-#include "ui/SidebarData.h"
-#include "ui/StatisticsBox.h"
+#include "ui/SidebarBoxes.h"
 #include "ui/Theme.h"
 
 #include <QScrollArea>

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <functional>
+
 #include <QColor>
 #include <QPainter>
 #include <QRectF>
+#include <QWidget>
 
 namespace vellmora {
 
-/// The program's own pictograms, drawn as lines of one weight at any size.
+/// The program's own pictograms: one SVG file each under `ui/symbols`.
 enum class Symbol {
     document,          ///< a page with text
     starOnSquares,     ///< a standard stamp
@@ -17,7 +20,26 @@ enum class Symbol {
     documentArrowUp,  ///< let go now
 };
 
-/// Draws the symbol as a square as large as the lesser side of `area`, in its middle.
+/// Draws the symbol into the largest square in the middle of `area`.
 void drawSymbol(QPainter& painter, Symbol symbol, const QRectF& area, const QColor& color);
+
+/// A symbol of a fixed size in view points. Screen readers skip it, since a text always stands beside it.
+class SymbolView : public QWidget {
+    Q_OBJECT
+
+public:
+    using Color = std::function<QColor(const QPalette&)>;
+
+    SymbolView(Symbol symbol, int size, Color color, QWidget* parent);
+
+    void setSymbol(Symbol symbol, Color color);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Symbol m_symbol;
+    Color m_color;
+};
 
 }  // namespace vellmora

@@ -12,7 +12,7 @@ namespace vellmora {
 
 namespace {
 
-/// Breaks the text into lines of this width; stops where `maximum` lines are full.
+/// Breaks the text into at most `maximum` lines of this width.
 void breakLines(QTextLayout& layout, double width, int maximum) {
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -27,7 +27,7 @@ void breakLines(QTextLayout& layout, double width, int maximum) {
     layout.endLayout();
 }
 
-/// The text's lines; the last one holds all the rest, cut off to the width.
+/// The lines of the text. The last of `maximum` lines ends with an ellipsis where the text is longer.
 QStringList elidedLines(const QString& text, const QFont& font, double width, int maximum) {
     QTextLayout layout(text, font);
     breakLines(layout, width, maximum);

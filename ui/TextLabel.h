@@ -15,9 +15,9 @@ public:
 
     TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
 
-    /// Breaks lines at the label's width, and cuts the last of `lines` off with an ellipsis. The label is as
-    /// wide as its place then. `lines` is 1 or 2. Without it there is one line, or with `setWordWrap` as many
-    /// as are needed, and nothing is cut off.
+    /// From now on the text has at most this many lines, 1 or 2, and an ellipsis ends a text that is longer.
+    /// The label takes whatever width its layout gives it. A label on which this is never called has one
+    /// line, or with `setWordWrap` as many as its text needs.
     void setMaximumLines(int lines);
 
     QSize sizeHint() const override;
@@ -33,7 +33,7 @@ private:
     int m_maximumLines = 0;
 };
 
-/// A centred line in white of this opacity, for the editor area and its drop zones.
+/// A centred line of white text with this opacity, for the editor area and its drop zones.
 TextLabel* makeTextOnDark(const QString& text, const QFont& font, double opacity, QWidget* parent);
 
 }  // namespace vellmora

@@ -17,7 +17,7 @@ double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-/// `share` of `top` over an opaque ground.
+/// `top`, with `share` as its opacity, painted over an opaque ground.
 QColor mixed(const QColor& top, const QColor& ground, double share) {
     const auto channel = [share](int a, int b) {
         return static_cast<int>(std::lround(a * share + b * (1 - share)));

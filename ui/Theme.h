@@ -10,8 +10,8 @@
 
 namespace vellmora {
 
-/// The one place for the window's fonts and colours, and for the sizes that more than one view needs. Sizes
-/// in view points. Colours follow the palette that is handed in, light or dark.
+/// The window's fonts and colours, and the sizes that more than one view needs. Sizes are in view points.
+/// Colours are made from the palette that is handed in, light or dark.
 class Theme {
 public:
     explicit Theme(SystemFonts fonts) : m_fonts(std::move(fonts)) {}
@@ -30,7 +30,8 @@ public:
     /// `color` made lighter or darker until it has a contrast of at least 4.5 : 1 to `ground`.
     static QColor readable(const QColor& color, const QColor& ground);
 
-    // Of the active window's colours throughout: an inactive window and a disabled control keep theirs.
+    // All are taken from the palette's colours of an active window. So nothing changes its colour when the
+    // window becomes inactive or a control is disabled.
     static QColor text(const QPalette& palette) {
         return palette.color(QPalette::Active, QPalette::WindowText);
     }
@@ -43,13 +44,13 @@ public:
     static QColor controlBackground(const QPalette& palette) {
         return palette.color(QPalette::Active, QPalette::Base);
     }
-    /// Ground of the command bar: the window's, a little set apart.
+    /// Ground of the command bar: a shade different from the window's own.
     static QColor commandBarBackground(const QPalette& palette);
     static QColor divider(const QPalette& palette);
     static QColor boxBackground(const QPalette& palette);
     static QColor buttonBackground(const QPalette& palette);
 
-    /// The editor area lies on black and drop zones on a dark material in light and dark alike.
+    /// The editor area is black and drop zones are dark, on light and dark desktops alike.
     static QColor editorBackground();
     static QColor dropZoneMaterial();
     static QColor onDark(double opacity);

@@ -1,13 +1,64 @@
 #pragma once
 
-#include "ui/ThumbnailLoader.h"
+#include "platform/image/PictureSource.h"
+
+#include <mutex>
+#include <optional>
+#include <vector>
 
 #include <QCache>
+#include <QImage>
+#include <QObject>
 #include <QPixmap>
+#include <QSet>
+#include <QSize>
+#include <QThreadPool>
 
 namespace vellmora {
 
-/// Pictures scaled for the sizes at which they are shown. Each is decoded once for each version and size.
+/// Loads and scales pictures one after the other on a thread of its own, the newest request first. So a huge
+/// or damaged file never makes the window wait. When too many requests wait, the oldest are dropped. Its
+/// functions are for the main thread.
+class ThumbnailLoader : public QObject {
+    Q_OBJECT
+
+public:
+    struct Request {
+        QString key;  ///< names picture and size; requests with one key are loaded once
+        PictureSource source;
+        QSize pixels;  ///< the picture is scaled to fit into this size and keeps its aspect ratio
+    };
+
+    using QObject::QObject;
+    ~ThumbnailLoader() override;
+
+    void load(const Request& request);
+    /// For a picture that is not needed yet. It is loaded after all those that `load` asked for.
+    void prepare(const Request& request);
+
+Q_SIGNALS:
+    /// Emitted on the main thread. The picture is null where its file is missing or cannot be decoded.
+    void loaded(const vellmora::ThumbnailLoader::Request& request, const QImage& picture);
+
+private:
+    void ensureWork();
+    void work();
+    std::optional<Request> takeNext();
+    void deliver(const Request& request, const QImage& picture);
+
+    static constexpr size_t maxWaiting = 64;
+
+    std::mutex m_mutex;
+    // Guarded by the mutex.
+    std::vector<Request> m_waiting;
+    QSet<QString> m_underWay;  ///< keys of the requests that are being loaded or delivered
+    bool m_isWorking = false;
+
+    QThreadPool m_thread;
+};
+
+/// Pictures, scaled to the sizes at which they are shown. Each is decoded once for each version and size.
+/// Main thread only.
 class Thumbnails : public QObject {
     Q_OBJECT
 
@@ -20,12 +71,12 @@ public:
 
     explicit Thumbnails(QObject* parent);
 
-    /// The picture scaled to fit into `pixels`, its aspect ratio kept. What is not there yet is loaded, the
-    /// newest request first, and `changed` tells when it is. To be called while painting, so that what is in
-    /// sight comes first.
+    /// The picture scaled to fit into `pixels`, with its aspect ratio. A picture that is not there yet is
+    /// loaded, and `changed` is emitted when it is. To be called while painting: the picture asked for last
+    /// is loaded first, so pictures in sight come before others.
     Thumbnail thumbnail(const PictureSource& source, QSize pixels);
 
-    /// For a view that will be painted soon.
+    /// Begins to load the picture for a view that will be painted soon.
     void prepare(const PictureSource& source, QSize pixels);
 
     bool isKnownToBeMissing(const PictureSource& source) const { return m_missing.contains(source.version); }

@@ -1,4 +1,5 @@
 #include "app/ContentWindow.h"
+#include "platform/error/Error.h"
 #include "platform/pdf/render/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/EventLoop.h"
@@ -6,6 +7,9 @@
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
+
+#include <new>
+#include <stdexcept>
 
 #include <QDropEvent>
 #include <QMimeData>
@@ -50,11 +54,13 @@ protected:
         QTest::keyClick(&shown->window(), Qt::Key_O, Qt::ControlModifier);
         settle();
     }
+    /// Of the bar, in order, and of the active stamp.
     QList<bool> enabledCommands() {
         QList<bool> enabled;
         for (const char* label : {"PDF öffnen", "Stempel importieren", "Stempel auf aktueller Seite",
                                   "Ausgewählten löschen", "Speichern", "Speichern unter…"})
             enabled.append(button(label).isEnabled());
+        enabled.append(button("Einfügen").isEnabled());
         return enabled;
     }
     /// The action that the window answers with, where it accepts.
@@ -77,21 +83,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(ContentWindowTest, ThePictureOfANewStampIsNotDecodedAgain) {
-    open("Vertrag.pdf");
-    QByteArrayList placed;
-    QObject::connect(&content(), &ContentView::willPlaceStamp, &content(),
-                     [&](const QByteArray& bytes, const Image&) { placed.append(bytes); });
-    click("Stempel auf aktueller Seite");
-    ASSERT_EQ(placed.size(), 1);
-    EXPECT_EQ(placed[0].constData(), content().stampsByPage.value()[0][0].imageData.constData());
-
-    // Nothing could decode these bytes.
-    const QByteArray bytes("no picture");
-    Q_EMIT content().willPlaceStamp(bytes, Image(plainImage(4, 4, Qt::red)));
-    EXPECT_TRUE(shown->editor()->stampPictures().picture(bytes));
-}
 
 TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     open("Vertrag.pdf");
@@ -120,7 +111,7 @@ TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     EXPECT_EQ(content().statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
     workspace.panels.answer = workspace.url(QStringLiteral("Kopie.pdf"));
     QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
+    ASSERT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
     EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
 
     start();
@@ -130,19 +121,59 @@ TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
 }
 
 TEST_F(ContentWindowTest, EnablesCommandsAsTheStateAllows) {
-    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, false, false, false, false}));
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, false, false, false, false, false}));
     QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(content().statusText.value(),
               QStringLiteral("PDF laden, Stempelbibliothek füllen und loslegen."));
     open("Vertrag.pdf");
-    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, true, true}));
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, true, true, true}));
     click("Stempel auf aktueller Seite");
-    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, true, true, true}));
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, true, true, true, true}));
     click("Ausgewählten löschen");
-    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, true, true}));
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, true, true, true}));
     content().pdfSourceURL = std::nullopt;
     settle();
-    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, false, true}));
+    EXPECT_EQ(enabledCommands(), (QList<bool>{true, true, true, false, false, true, true}));
+}
+
+TEST_F(ContentWindowTest, ShortcutsAskForTheRightFile) {
+    open("Vertrag.pdf");
+    workspace.panels.answer = std::nullopt;
+    const auto asked = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+        workspace.panels.opened.clear();
+        workspace.panels.saved.clear();
+        QTest::keyClick(&shown->window(), key, modifiers);
+        if (!workspace.panels.saved.isEmpty())
+            return workspace.panels.saved.first().title;
+        return workspace.panels.opened.isEmpty() ? QString() : workspace.panels.opened.first().title;
+    };
+    EXPECT_EQ(asked(Qt::Key_O), QStringLiteral("PDF auswählen"));
+    EXPECT_EQ(asked(Qt::Key_I), QStringLiteral("PNG-Stempel zur Bibliothek hinzufügen"));
+    EXPECT_EQ(asked(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier),
+              QStringLiteral("PDF speichern unter"));
+    EXPECT_EQ(asked(Qt::Key_S), QString());
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
+}
+
+TEST_F(ContentWindowTest, NoExceptionThatLeavesACommandEndsTheProgram) {
+    struct FailingPanels : FilePanels {
+        std::optional<QUrl> runModal(const OpenPanel&) override { return fail(), std::nullopt; }
+        std::optional<QUrl> runModal(const SavePanel&) override { return fail(), std::nullopt; }
+        std::function<void()> fail;
+    } panels;
+    shown = std::make_unique<ContentWindow>(std::make_unique<ContentView>(workspace.makeLibrary(), panels),
+                                            renderer, Theme(SystemFonts::load()));
+    const auto statusAfter = [&](const std::function<void()>& fail) {
+        panels.fail = fail;
+        click("PDF öffnen");
+        return content().statusText.value();
+    };
+    EXPECT_EQ(statusAfter([] { throw std::bad_alloc(); }),
+              QStringLiteral("Befehl fehlgeschlagen: Der Arbeitsspeicher reicht nicht aus."));
+    EXPECT_EQ(statusAfter([] { throw std::runtime_error("?"); }),
+              QStringLiteral("Befehl fehlgeschlagen: Unerwarteter Fehler."));
+    EXPECT_EQ(statusAfter([] { throw Error(Error::pdfDomain, 1, QStringLiteral("Der Grund.")); }),
+              QStringLiteral("Befehl fehlgeschlagen: Der Grund."));
 }
 
 TEST_F(ContentWindowTest, ADropOfAFileLoadsItAndShowsTheZoneMeanwhile) {
@@ -179,19 +210,17 @@ TEST_F(ContentWindowTest, PageTurnsAndStampsOfOtherPagesStayApart) {
 TEST_F(ContentWindowTest, WhatIsClickedDuringWorkRunsNoSecondCommand) {
     open("Vertrag.pdf");
     const auto presets = content().stampLibrary().presets();
-    Q_EMIT content().willWork();
-    QMetaObject::invokeMethod(
-        &content(),
-        [&] {
-            workspace.panels.opened.clear();
-            for (const char* label :
-                 {"PDF öffnen", "Stempel auf aktueller Seite", "PNG hinzufügen", "Einfügen", "Entfernen"})
-                QTest::mouseClick(&button(label), Qt::LeftButton);
-            shown->window().findChild<PresetTile*>()->insert();
-            shown->window().findChild<PresetTile*>()->remove();
-        },
-        Qt::QueuedConnection);
-    Q_EMIT content().didWork();
+    const auto clickEverything = [&] {
+        workspace.panels.opened.clear();
+        for (const char* label :
+             {"PDF öffnen", "Stempel auf aktueller Seite", "PNG hinzufügen", "Einfügen", "Entfernen"})
+            QTest::mouseClick(&button(label), Qt::LeftButton);
+        shown->window().findChild<PresetTile*>()->insert();
+        shown->window().findChild<PresetTile*>()->remove();
+    };
+    // Delivered at the end of the work, as clicks are that came while it lasted.
+    QMetaObject::invokeMethod(&content(), clickEverything, Qt::QueuedConnection);
+    content().loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));
     EXPECT_EQ(content().statusText.value(), QStringLiteral("PDF geladen: Vertrag.pdf"));
     EXPECT_TRUE(workspace.panels.opened.isEmpty());
     EXPECT_EQ(content().totalStampCount(), 0);

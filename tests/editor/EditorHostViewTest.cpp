@@ -16,9 +16,14 @@ protected:
     EditorHostViewTest() {
         host.resize(616, 858);  // a page of 595 × 842 points fits with its margin at a scale of 1
         host.show();
+        host.stampsByPage = [this] { return stamps; };
         host.onPageChanged = [this](qsizetype page) { shownPages.append(page); };
         host.onStampChanged = [this](const StampItem& stamp) { changed.append(stamp); };
         host.setDocument(document);
+    }
+    void show(const StampsByPage& newStamps) {
+        stamps = newStamps;
+        host.syncStampViews();
     }
     QList<InteractiveStampView*> views() {
         QList<InteractiveStampView*> visible;
@@ -32,6 +37,7 @@ protected:
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     EditorHostView host{renderer, nullptr};
     std::shared_ptr<const PDFDocument> document = pages(3).document();
+    StampsByPage stamps;
     QList<qsizetype> shownPages;
     QList<StampItem> changed;
 };
@@ -40,7 +46,7 @@ protected:
 
 TEST_F(EditorHostViewTest, LaysStampsOverTheirPlaceOnThePageInWholePoints) {
     const StampItem stamp = stampAt({100.4, 200.6, 50, 25});
-    host.setStampsByPage({{0, {stamp}}, {1, {stampAt({0, 0, 10, 10}, 1)}}});
+    show({{0, {stamp}}, {1, {stampAt({0, 0, 10, 10}, 1)}}});
     ASSERT_EQ(views().size(), 1) << "stamps of other pages have no view";
     const Rect mapped = host.pdfView().convertFromPage(stamp.rect);
     EXPECT_EQ(host.stampView(stamp.id)->frame(), integral(mapped));
@@ -50,11 +56,11 @@ TEST_F(EditorHostViewTest, LaysStampsOverTheirPlaceOnThePageInWholePoints) {
 TEST_F(EditorHostViewTest, ReusesViewsAndRemovesThoseWhoseStampIsGone) {
     const StampItem a = stampAt({10, 10, 40, 20});
     const StampItem b = stampAt({20, 10, 40, 20});
-    host.setStampsByPage({{0, {a, b}}});
+    show({{0, {a, b}}});
     InteractiveStampView* viewOfA = host.stampView(a.id);
     EXPECT_EQ(views(), (QList<InteractiveStampView*>{viewOfA, host.stampView(b.id)}))
         << "later ones lie on top";
-    host.setStampsByPage({{0, {a}}});
+    show({{0, {a}}});
     EXPECT_EQ(views(), QList<InteractiveStampView*>{viewOfA});
     host.displayPage(1);
     EXPECT_TRUE(views().isEmpty());
@@ -86,7 +92,7 @@ TEST_F(EditorHostViewTest, ShowsAnotherDocumentFittedHoweverTheLastWasZoomed) {
 
 TEST_F(EditorHostViewTest, FollowsTheScale) {
     const StampItem stamp = stampAt({100, 200, 50, 25});
-    host.setStampsByPage({{0, {stamp}}});
+    show({{0, {stamp}}});
     for (const QSize size : {QSize(400, 500), QSize(1300, 1800)}) {
         host.resize(size);
         EXPECT_EQ(host.overlayContainer().size(), size);
@@ -96,31 +102,31 @@ TEST_F(EditorHostViewTest, FollowsTheScale) {
 
 TEST_F(EditorHostViewTest, ADragIsReportedInPageSpaceAndKeepsItsFrameMeanwhile) {
     const StampItem stamp = stampAt({100, 200, 50, 25});
-    host.setStampsByPage({{0, {stamp}}});
+    show({{0, {stamp}}});
     InteractiveStampView& view = *host.stampView(stamp.id);
     const Rect before = view.frame();
     sendMouse(view, QEvent::MouseButtonPress, {10, 10});
     sendMouse(view, QEvent::MouseMove, {40, 10});
-    host.setStampsByPage({{0, {stamp}}});
+    show({{0, {stamp}}});
     EXPECT_EQ(view.frame(), before.translated(30, 0)) << "a refresh does not pull it back";
     ASSERT_EQ(changed.size(), 1);
     EXPECT_EQ(changed[0].id, stamp.id);
     EXPECT_EQ(changed[0].imageData.constData(), stamp.imageData.constData());
     EXPECT_TRUE(isNear(changed[0].rect, host.pdfView().convertToPage(view.frame()), 1e-9));
     sendMouse(view, QEvent::MouseButtonRelease, {10, 10});
-    host.setStampsByPage({{0, {stamp}}});
+    show({{0, {stamp}}});
     EXPECT_EQ(view.frame(), before);
 }
 
 TEST_F(EditorHostViewTest, RepeatedClicksDoNotMakeAStampGrow) {
     StampItem stamp = stampAt({100.3, 200.7, 50.2, 25.1});
     host.resize(500, 643);
-    host.setStampsByPage({{0, {stamp}}});
+    show({{0, {stamp}}});
     const Rect frame = host.stampView(stamp.id)->frame();
     for (int i = 0; i < 50; ++i) {
         QTest::mouseClick(host.stampView(stamp.id), Qt::LeftButton);
         ASSERT_FALSE(changed.isEmpty());
-        host.setStampsByPage({{0, {changed.last()}}});
+        show({{0, {changed.last()}}});
     }
     EXPECT_EQ(host.stampView(stamp.id)->frame(), frame);
 }
@@ -128,7 +134,7 @@ TEST_F(EditorHostViewTest, RepeatedClicksDoNotMakeAStampGrow) {
 TEST_F(EditorHostViewTest, MarksTheSelectedStampAndForwardsClicks) {
     const StampItem a = stampAt({10, 10, 40, 20});
     const StampItem b = stampAt({100, 10, 40, 20});
-    host.setStampsByPage({{0, {a, b}}});
+    show({{0, {a, b}}});
     host.setSelectedStampID(b.id);
     EXPECT_TRUE(host.stampView(b.id)->isSelectedStamp());
     EXPECT_FALSE(host.stampView(a.id)->isSelectedStamp());
@@ -140,7 +146,7 @@ TEST_F(EditorHostViewTest, MarksTheSelectedStampAndForwardsClicks) {
 
 TEST_F(EditorHostViewTest, WhatNoStampTakesGoesToThePage) {
     const StampItem stamp = stampAt({100, 200, 50, 25});
-    host.setStampsByPage({{0, {stamp}}});
+    show({{0, {stamp}}});
     QTest::mouseClick(host.stampView(stamp.id), Qt::LeftButton);
     QTest::keyClick(host.stampView(stamp.id), Qt::Key_PageDown);
     EXPECT_EQ(host.currentPageIndex(), 1) << "page keys work from a selected stamp";

@@ -28,7 +28,7 @@ protected:
     QProperty<qsizetype> currentPageIndex{0};
     QProperty<std::optional<QUuid>> selectedStampID;
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-    PDFEditorView bridge{&pdfDocument, &stampsByPage, &currentPageIndex, &selectedStampID};
+    PDFEditorView bridge{pdfDocument, stampsByPage, currentPageIndex, selectedStampID};
     std::unique_ptr<EditorHostView> host;
 };
 
@@ -51,6 +51,8 @@ TEST_F(PDFEditorViewTest, EveryDragStepReachesTheStampUnderItsOwnPage) {
     const StampItem stamp = stampAt({100, 200, 50, 25});
     stampsByPage = StampsByPage{{0, {stamp}}, {2, {other}}};
     bridge.updateView(*host);
+    const auto placeOfList = [&] { return stampsByPage.value().value(0).constData(); };
+    const StampItem* place = placeOfList();
     sendMouse(*host->stampView(stamp.id), QEvent::MouseButtonPress, {5, 5});
     for (int step = 1; step <= 3; ++step) {
         sendMouse(*host->stampView(stamp.id), QEvent::MouseMove, {25, 5});
@@ -59,6 +61,7 @@ TEST_F(PDFEditorViewTest, EveryDragStepReachesTheStampUnderItsOwnPage) {
         const Rect rect = stampsByPage.value().value(0).first().rect;
         EXPECT_TRUE(isNear(host->pdfView().convertFromPage(rect), host->stampView(stamp.id)->frame(), 1e-6));
     }
+    EXPECT_EQ(placeOfList(), place) << "changed in place, not copied";
     EXPECT_EQ(selectedStampID.value(), stamp.id);
     EXPECT_EQ(stampsByPage.value().value(2), QList<StampItem>{other});
 }

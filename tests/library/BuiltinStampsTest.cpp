@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <QFileInfo>
+#include <QFontMetricsF>
 #include <QThreadPool>
 
 using namespace vellmora;
@@ -36,19 +37,35 @@ QImage draw(const QString& title, const std::optional<QString>& subtitle) {
 
 }  // namespace
 
-TEST(BuiltinStampsTest, TheTableCarriesTheDateOfTheDay) {
-    const auto table = builtinDefinitions(QDateTime(QDate(2025, 3, 7), QTime(23, 0)));
-    QStringList keys;
-    for (const BuiltinStampDefinition& row : table)
-        keys.append(row.key);
-    ASSERT_EQ(keys, (QStringList{QStringLiteral("eingegangen-heute"), QStringLiteral("erledigt"),
-                                 QStringLiteral("erledigt-heute"), QStringLiteral("archiviert"),
-                                 QStringLiteral("geprueft")}))
-        << "libraries on users' disks name the stamps by their keys";
-    EXPECT_EQ(table[0].displayName, QStringLiteral("Eingegangen am: 07.03.2025"));
-    EXPECT_EQ(table[0].subtitle, QStringLiteral("07.03.2025"));
-    EXPECT_EQ(table[2].title, QStringLiteral("ERLEDIGT AM"));
-    EXPECT_FALSE(table[4].subtitle);
+TEST(BuiltinStampsTest, EachShowsItsTextsInItsColour) {
+    struct Row {
+        const char* key;
+        const char* name;
+        const char* title;
+        std::optional<QString> subtitle;
+        QColor tint;
+    };
+    const QString today = QStringLiteral("07.03.2025");
+    const Row rows[] = {
+        {"eingegangen-heute", "Eingegangen am: 07.03.2025", "EINGEGANGEN AM", today,
+         QColor(0xc6, 0x28, 0x28)},
+        {"erledigt", "Erledigt", "ERLEDIGT", std::nullopt, QColor(0x2e, 0x7d, 0x32)},
+        {"erledigt-heute", "Erledigt am: 07.03.2025", "ERLEDIGT AM", today, QColor(0x2e, 0x7d, 0x32)},
+        {"archiviert", "Archiviert", "ARCHIVIERT", std::nullopt, QColor(0x15, 0x65, 0xc0)},
+        {"geprueft", "Geprüft", "GEPRÜFT", std::nullopt, QColor(0xe0, 0x52, 0x00)},
+    };
+    TestWorkspace workspace;
+    const auto library = workspace.makeLibrary();
+    ASSERT_EQ(library->presets().size(), qsizetype(std::size(rows)));
+    for (const Row& row : rows) {
+        // Libraries on users' disks name the stamps by their keys.
+        const StampPreset preset = builtin(*library, QString::fromUtf8(row.key));
+        EXPECT_EQ(preset.displayName, QString::fromUtf8(row.name));
+        const QImage expected =
+            makeBuiltinStampImage(SystemFonts::load(), QString::fromUtf8(row.title), row.subtitle, row.tint);
+        const QImage shown = library->image(preset)->pixels().convertToFormat(QImage::Format_ARGB32);
+        EXPECT_TRUE(shown == expected.convertToFormat(QImage::Format_ARGB32)) << row.key;
+    }
 }
 
 TEST(BuiltinStampsTest, FrameAndGroundLieWhereTheyShould) {
@@ -77,6 +94,20 @@ TEST(BuiltinStampsTest, EveryTitleFitsItsBoxOnOneLine) {
         EXPECT_LT(title.height(), 125) << "one line";
         EXPECT_NEAR(title.center().x(), 590, 4) << "centred";
     }
+}
+
+TEST(BuiltinStampsTest, LettersStandApart) {
+    const auto spread = [](const char* text, double size, QFont::Weight weight, QRect inked) {
+        const QString line = QString::fromUtf8(text);
+        const QFont font = SystemFonts::load().font(size, weight);
+        return (inked.width() - QFontMetricsF(font).tightBoundingRect(line).width()) /
+               double(line.size() - 1);
+    };
+    const QImage image = draw(QStringLiteral("ERLEDIGT AM"), QStringLiteral("28.08.2028"));
+    EXPECT_NEAR(spread("ERLEDIGT AM", 104, QFont::Black, inkedArea(image, 40, 320 - 136)), 3.5, 0.3);
+    EXPECT_NEAR(spread("28.08.2028", 72, QFont::Bold, inkedArea(image, 320 - 130, 320 - 40)), 1.2, 0.3);
+    const QImage single = draw(QStringLiteral("ERLEDIGT"), std::nullopt);
+    EXPECT_NEAR(spread("ERLEDIGT", 120, QFont::Black, inkedArea(single, 40, 220)), 3.5, 0.3);
 }
 
 TEST(BuiltinStampsTest, AnEmptySubtitleRaisesTheTitleAndDrawsNoSecondLine) {

@@ -82,32 +82,6 @@ TEST(StampPresetJsonTest, FractionsOfASecondAreCutOff) {
     EXPECT_NE(read, preset);
 }
 
-TEST(StampPresetTest, EqualityLooksAtEveryField) {
-    const StampPreset preset = decodePresets(entryWith())->first();
-    StampPreset other = preset;
-    EXPECT_EQ(other, preset);
-    other.lastUsedAt.reset();
-    EXPECT_NE(other, preset);
-    other = preset;
-    other.createdAt = other.createdAt.toOffsetFromUtc(7200);
-    EXPECT_EQ(other, preset) << "the same point in time";
-}
-
-TEST(StampItemTest, EqualityComparesBytesWhetherSharedOrNot) {
-    StampItem item;
-    item.imageData = plainPng(4, 4, Qt::red);
-    StampItem copy = item;
-    EXPECT_EQ(copy.imageData.constData(), item.imageData.constData());
-    EXPECT_EQ(copy, item);
-    copy.imageData.detach();
-    EXPECT_EQ(copy, item);
-    copy.imageData[10] = 'x';
-    EXPECT_NE(copy, item);
-    copy = item;
-    copy.id = QUuid::createUuid();
-    EXPECT_NE(copy, item);
-}
-
 TEST(StampItemTest, ImageIsDecodedFromTheDataOrAbsent) {
     StampItem item;
     EXPECT_FALSE(item.image());

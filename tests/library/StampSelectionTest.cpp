@@ -10,15 +10,15 @@ using namespace vellmora::test;
 
 namespace {
 
+// As they stand in users' settings.
+const QString selectedKey = QStringLiteral("Vellmora.selectedPresetID");
+const QString recentsKey = QStringLiteral("Vellmora.recentPresetIDs");
+
 class StampSelectionTest : public testing::Test {
 protected:
     UserDefaults defaults() const { return UserDefaults(workspace.folders().defaultsFile); }
-    QStringList storedRecents() const {
-        return defaults().stringList(StampLibrary::recentPresetDefaultsKey).value_or(QStringList());
-    }
-    std::optional<QString> storedSelection() const {
-        return defaults().string(StampLibrary::selectedPresetDefaultsKey);
-    }
+    QStringList storedRecents() const { return defaults().stringList(recentsKey).value_or(QStringList()); }
+    std::optional<QString> storedSelection() const { return defaults().string(selectedKey); }
     QList<StampPreset> importMany(StampLibrary& library, int count) {
         const QString file = workspace.path(QStringLiteral("a.png"));
         writeFile(file, plainPng(4, 4, Qt::red));
@@ -43,7 +43,7 @@ TEST_F(StampSelectionTest, TheSelectionSurvivesARestart) {
 TEST_F(StampSelectionTest, AStoredSelectionThatNamesNothingGivesTheFirstEntryAndIsRepaired) {
     workspace.makeLibrary();
     for (const QString& stale : {QStringLiteral("no id"), identifierText(QUuid::createUuid())}) {
-        defaults().setString(StampLibrary::selectedPresetDefaultsKey, stale);
+        defaults().setString(selectedKey, stale);
         const auto library = workspace.makeLibrary();
         EXPECT_EQ(library->selectedPresetID(), library->presets().first().id);
         EXPECT_EQ(storedSelection(), identifierText(library->presets().first().id));
@@ -78,12 +78,12 @@ TEST_F(StampSelectionTest, TwelveRecentsAreStoredAndEightShown) {
     const auto library = workspace.makeLibrary();
     const QList<StampPreset> presets = importMany(*library, 13);
     EXPECT_EQ(storedRecents().size(), 12);
-    EXPECT_EQ(storedRecents().first(), identifierText(presets[12].id));
-    EXPECT_EQ(storedRecents().last(), identifierText(presets[1].id));
+    EXPECT_EQ(storedRecents().value(0), identifierText(presets[12].id));
+    EXPECT_EQ(storedRecents().value(11), identifierText(presets[1].id));
     EXPECT_EQ(library->recentPresets().size(), 8);
     library->recordUse(presets[5].id);
     EXPECT_EQ(storedRecents().size(), 12);
-    EXPECT_EQ(storedRecents().first(), identifierText(presets[5].id));
+    EXPECT_EQ(storedRecents().value(0), identifierText(presets[5].id));
 }
 
 TEST_F(StampSelectionTest, OddStoredRecentsAreToleratedAndUnknownUsesIgnored) {
@@ -92,10 +92,9 @@ TEST_F(StampSelectionTest, OddStoredRecentsAreToleratedAndUnknownUsesIgnored) {
     library->recordUse(QUuid::createUuid());
     EXPECT_TRUE(storedRecents().isEmpty());
     defaults().setStringList(
-        StampLibrary::recentPresetDefaultsKey,
-        {QStringLiteral("junk"), identifierText(QUuid::createUuid()), identifierText(preset.id)});
+        recentsKey, {QStringLiteral("junk"), identifierText(QUuid::createUuid()), identifierText(preset.id)});
     EXPECT_EQ(workspace.makeLibrary()->recentPresets(), QList<StampPreset>{preset});
-    defaults().setString(StampLibrary::recentPresetDefaultsKey, QStringLiteral("not a list"));
+    defaults().setString(recentsKey, QStringLiteral("not a list"));
     const auto next = workspace.makeLibrary();
     EXPECT_TRUE(next->recentPresets().isEmpty());
     next->recordUse(preset.id);

@@ -26,6 +26,7 @@ protected:
             StampPreset preset;
             preset.displayName = QStringLiteral("Stempel %1").arg(i);
             preset.createdAt = QDateTime(QDate(2024, 5, 17), QTime(12, 0));
+            preset.lastUsedAt = preset.createdAt.addDays(100);
             if (isBuiltin)
                 preset.builtinKey = preset.displayName;
             library.presets.append(preset);
@@ -41,7 +42,7 @@ protected:
 
     MainWindow::Callbacks callbacks() {
         MainWindow::Callbacks result;
-        result.commands = {{QStringLiteral("Erster"), {}, [] {}}, {QStringLiteral("Zweiter"), {}, [] {}}};
+        result.commands = {&first, &second};
         const auto note = [this](const char* what) {
             return [this, what](const StampPreset& p) {
                 calls.append(QString::fromLatin1(what) + p.displayName);
@@ -60,6 +61,8 @@ protected:
         return result;
     }
 
+    QAction first{QStringLiteral("Erster")};
+    QAction second{QStringLiteral("Zweiter")};
     QStringList calls;
     std::atomic<bool> isPictureReadable = true;
     std::atomic<int> decodes = 0;

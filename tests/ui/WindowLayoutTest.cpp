@@ -2,8 +2,8 @@
 #include "tests/support/GTestQt.h"
 #include "tests/ui/WindowFixture.h"
 #include "ui/FirstPaint.h"
-#include "ui/ThinScrollBar.h"
 
+#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -86,7 +86,6 @@ TEST_F(WindowLayoutTest, BoxesStandInOrderWithTheirPadding) {
     EXPECT_EQ(titles, (QStringList{QStringLiteral("Vellmora"), QStringLiteral("Aktiver Stempel"),
                                    QStringLiteral("Zuletzt verwendet"), QStringLiteral("Stempelbibliothek"),
                                    QStringLiteral("Bedienung")}));
-    EXPECT_LE(ThinScrollBar::thickness, Sidebar::padding);
     showLibrary(2, 0);
     EXPECT_EQ(boxes().size(), 4) << "without recent stamps their box is not there at all";
 }
@@ -148,7 +147,58 @@ TEST_F(WindowLayoutTest, TilesAndRowsKeepTheirMeasures) {
     auto& row = *window.findChild<PresetRow*>();
     EXPECT_EQ(row.findChild<PictureView*>()->geometry(), QRect(8, 8, 44 + 12, 44 + 12));
     EXPECT_EQ(row.findChildren<TextLabel*>().first()->x(), 8 + 56 + 10);
-    EXPECT_EQ(row.findChildren<TextLabel*>().last()->text(), QStringLiteral("17. Mai 2024"));
+    EXPECT_EQ(row.findChildren<TextLabel*>().last()->text(), QStringLiteral("17. Mai 2024"))
+        << "the day on which the entry was made, not that of its last use";
+}
+
+TEST_F(WindowLayoutTest, ATileIsAsHighAsItsNameAndBadgeNeed) {
+    const Theme theme(SystemFonts::load());
+    constexpr int width = 132;
+    const PresetTile::Heights heights(width, theme);
+    Thumbnails thumbnails(nullptr);
+    PresetTile tile({}, thumbnails, theme, nullptr);
+    const TextLabel& badge = *tile.findChildren<TextLabel*>().last();
+    EXPECT_EQ(badge.text(), QStringLiteral("Standard"));
+    QStringList names{QStringLiteral("i"), QStringLiteral("日本語の承認スタンプです"),
+                      QString(60, QLatin1Char('W'))};
+    for (int length = 8; length < 24; ++length) {
+        names.append(QStringLiteral("AVAVAVAVAVAVAVAVAVAVAVAVAVAV").left(length));
+        names.append(QStringLiteral("Unterschrift Müller-Lüdens").left(length));
+    }
+    QSet<int> seen;
+    for (const QString& name : names) {
+        for (const bool isBuiltin : {false, true}) {
+            StampPreset preset;
+            preset.displayName = name;
+            if (isBuiltin)
+                preset.builtinKey = name;
+            tile.setData({preset, {}, false});
+            tile.layout()->activate();
+            EXPECT_EQ(badge.isVisibleTo(&tile), isBuiltin);
+            EXPECT_EQ(heights.of(preset), tile.layout()->totalHeightForWidth(width)) << name.toStdString();
+            seen.insert(heights.of(preset));
+        }
+    }
+    EXPECT_EQ(seen.size(), 3) << "neither, a badge or a second line, both";
+}
+
+TEST_F(WindowLayoutTest, EverySymbolHasItsOwnDrawing) {
+    QList<QImage> drawings;
+    for (const Symbol symbol :
+         {Symbol::document, Symbol::starOnSquares, Symbol::photoOnRectangle, Symbol::photo, Symbol::trash,
+          Symbol::trayArrowDown, Symbol::documentArrowUp}) {
+        QImage image(24, 24, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        drawSymbol(painter, symbol, image.rect(), Qt::red);
+        painter.end();
+        int inked = 0;
+        for (int i = 0; i < 24 * 24; ++i)
+            inked += isClose(image.pixelColor(i % 24, i / 24), Qt::red) ? 1 : 0;
+        EXPECT_GT(inked, 20) << "in the colour that was asked for";
+        EXPECT_FALSE(drawings.contains(image));
+        drawings.append(image);
+    }
 }
 
 TEST_F(WindowLayoutTest, TheDropZoneKeepsItsWidthsAndTexts) {
@@ -168,7 +218,7 @@ TEST_F(WindowLayoutTest, TheDropZoneKeepsItsWidthsAndTexts) {
 
 TEST_F(WindowLayoutTest, ALongStatusIsCutOffAndMovesNothing) {
     const int before = inWindow(*window.commandBar().findChildren<Button*>().last()).right();
-    window.commandBar().setData({{}, QString(400, QLatin1Char('x'))});
+    window.commandBar().setStatusText(QString(400, QLatin1Char('x')));
     settle();
     EXPECT_EQ(window.width(), 1220);
     EXPECT_EQ(inWindow(*window.commandBar().findChildren<Button*>().last()).right(), before);

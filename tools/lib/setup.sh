@@ -4,8 +4,8 @@
 
 build_packages=(
     g++ cmake ninja-build
-    qt6-base-dev qt6-base-dev-tools qt6-pdf-dev qt6-translations-l10n
-    libfontconfig-dev libjemalloc-dev libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
+    qt6-base-dev qt6-base-dev-tools qt6-pdf-dev qt6-svg-dev qt6-translations-l10n
+    libjemalloc-dev libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
     fonts-roboto-unhinted
     libgmock-dev libgtest-dev locales
 )

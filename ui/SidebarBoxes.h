@@ -1,0 +1,131 @@
+#pragma once
+
+#include "library/StampPreset.h"
+#include "platform/image/PictureSource.h"
+#include "ui/PresetGrid.h"
+#include "ui/PresetRow.h"
+#include "ui/TextLabel.h"
+#include "ui/Theme.h"
+
+#include <functional>
+#include <optional>
+
+#include <QList>
+#include <QUuid>
+#include <QVBoxLayout>
+#include <QWidget>
+
+namespace vellmora {
+
+/// What the sidebar shows of the workspace. It is made and compared at every step of a drag, so it must stay
+/// cheap.
+struct WorkspaceFigures {
+    QString pageDisplayText;
+    qsizetype totalStampCount = 0;
+    qsizetype currentPageStampCount = 0;
+    bool hasDocument = false;
+    bool operator==(const WorkspaceFigures&) const = default;
+};
+
+/// What the sidebar shows of the library.
+struct LibraryContent {
+    QList<StampPreset> presets;
+    QList<StampPreset> recentPresets;
+    std::optional<StampPreset> selectedPreset;
+    std::optional<QUuid> selectedPresetID;
+};
+
+struct SidebarCallbacks {
+    std::function<void(const StampPreset&)> onSelect;
+    std::function<void(const StampPreset&)> onInsert;
+    std::function<void(const StampPreset&)> onDelete;
+    std::function<void()> onImport;
+    std::function<PictureSource(const StampPreset&)> pictureOf;
+};
+
+/// A framed panel with its title above the content, which is a vertical stack.
+class GroupBox : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Space between the frame and the content, and between the items of the content.
+    static constexpr int padding = 12;
+    static constexpr int itemSpacing = 12;
+
+    GroupBox(QString title, const Theme& theme, QWidget* parent);
+
+    QVBoxLayout& content() { return *m_content; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_title;
+    QFont m_titleFont;
+    QVBoxLayout* m_content;
+};
+
+/// The box titled with the program's name: the page, counts of stamps and entries, and where entries are
+/// kept.
+class StatisticsBox : public GroupBox {
+    Q_OBJECT
+
+public:
+    StatisticsBox(const Theme& theme, QWidget* parent);
+
+    void setFigures(const WorkspaceFigures& figures);
+    void setLibraryCount(qsizetype count);
+
+private:
+    TextLabel* addRow(const QString& title, const Theme& theme);
+
+    TextLabel* m_page;
+    TextLabel* m_total;
+    TextLabel* m_onPage;
+    TextLabel* m_library;
+};
+
+/// The recently used stamps, a row each. Hidden while there are none.
+class RecentsBox : public GroupBox {
+    Q_OBJECT
+
+public:
+    RecentsBox(SidebarCallbacks callbacks, Thumbnails& thumbnails, Theme theme, QWidget* parent);
+
+    void setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID);
+
+private:
+    SidebarCallbacks m_callbacks;
+    Thumbnails& m_thumbnails;
+    Theme m_theme;
+    QList<PresetRow*> m_rows;
+};
+
+/// The stamp library: a button to add to it, and its entries as a grid of tiles.
+class LibraryBox : public GroupBox {
+    Q_OBJECT
+
+public:
+    LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
+               QWidget* parent);
+
+    void setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID);
+    PresetGrid& grid() { return *m_grid; }
+
+    /// Sets the width of the whole box. To be called before `setPresets`.
+    void setBoxWidth(int width);
+
+private:
+    TextLabel* m_emptyText;
+    PresetGrid* m_grid;
+};
+
+/// How the program is used, in five lines.
+class GuideBox : public GroupBox {
+    Q_OBJECT
+
+public:
+    GuideBox(const Theme& theme, QWidget* parent);
+};
+
+}  // namespace vellmora
