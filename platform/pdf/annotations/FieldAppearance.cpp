@@ -32,8 +32,11 @@ void drawFieldText(FormDrawing& drawing, const FormField& field, const FieldFram
     block.combCells = field.is("/Tx") ? combCells(field) : 0;
     if (block.combCells > 0)
         block.box = frame.inner();
-    if (!block.isMultiline)
+    if (!block.isMultiline) {
+        constexpr qsizetype longestLine = 10'000;  // more is never visible
+        block.text.truncate(longestLine);
         block.text.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    }
     const auto writer = tools.fonts.writer(drawing, block.text, field.resources(), style.fontName, fontName);
     drawText(drawing, block, *writer, style);
 }

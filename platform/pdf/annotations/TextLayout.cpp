@@ -87,6 +87,8 @@ void drawLines(const TextBlock& block, TextWriter& writer, const LineBreaks& bre
     writer.begin(size);
     double y = block.box.maxY() - ascent * size;
     for (const TextLine& line : breaks.lines(block.box.width / size)) {
+        if (y + size < block.box.minY())  // below the box
+            break;
         showLine(block, writer, line, y, size);
         y -= lineSpacing * size;
     }
