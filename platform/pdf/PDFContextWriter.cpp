@@ -1,6 +1,5 @@
 #include "platform/pdf/PDFContextWriter.h"
 
-#include "platform/pdf/annotations/Annotations.h"
 #include "platform/pdf/drawing/ContentText.h"
 #include "platform/pdf/drawing/PageForm.h"
 #include "platform/pdf/picture/PictureEncoding.h"
@@ -22,7 +21,8 @@ QPDFObjectHandle emptyDictionary() {
 
 }  // namespace
 
-PDFContext::Writer::Writer(PDFDataConsumer& consumer) : m_consumer(consumer), m_copier(m_output) {
+PDFContext::Writer::Writer(PDFDataConsumer& consumer)
+    : m_consumer(consumer), m_copier(m_output), m_appearances(m_copier) {
     m_output.emptyPDF();
     m_pages = m_output.getRoot().getKey("/Pages");
 }
@@ -109,7 +109,7 @@ void PDFContext::Writer::drawContent(const SourcePage& page) {
 void PDFContext::Writer::drawAnnotations(const PDFSource& source, const SourcePage& page) {
     for (const Annotation& annotation : visibleAnnotations(page)) {
         attempt([&] {
-            if (const auto appearance = makeAppearance(annotation, source, page, m_copier))
+            if (const auto appearance = m_appearances.make(annotation, source, page))
                 paintAnnotation(*appearance, annotation.entry("/OC"));
         });
     }
@@ -168,6 +168,7 @@ void PDFContext::Writer::endPage() {
 
 void PDFContext::Writer::write() {
     const auto sources = std::move(m_sources);  // released at the end, however it comes
+    m_appearances.finish();
     prepareStreams(m_output, m_copier.carriedStreams());
     for (PictureInWork& picture : m_pictures)
         fillPictureObject(m_output, picture.object, picture.encoded.get());

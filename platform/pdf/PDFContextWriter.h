@@ -2,6 +2,7 @@
 
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/Qpdf.h"
+#include "platform/pdf/annotations/Annotations.h"
 #include "platform/pdf/drawing/BoxArrays.h"
 #include "platform/pdf/picture/EncodedPicture.h"
 #include "platform/pdf/reading/PDFSource.h"
@@ -17,8 +18,6 @@
 #include <vector>
 
 namespace vellmora {
-
-struct AnnotationAppearance;
 
 /// The output file of a context while it is put together.
 class PDFContext::Writer {
@@ -67,6 +66,7 @@ private:
     QPDF m_output;
     ObjectCopier m_copier;
     BoxArrays m_boxes;
+    Appearances m_appearances;
     QPDFObjectHandle m_pages;
     QPDFObjectHandle m_kids = QPDFObjectHandle::newArray();
     std::vector<PictureInWork> m_pictures;

@@ -19,7 +19,7 @@ set(allowed_app app ui editor export library platform)
 set(withoutWidgets "^(library|export|platform/(error|geometry|files|defaults|time|text|image|fonts|colors|drop|pdf))/")
 set(platformWithWidgets "^platform/(view/PDFView|panels/DialogFilePanels)")
 # The libraries behind the platform, and where alone they are called.
-set(pdfLibraryFolder "^platform/pdf/((drawing|reading|writing)/)?[^/]+$")
+set(pdfLibraryFolder "^platform/pdf/((annotations/fonts|drawing|reading|writing)/)?[^/]+$")
 set(engineFolder "^renderer/")
 
 set(wrong "")

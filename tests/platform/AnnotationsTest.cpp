@@ -21,7 +21,8 @@ public:
         : m_output(drawFirstPage(PdfBuilder()
                                      .page(page + " /Annots [<< /Type /Annot " + annotation + " >>]")
                                      .stream(squareForm, ownAppearance)
-                                     .object("<< /Type /Font /Subtype /Type1 /BaseFont /Courier >>")
+                                     .object("<< /Type /Font /Subtype /Type1 /BaseFont /Courier "
+                                             "/Encoding /WinAnsiEncoding >>")
                                      .catalog("/AcroForm << " + form + " >>"))) {}
 
     bool isSeen() { return m_output.drawn("/A0").isStream(); }

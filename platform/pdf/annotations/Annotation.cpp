@@ -20,7 +20,7 @@ Annotation::Annotation(const QPDFObjectHandle& dictionary) : m_dictionary(dictio
     m_rect = rectangleOf(entry("/Rect")).value_or(Rect{});
     QPDFObjectHandle flags = entry("/F");
     if (flags.isInteger())
-        m_flags = flags.getIntValueAsInt();
+        m_flags = flags.getIntValue();
 }
 
 bool Annotation::isVisible() const {

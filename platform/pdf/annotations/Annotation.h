@@ -17,6 +17,7 @@ public:
     bool isVisible() const;
     /// Stays upright on a page that is turned, about its upper left corner.
     bool isUpright() const;
+    const QPDFObjectHandle& dictionary() const { return m_dictionary; }
     QPDFObjectHandle entry(const char* key) const { return QPDFObjectHandle(m_dictionary).getKey(key); }
 
     /// Where it lies; empty where the file has no such rectangle.
@@ -35,7 +36,7 @@ private:
     QPDFObjectHandle m_dictionary;
     std::string m_subtype;
     Rect m_rect;
-    int m_flags = 0;
+    long long m_flags = 0;
 };
 
 }  // namespace vellmora

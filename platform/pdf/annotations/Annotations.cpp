@@ -55,19 +55,20 @@ QTransform uprightMatrix(const Annotation& annotation, const SourcePage& page) {
 }
 
 std::optional<QPDFObjectHandle> drawAppearance(const Annotation& annotation, const PDFSource& source,
-                                               ObjectCopier& copier) {
+                                               AppearanceTools& tools) {
     if (annotation.is("/Widget"))
-        return drawField(annotation, source, copier);
+        return drawField(annotation, source, tools);
     if (annotation.is("/FreeText"))
-        return drawFreeText(annotation, source, copier);
-    if (auto form = drawTextMarkup(annotation, copier.output()))
+        return drawFreeText(annotation, source, tools);
+    if (auto form = drawTextMarkup(annotation, tools.copier.output()))
         return form;
-    return drawShape(annotation, copier.output());
+    return drawShape(annotation, tools.copier.output());
 }
 
-bool isToBeDrawn(const Annotation& annotation, const QPDFObjectHandle& normal, const PDFSource& source) {
+bool isToBeDrawn(const Annotation& annotation, const QPDFObjectHandle& normal, const PDFSource& source,
+                 AppearanceTools& tools) {
     return !bringsAppearance(annotation) ||
-           (annotation.is("/Widget") && needsNewAppearance(annotation, normal, source));
+           (annotation.is("/Widget") && needsNewAppearance(annotation, normal, source, tools));
 }
 
 }  // namespace
@@ -89,25 +90,32 @@ std::vector<Annotation> visibleAnnotations(const SourcePage& page) {
     return ordinary;
 }
 
-std::optional<AnnotationAppearance> makeAppearance(const Annotation& annotation, const PDFSource& source,
-                                                   const SourcePage& page, ObjectCopier& copier) {
-    const QTransform upright = uprightMatrix(annotation, page);
+std::optional<AnnotationAppearance> Appearances::make(const Annotation& annotation, const PDFSource& source,
+                                                      const SourcePage& page) {
     QPDFObjectHandle normal = normalAppearance(annotation);
-    if (isToBeDrawn(annotation, normal, source)) {
-        if (const auto form = drawAppearance(annotation, source, copier))
-            return AnnotationAppearance{*form, upright};
-        return std::nullopt;
-    }
+    std::optional<AnnotationAppearance> appearance;
+    if (!isToBeDrawn(annotation, normal, source, m_tools))
+        appearance = carry(annotation, normal, source);
+    else if (const auto form = *m_drawn.get(annotation.dictionary(),
+                                            [&] { return drawAppearance(annotation, source, m_tools); }))
+        appearance = AnnotationAppearance{*form, {}};
+    if (appearance)
+        appearance->matrix *= uprightMatrix(annotation, page);
+    return appearance;
+}
+
+std::optional<AnnotationAppearance> Appearances::carry(const Annotation& annotation, QPDFObjectHandle normal,
+                                                       const PDFSource& source) {
     if (!normal.isStream() || annotation.rect().isEmpty())
         return std::nullopt;
     const auto matrix = placement(normal, annotation.rect());
     if (!matrix)
         return std::nullopt;
-    QPDFObjectHandle form = copier.copy(normal);
+    QPDFObjectHandle form = m_tools.copier.copy(normal);
     form.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
     if (annotation.is("/Widget") && !form.getDict().getKey("/Resources").isDictionary())
-        form.getDict().replaceKey("/Resources", copier.copy(formResources(annotation, source)));
-    return AnnotationAppearance{form, *matrix * upright};
+        form.getDict().replaceKey("/Resources", m_tools.copier.copy(formResources(annotation, source)));
+    return AnnotationAppearance{form, *matrix};
 }
 
 }  // namespace vellmora

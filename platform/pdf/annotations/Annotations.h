@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/pdf/annotations/Annotation.h"
+#include "platform/pdf/annotations/AppearanceTools.h"
 #include "platform/pdf/reading/PDFSource.h"
-#include "platform/pdf/writing/ObjectCopier.h"
 
 #include <optional>
 #include <vector>
@@ -18,9 +18,25 @@ struct AnnotationAppearance {
 /// What a screen viewer paints of the page, in painting order: ordinary annotations, then form fields.
 std::vector<Annotation> visibleAnnotations(const SourcePage& page);
 
-/// The appearance that the file brings, or one that is drawn as mature viewers draw it where it brings none.
-/// Nothing where there is nothing to be seen.
-std::optional<AnnotationAppearance> makeAppearance(const Annotation& annotation, const PDFSource& source,
-                                                   const SourcePage& page, ObjectCopier& copier);
+/// Makes the appearances of one output.
+class Appearances {
+public:
+    explicit Appearances(ObjectCopier& copier) : m_tools(copier) {}
+
+    /// The appearance that the file brings, or one that is drawn as mature viewers draw it where it brings
+    /// none. Nothing where there is nothing to be seen.
+    std::optional<AnnotationAppearance> make(const Annotation& annotation, const PDFSource& source,
+                                             const SourcePage& page);
+    /// To be called once, when no more appearances will be made: gives the output the fonts of the texts.
+    void finish() { m_tools.fonts.finish(); }
+
+private:
+    std::optional<AnnotationAppearance> carry(const Annotation& annotation, QPDFObjectHandle normal,
+                                              const PDFSource& source);
+
+    AppearanceTools m_tools;
+    /// A page may name one annotation many times.
+    ObjectCache<std::optional<QPDFObjectHandle>> m_drawn;
+};
 
 }  // namespace vellmora

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "platform/pdf/annotations/Annotation.h"
+#include "platform/pdf/annotations/AppearanceTools.h"
 #include "platform/pdf/reading/PDFSource.h"
-#include "platform/pdf/writing/ObjectCopier.h"
 
 #include <optional>
 
 namespace vellmora {
 
-/// Whether the form asks viewers to draw its fields anew, and the appearance that this one brings shows
-/// another text than its value.
-bool needsNewAppearance(const Annotation& widget, const QPDFObjectHandle& appearance,
-                        const PDFSource& source);
+/// Whether the form asks viewers to draw its fields anew, the appearance that this one brings plainly shows
+/// another text than its value, and all letters of the value can be written.
+bool needsNewAppearance(const Annotation& widget, const QPDFObjectHandle& appearance, const PDFSource& source,
+                        AppearanceTools& tools);
 
 /// The resources to use for an appearance that brings none; null where the form has none either.
 QPDFObjectHandle formResources(const Annotation& widget, const PDFSource& source);
@@ -19,6 +19,6 @@ QPDFObjectHandle formResources(const Annotation& widget, const PDFSource& source
 /// Border, background and value of a field as its dictionary describes them; nothing for signatures and
 /// fields of an unknown kind.
 std::optional<QPDFObjectHandle> drawField(const Annotation& widget, const PDFSource& source,
-                                          ObjectCopier& copier);
+                                          AppearanceTools& tools);
 
 }  // namespace vellmora

@@ -1,6 +1,7 @@
 #include "platform/pdf/annotations/FieldFrame.h"
 
-#include "platform/pdf/annotations/TextFont.h"
+#include "platform/pdf/annotations/SimpleFont.h"
+#include "platform/pdf/annotations/fonts/StandardGlyphs.h"
 #include "platform/pdf/drawing/ContentText.h"
 
 #include <algorithm>
@@ -38,6 +39,23 @@ constexpr auto marks = std::to_array<Mark>({{'4', 0.755, 0.36},
                                             {'l', 0.791, 0.35},
                                             {'n', 0.761, 0.35},
                                             {'u', 0.788, 0.35}});
+
+struct NamedSign {
+    char16_t character;
+    char sign;
+};
+
+// Signs of ZapfDingbats that Unicode has outside of its block of dingbats, which begins with U+2701 for '!'.
+constexpr auto signsElsewhere = std::to_array<NamedSign>({{0x260E, '%'},
+                                                          {0x261B, '*'},
+                                                          {0x261E, '+'},
+                                                          {0x2605, 'H'},
+                                                          {0x25CF, 'l'},
+                                                          {0x25A0, 'n'},
+                                                          {0x25B2, 's'},
+                                                          {0x25BC, 't'},
+                                                          {0x25C6, 'u'},
+                                                          {0x25D7, 'w'}});
 
 }  // namespace
 
@@ -113,18 +131,29 @@ void FieldFrame::drawRaisedEdges(FormDrawing& drawing) const {
     drawing.paintPath(true, false);
 }
 
-void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style) {
-    const char code = sign.at(0).toLatin1();
+char signFor(QChar caption, char usual) {
+    const char16_t character = caption.unicode();
+    if (character > ' ' && character < 0x7F)
+        return static_cast<char>(character);
+    if (character > 0x2700 && character < 0x275F)
+        return static_cast<char>('!' + (character - 0x2701));
+    const auto known = std::find_if(signsElsewhere.begin(), signsElsewhere.end(),
+                                    [&](const NamedSign& named) { return named.character == character; });
+    return known != signsElsewhere.end() ? known->sign : usual;
+}
+
+void drawMark(FormDrawing& drawing, char sign, const Rect& box, const TextStyle& style) {
     const auto known =
-        std::find_if(marks.begin(), marks.end(), [&](const Mark& m) { return m.sign == code; });
-    const Mark mark = known != marks.end() ? *known : Mark{code, 0.78, 0.35};
+        std::find_if(marks.begin(), marks.end(), [&](const Mark& m) { return m.sign == sign; });
+    const double width = standardWidth(StandardFace::dingbats, static_cast<unsigned char>(sign), 0) / 1000;
+    const Mark mark = known != marks.end() ? *known : Mark{sign, width, 0.35};
     const double size = style.fontSize > 0 ? style.fontSize : std::min(box.height, box.width) * 0.9;
     drawing.addFont("/ZaDb", standardFont("/ZapfDingbats"));
     drawing.add("BT");
     drawing.add(style.color.empty() ? "0 g" : style.color);
     drawing.add("/ZaDb " + pdfNumber(size) + " Tf");
     drawing.add({1, 0, 0, 1, box.midX() - mark.width * size / 2, box.midY() - mark.middle * size}, "Tm");
-    drawing.add(QPDFObjectHandle::newString(std::string(1, code)).unparse() + " Tj");
+    drawing.add(QPDFObjectHandle::newString(std::string(1, sign)).unparse() + " Tj");
     drawing.add("ET");
 }
 

@@ -4,7 +4,7 @@
 #include "platform/pdf/annotations/TextStyle.h"
 #include "platform/pdf/drawing/FormDrawing.h"
 
-#include <QString>
+#include <QChar>
 
 namespace vellmora {
 
@@ -37,8 +37,11 @@ private:
     bool m_isRound;
 };
 
+/// The code of a button's caption in the font ZapfDingbats; `usual` where the font does not have it.
+char signFor(QChar caption, char usual);
+
 /// A sign of the font ZapfDingbats in the middle of the box, as large as it allows where the style has no
 /// size.
-void drawMark(FormDrawing& drawing, const QString& sign, const Rect& box, const TextStyle& style);
+void drawMark(FormDrawing& drawing, char sign, const Rect& box, const TextStyle& style);
 
 }  // namespace vellmora

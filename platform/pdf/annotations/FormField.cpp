@@ -16,6 +16,7 @@ QString textOf(QPDFObjectHandle object) {
     if (!object.isString())
         return {};
     QString text = QString::fromStdString(object.getUTF8Value());
+    text.replace(QLatin1Char('\t'), QLatin1Char(' '));
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     return text;
 }
@@ -27,7 +28,7 @@ FormField::FormField(Annotation widget, const PDFSource& source)
         m_type = type.getName();
     QPDFObjectHandle flags = attribute("/Ff");
     if (flags.isInteger())
-        m_flags = flags.getIntValueAsInt();
+        m_flags = flags.getIntValue();
 }
 
 QPDFObjectHandle FormField::attribute(const char* key) const {
@@ -57,7 +58,9 @@ std::string FormField::defaultAppearance() const {
 
 int FormField::alignment() const {
     QPDFObjectHandle value = attributeOrForm("/Q");
-    return value.isInteger() ? value.getIntValueAsInt() : 0;
+    return value.isInteger() && value.getIntValue() >= 0 && value.getIntValue() <= 2
+               ? static_cast<int>(value.getIntValue())
+               : 0;
 }
 
 QPDFObjectHandle FormField::resources() const {

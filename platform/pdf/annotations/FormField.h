@@ -33,7 +33,7 @@ private:
     Annotation m_widget;
     QPDFObjectHandle m_form;
     std::string m_type;
-    int m_flags = 0;
+    long long m_flags = 0;
 };
 
 /// A string's or a name's text, with line feeds for line breaks of every kind; empty for all else.

@@ -6,25 +6,25 @@
 namespace vellmora {
 
 std::optional<QPDFObjectHandle> drawFreeText(const Annotation& annotation, const PDFSource& source,
-                                             ObjectCopier& copier) {
+                                             AppearanceTools& tools) {
     const Rect& rect = annotation.rect();
     if (rect.isEmpty())
         return std::nullopt;
     const FormField texts(annotation, source);
-    TextStyle style = parseDefaultAppearance(texts.defaultAppearance());
-    const TextFont font(texts.resources(), style.fontName);
+    const TextStyle& style = tools.fonts.style(texts.defaultAppearance());
+    TextBlock block{textOf(annotation.entry("/Contents")), {}, texts.alignment()};
     const double border = annotation.borderWidth();
-    FormDrawing drawing(copier.output());
+    FormDrawing drawing(tools.copier.output());
     drawing.setBlending(annotation.opacity(), "Normal");
-    drawing.addFont("/F0", copier.copy(font.dictionary()));
+    const auto writer = tools.fonts.writer(drawing, block.text, texts.resources(), style.fontName, "/F0");
     const bool isFilled = drawing.setFillColor(annotation.color("/C"));
     drawing.add("0 G");
     drawing.setLine(border, annotation.borderDashes());
     drawing.rectangle(rect.insetBy(border / 2));
     drawing.paintPath(isFilled, border > 0);
-    TextBlock block{textOf(annotation.entry("/Contents")), rect.insetBy(border + 2), texts.alignment()};
+    block.box = rect.insetBy(border + 2);
     block.isMultiline = true;
-    drawText(drawing, block, font, "/F0", style);
+    drawText(drawing, block, *writer, style);
     return drawing.finish(rect);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/pdf/annotations/Annotation.h"
+#include "platform/pdf/annotations/AppearanceTools.h"
 #include "platform/pdf/reading/PDFSource.h"
-#include "platform/pdf/writing/ObjectCopier.h"
 
 #include <optional>
 
@@ -10,6 +10,6 @@ namespace vellmora {
 
 /// A text note that is written on the page itself: background, border and text.
 std::optional<QPDFObjectHandle> drawFreeText(const Annotation& annotation, const PDFSource& source,
-                                             ObjectCopier& copier);
+                                             AppearanceTools& tools);
 
 }  // namespace vellmora

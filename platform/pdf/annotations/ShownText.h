@@ -1,16 +1,25 @@
 #pragma once
 
-#include "platform/pdf/Qpdf.h"
+#include "platform/pdf/annotations/ObjectCache.h"
+#include "platform/pdf/annotations/fonts/FontReader.h"
 
-#include <string>
+#include <optional>
+
+#include <QString>
 
 namespace vellmora {
 
-/// The strings that a form XObject shows, one after another as the file has them, without spaces and control
-/// characters. Empty where the content cannot be read.
-std::string shownText(const QPDFObjectHandle& form);
+/// Reads what appearances show.
+class ShownText {
+public:
+    /// The strings that a form XObject shows, one after another as the file has them. `resources` hold for
+    /// what the form's own do not have. Nothing where that cannot be told reliably: for an unknown encoding,
+    /// pictures of text, a very large form.
+    std::optional<QString> of(const QPDFObjectHandle& form, const QPDFObjectHandle& resources);
 
-/// The same for a text that might be shown.
-std::string withoutSpaces(const std::string& text);
+private:
+    ObjectCache<FontReader> m_fonts;
+    ObjectCache<std::optional<QString>> m_texts;
+};
 
 }  // namespace vellmora

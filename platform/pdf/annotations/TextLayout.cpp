@@ -1,11 +1,11 @@
 #include "platform/pdf/annotations/TextLayout.h"
 
+#include "platform/pdf/annotations/LineBreaks.h"
 #include "platform/pdf/drawing/ContentText.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include <QStringList>
+#include <QTextBoundaryFinder>
 
 namespace vellmora {
 
@@ -16,31 +16,6 @@ constexpr double ascent = 0.8;        // of the first line, in font sizes
 constexpr double xHeightMiddle = 0.36;
 constexpr double smallestSize = 4;
 constexpr double largestMultilineSize = 12;
-
-std::string literal(const std::string& bytes) {
-    return QPDFObjectHandle::newString(bytes).unparse();
-}
-
-/// Lines of encoded text that are no wider than `width` ems, where a single word is not wider.
-std::vector<std::string> wrapped(const QString& text, const TextFont& font, double width) {
-    std::vector<std::string> lines;
-    for (const QString& paragraph : text.split(QLatin1Char('\n'))) {
-        std::string line;
-        for (const QString& word : paragraph.split(QLatin1Char(' '))) {
-            const std::string next = font.encoded(word);
-            std::string longer = line;
-            longer.append(line.empty() ? "" : " ").append(next);
-            if (!line.empty() && font.width(longer) > width) {
-                lines.push_back(line);
-                line = next;
-            } else {
-                line = longer;
-            }
-        }
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 double startOf(const TextBlock& block, double width) {
     const double space = block.box.width - width;
@@ -54,68 +29,97 @@ double startOf(const TextBlock& block, double width) {
     }
 }
 
-void showAt(FormDrawing& drawing, Point at, const std::string& bytes) {
-    drawing.add({1, 0, 0, 1, at.x, at.y}, "Tm");
-    drawing.add(literal(bytes) + " Tj");
+void showLine(const TextBlock& block, TextWriter& writer, const TextLine& line, double y, double size) {
+    const double width = block.alignment == 0 ? 0 : writer.width(line.text) / 1000 * size;
+    writer.show(line, {startOf(block, width), y});
 }
 
-void drawMultiline(FormDrawing& drawing, const TextBlock& block, const TextFont& font, double size) {
+/// What is read as one character: a letter with its marks.
+QStringList lettersOf(const QString& text, int most) {
+    QStringList letters;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    for (qsizetype start = 0; start < text.size() && letters.size() < most;) {
+        const qsizetype next = finder.toNextBoundary();
+        const qsizetype end = next > start ? next : text.size();
+        letters.append(text.mid(start, end - start));
+        start = end;
+    }
+    return letters;
+}
+
+void drawComb(const TextBlock& block, TextWriter& writer, double size) {
+    QStringList letters = lettersOf(block.text, block.combCells);
+    if (block.text.isRightToLeft())
+        std::reverse(letters.begin(), letters.end());
+    const double cell = block.box.width / block.combCells;
+    const int count = static_cast<int>(letters.size());
+    const int empty = block.combCells - count;
+    const int first = block.alignment == 2 ? empty : block.alignment == 1 ? empty / 2 : 0;
+    for (int i = 0; i < count; ++i) {
+        const double width = writer.width(letters[i]) / 1000;
+        const double x = block.box.x + (first + i + 0.5) * cell - width * size / 2;
+        writer.show({letters[i], false}, {x, block.box.midY() - xHeightMiddle * size});
+    }
+}
+
+double fittingMultilineSize(const TextBlock& block, const LineBreaks& breaks) {
+    double size = largestMultilineSize;
+    while (size > smallestSize &&
+           static_cast<double>(breaks.count(block.box.width / size)) * lineSpacing * size > block.box.height)
+        size -= 0.5;
+    return size;
+}
+
+double fittingSize(const TextBlock& block, const TextWriter& writer, double largest) {
+    const double ems = block.combCells > 0 ? 0 : writer.width(block.text) / 1000;
+    const double size = ems > 0 ? std::min(largest, block.box.width / ems) : largest;
+    return std::max(smallestSize, size);
+}
+
+double lineSize(const TextBlock& block, const TextWriter& writer, const TextStyle& style) {
+    if (style.fontSize <= 0)
+        return fittingSize(block, writer, block.box.height * 0.75);
+    return writer.isSubstitute() ? std::min(style.fontSize, fittingSize(block, writer, style.fontSize))
+                                 : style.fontSize;
+}
+
+void drawLines(const TextBlock& block, TextWriter& writer, const LineBreaks& breaks, double size) {
+    writer.begin(size);
     double y = block.box.maxY() - ascent * size;
-    for (const std::string& line : wrapped(block.text, font, block.box.width / size)) {
-        showAt(drawing, {startOf(block, font.width(line) * size), y}, line);
+    for (const TextLine& line : breaks.lines(block.box.width / size)) {
+        if (y + size < block.box.minY())  // below the box
+            break;
+        showLine(block, writer, line, y, size);
         y -= lineSpacing * size;
     }
 }
 
-void drawComb(FormDrawing& drawing, const TextBlock& block, const TextFont& font, double size) {
-    const std::string bytes = font.encoded(block.text);
-    const double cell = block.box.width / block.combCells;
-    const int count = std::min(static_cast<int>(bytes.size()), block.combCells);
-    const int empty = block.combCells - count;
-    const int first = block.alignment == 2 ? empty : block.alignment == 1 ? empty / 2 : 0;
-    for (int i = 0; i < count; ++i) {
-        const std::string character(1, bytes[static_cast<size_t>(i)]);
-        const double x = block.box.x + (first + i + 0.5) * cell - font.width(character) * size / 2;
-        showAt(drawing, {x, block.box.midY() - xHeightMiddle * size}, character);
+void drawLine(const TextBlock& block, TextWriter& writer, const TextStyle& style) {
+    const double size = lineSize(block, writer, style);
+    writer.begin(size);
+    if (block.combCells > 0) {
+        drawComb(block, writer, size);
+        return;
     }
-}
-
-double fittingSize(const TextBlock& block, const TextFont& font) {
-    if (block.isMultiline) {
-        double size = largestMultilineSize;
-        while (size > smallestSize &&
-               static_cast<double>(wrapped(block.text, font, block.box.width / size).size()) * lineSpacing *
-                       size >
-                   block.box.height)
-            size -= 0.5;
-        return size;
-    }
-    const double byHeight = block.box.height * 0.75;
-    const double ems = block.combCells > 0 ? 0 : font.width(font.encoded(block.text));
-    const double size = ems > 0 ? std::min(byHeight, block.box.width / ems) : byHeight;
-    return std::max(smallestSize, size);
+    showLine(block, writer, {block.text, block.text.isRightToLeft()}, block.box.midY() - xHeightMiddle * size,
+             size);
 }
 
 }  // namespace
 
-void drawText(FormDrawing& drawing, const TextBlock& block, const TextFont& font, const std::string& fontName,
-              const TextStyle& style) {
+void drawText(FormDrawing& drawing, const TextBlock& block, TextWriter& writer, const TextStyle& style) {
     if (block.text.isEmpty() || block.box.isEmpty())
         return;
-    const double size = style.fontSize > 0 ? style.fontSize : fittingSize(block, font);
     drawing.add("q");
     drawing.rectangle(block.box);
     drawing.add("W n BT");
     drawing.add(style.color.empty() ? "0 g" : style.color);
-    drawing.add(fontName + ' ' + pdfNumber(size) + " Tf");
-    if (block.combCells > 0) {
-        drawComb(drawing, block, font, size);
-    } else if (block.isMultiline) {
-        drawMultiline(drawing, block, font, size);
+    if (block.isMultiline) {
+        const LineBreaks breaks(block.text, writer);
+        drawLines(block, writer, breaks,
+                  style.fontSize > 0 ? style.fontSize : fittingMultilineSize(block, breaks));
     } else {
-        const std::string bytes = font.encoded(block.text);
-        showAt(drawing, {startOf(block, font.width(bytes) * size), block.box.midY() - xHeightMiddle * size},
-               bytes);
+        drawLine(block, writer, style);
     }
     drawing.add("ET Q");
 }

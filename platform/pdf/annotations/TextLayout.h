@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/pdf/annotations/TextFont.h"
 #include "platform/pdf/annotations/TextStyle.h"
+#include "platform/pdf/annotations/TextWriter.h"
 #include "platform/pdf/drawing/FormDrawing.h"
 
 namespace vellmora {
@@ -15,8 +15,6 @@ struct TextBlock {
 };
 
 /// Writes the text into the box: one line, centred vertically, or lines broken at words from the top on.
-/// `fontName` is the name of the font in the form's resources.
-void drawText(FormDrawing& drawing, const TextBlock& block, const TextFont& font, const std::string& fontName,
-              const TextStyle& style);
+void drawText(FormDrawing& drawing, const TextBlock& block, TextWriter& writer, const TextStyle& style);
 
 }  // namespace vellmora

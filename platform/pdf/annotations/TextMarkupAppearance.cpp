@@ -62,13 +62,19 @@ void straightLine(FormDrawing& drawing, const Quad& quad, double up) {
     drawing.paintPath(false, true);
 }
 
-void squiggle(FormDrawing& drawing, const Quad& quad) {
+/// `stepsLeft` is how many the annotation may still draw: a straight line takes the place of more.
+void squiggle(FormDrawing& drawing, const Quad& quad, int& stepsLeft) {
     constexpr double maxSteps = 2000;
     const double step = quad.height() / 7;
     if (!(step > 0) || quad.width() / step > maxSteps)
         return;
-    drawing.setLine(quad.height() / 15, {});
     const int steps = static_cast<int>(quad.width() / step);
+    if (steps > stepsLeft) {
+        straightLine(drawing, quad, 1.0 / 14);
+        return;
+    }
+    stepsLeft -= steps;
+    drawing.setLine(quad.height() / 15, {});
     std::vector<Point> points;
     for (int i = 0; i <= steps; ++i)
         points.push_back(quad.at(i * step / quad.width(), i % 2 == 0 ? 0.0 : 1.0 / 7));
@@ -92,7 +98,7 @@ Rect boundsOf(const std::vector<Quad>& quads) {
     return bounds;
 }
 
-void drawMark(FormDrawing& drawing, const Annotation& annotation, const Quad& quad) {
+void drawMark(FormDrawing& drawing, const Annotation& annotation, const Quad& quad, int& stepsLeft) {
     if (annotation.is("/Highlight"))
         highlight(drawing, quad);
     else if (annotation.is("/Underline"))
@@ -100,7 +106,7 @@ void drawMark(FormDrawing& drawing, const Annotation& annotation, const Quad& qu
     else if (annotation.is("/StrikeOut"))
         straightLine(drawing, quad, 3.0 / 7);
     else
-        squiggle(drawing, quad);
+        squiggle(drawing, quad, stepsLeft);
 }
 
 }  // namespace
@@ -118,8 +124,9 @@ std::optional<QPDFObjectHandle> drawTextMarkup(const Annotation& annotation, QPD
     if (!isColored && !isBlackByDefault)
         return std::nullopt;
     drawing.setBlending(annotation.opacity(), isHighlight ? "Multiply" : "Normal");
+    int stepsLeft = 100'000;  // a page full of text takes a tenth
     for (const Quad& quad : quads)
-        drawMark(drawing, annotation, quad);
+        drawMark(drawing, annotation, quad, stepsLeft);
     return drawing.finish(boundsOf(quads));
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "platform/pdf/Qpdf.h"
+#include "platform/pdf/annotations/fonts/FontEncoding.h"
 
 #include <array>
-#include <map>
 #include <string>
 
 #include <QString>
@@ -14,26 +13,26 @@ namespace vellmora {
 /// /ZapfDingbats).
 QPDFObjectHandle standardFont(const std::string& name);
 
-/// A font to write a field's text with: one byte a character.
-class TextFont {
+/// A file's font of one byte a character, to write with.
+class SimpleFont {
 public:
-    /// The named font of the resources; Helvetica where there is none, or one whose encoding takes more than
-    /// one byte a character.
-    TextFont(const QPDFObjectHandle& resources, const std::string& name);
+    explicit SimpleFont(QPDFObjectHandle dictionary);
 
-    /// The font dictionary, of the source or a new one.
     const QPDFObjectHandle& dictionary() const { return m_dictionary; }
-    /// The text in the font's own encoding; what it cannot write becomes a question mark.
+    /// Whether it has all characters of the text.
+    bool canWrite(const QString& text) const;
+    /// The text in the font's own encoding, without the characters that it cannot write.
     std::string encoded(const QString& text) const;
-    /// Of encoded text, in ems.
+    /// Of encoded text, in thousandths of an em.
     double width(const std::string& bytes) const;
 
 private:
-    void readEncoding();
     void readWidths();
+    bool hasGlyph(unsigned char code) const;
 
     QPDFObjectHandle m_dictionary;
-    std::map<std::string, char> m_codesByGlyph;
+    FontEncoding m_encoding;
+    bool m_isEmbedded;
     std::array<double, 256> m_widths{};  ///< in thousandths of an em
 };
 
