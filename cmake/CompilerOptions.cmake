@@ -14,10 +14,10 @@ target_compile_definitions(vellmora_options INTERFACE
 add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 set(VELLMORA_RESOURCE_OPTIONS --format-version 1)
 
-option(VELLMORA_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+set(VELLMORA_SANITIZE "" CACHE STRING "Sanitizers to build with: address,undefined or thread")
 if(VELLMORA_SANITIZE)
-    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    add_link_options(-fsanitize=address,undefined)
+    add_compile_options(-fsanitize=${VELLMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${VELLMORA_SANITIZE})
 else()
     # Documents come from strangers: what distributions harden their packages with.
     add_compile_options(-fstack-protector-strong -fstack-clash-protection
