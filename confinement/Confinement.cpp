@@ -25,7 +25,8 @@ void limitResources([[maybe_unused]] rlim_t memory) {
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, 0);
     limit(RLIMIT_NOFILE, mostOpenFiles);
-#ifndef __SANITIZE_ADDRESS__  // the sanitizer takes terabytes of addresses for itself
+// The sanitizers take terabytes of addresses for themselves.
+#if !defined __SANITIZE_ADDRESS__ && !defined __SANITIZE_THREAD__
     limit(RLIMIT_AS, memory);
 #endif
 }

@@ -62,6 +62,8 @@ TEST(FileRepairTest, ReadsFilesWithoutTheirEnd) {
     const QByteArray whole = pages(3).bytes();
     EXPECT_EQ(readablePages(upTo(whole, "startxref")), 3);
     EXPECT_EQ(readablePages(upTo(whole, "trailer")), 3);
+    EXPECT_EQ(readablePages(upTo(whole, "startxref") + "trailer << /A ] ] ] ] ] ] ] ] >>"), 3);
+    EXPECT_EQ(readablePages(upTo(whole, "startxref") + "trailer << /Root 1 0 R"), 3);
     EXPECT_EQ(readablePages(upTo(whole, "xref\n0 1")), 3);
     QByteArray withoutCatalog = upTo(whole, "xref\n0 1");
     withoutCatalog.replace("/Catalog", "/Unknown");

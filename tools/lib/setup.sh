@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034
-# Shared by ./run, ./test, ./package and ./benchmark: what must be installed, and how the program is built.
+# Shared by ./run, ./test, ./package, ./benchmark and the scripts in tools/: what must be installed, and how the program is built.
 # To be sourced, with the top folder as working directory.
 
 build_packages=(
@@ -16,6 +16,9 @@ wayland_packages=(qt6-wayland)
 check_packages=(desktop-file-utils appstream)
 package_packages=(dpkg-dev file)
 fuzz_packages=(clang libclang-rt-dev)
+lint_packages=(clang-tidy)
+# For the program that ./benchmark watches the screen with.
+probe_packages=(libx11-dev libxext-dev libxtst-dev libxdamage-dev)
 
 say() {
     printf '== %s\n' "$*"

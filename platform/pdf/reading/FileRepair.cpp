@@ -49,6 +49,27 @@ CatalogRank rankAsCatalog(QPDFObjectHandle object) {
 constexpr qsizetype longestTrailer = 1 << 16;
 constexpr const char* emptyCatalog = "<< /Type /Catalog /Pages << /Type /Pages >> >>";
 
+/// The dictionary that the text begins with; empty where it begins with something else, all of the text where
+/// the dictionary is not closed.
+std::string leadingDictionary(const std::string& text) {
+    const auto input = std::make_shared<BufferInputSource>("trailer", text);
+    QPDFTokenizer tokenizer;
+    tokenizer.allowEOF();
+    int depth = 0;
+    do {
+        const auto type = tokenizer.readToken(input, "", true).getType();
+        if (type == QPDFTokenizer::tt_eof)
+            break;
+        if (type == QPDFTokenizer::tt_dict_open)
+            ++depth;
+        else if (type == QPDFTokenizer::tt_dict_close)
+            --depth;
+        else if (depth == 0)
+            return {};
+    } while (depth > 0);
+    return text.substr(0, static_cast<size_t>(input->tell()));
+}
+
 /// The file while it is repaired: the damaged one's bytes with a sound beginning and end, and what was found
 /// in them. Each step opens the file with what the steps before it have found.
 class Repair {
@@ -90,11 +111,8 @@ void Repair::mendObjects() {
 QPDFObjectHandle Repair::trailerAt(QPDF& file, size_t position) {
     QByteArray text = m_bytes.mid(static_cast<qsizetype>(position), longestTrailer);
     applyMends(mendsOfObject(viewOf(text), 0), text.data());
-    const auto input = std::make_shared<BufferInputSource>("trailer", text.toStdString());
-    QPDFTokenizer tokenizer;
-    bool isEmpty = false;
     try {
-        return QPDFObjectHandle::parse(input, "", tokenizer, isEmpty, nullptr, &file);
+        return QPDFObjectHandle::parse(&file, leadingDictionary(text.toStdString()));
     } catch (const std::runtime_error&) {
         return QPDFObjectHandle::newNull();
     }
