@@ -20,7 +20,7 @@ PROGRAM = ROOT / "build/release/vellmora"
 SAMPLE_PDF = ROOT / "build/release/tools/sample_pdf"
 RESULTS = ROOT / "build/tour"
 
-TOUR_SECONDS = 90  # time limit of the whole tour
+TOUR_SECONDS = 300  # time limit of the whole tour
 DRAG_ACROSS, DRAG_UP = 0.26, 0.39  # of the page's width and height
 DRAG_TOLERANCE = 0.01
 PAGE_MARGIN = 8  # pixels above and below the page
