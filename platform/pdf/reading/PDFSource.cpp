@@ -1,5 +1,6 @@
 #include "platform/pdf/reading/PDFSource.h"
 
+#include "platform/pdf/ObjectPlaces.h"
 #include "platform/pdf/reading/FileRepair.h"
 #include "platform/pdf/reading/OpenFile.h"
 #include "platform/pdf/reading/PageTree.h"
@@ -27,6 +28,12 @@ static bool isOfTable(const std::string& warning) {
     return contains("xref") || contains("reported number of objects");
 }
 
+/// A small file may have a table of a thousand million objects.
+static bool hasCredibleTable(QPDF& file) {
+    QPDFObjectHandle size = file.getTrailer().getKey("/Size");
+    return size.isInteger() && size.getIntValue() <= greatestObjectNumber + 1LL;
+}
+
 bool PDFSource::hasMetDamage() const {
     bool hasMet = false;
     for (const QPDFExc& warning : m_qpdf.getWarnings()) {
@@ -38,7 +45,7 @@ bool PDFSource::hasMetDamage() const {
 }
 
 bool PDFSource::bringBackObjects() const {
-    if (!hasMetDamage() || m_allAreRead)
+    if (!hasMetDamage() || m_allAreRead || !hasCredibleTable(m_qpdf))
         return false;
     m_allAreRead = true;
     try {
