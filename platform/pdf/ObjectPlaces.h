@@ -13,9 +13,10 @@ struct ObjectPlace {
 };
 
 /// Greater numbers are more than readers need to take (ISO 32000-1, annex C).
+constexpr int greatestObjectNumber = 8388607;
+
 inline bool isObjectNumber(int number) {
-    constexpr int greatest = 8388607;
-    return number >= 1 && number <= greatest;
+    return number >= 1 && number <= greatestObjectNumber;
 }
 
 /// By object number.

@@ -176,6 +176,21 @@ TEST(FileRepairTest, SurvivesDeepFiles) {
     EXPECT_EQ(readablePages(builder.bytes()), 1);
 }
 
+TEST(FileRepairTest, SaysWhatIsDamaged) {
+    const auto damage = [](const QByteArray& bytes) { return PDFDocument::fromData(bytes)->damage(); };
+    const QByteArray whole = pages(3).bytes();
+    EXPECT_TRUE(damage(whole).isNone());
+    EXPECT_EQ(damage(QByteArray(whole).replace("startxref\n", "startxref\n9")),
+              (DocumentDamage{true, false, {}, 0}));
+    EXPECT_EQ(damage(upTo(whole, "xref\n0 1")), (DocumentDamage{true, true, {}, 0}));
+    EXPECT_EQ(damage(upTo(whole, "7 0 obj")), (DocumentDamage{true, true, {2}, 0}))
+        << "the third page is lost";
+    EXPECT_EQ(damage(upTo(whole, "8 0 obj")), (DocumentDamage{true, true, {2}, 0})) << "its content is";
+    EXPECT_EQ(damage(QByteArray(whole).replace("/Count 3", "/Count 5")).uncountedPages, 2);
+    EXPECT_EQ(damage(QByteArray(whole).replace("/Count 3", "/Count 5000")).uncountedPages, 0)
+        << "more than the file has objects";
+}
+
 TEST(FileRepairTest, RefusesWhatHasNoPage) {
     EXPECT_EQ(readablePages("1 0 obj\n<< /Length 9 >> stream\n"), -1);
     EXPECT_EQ(readablePages("trailer << /Root 1 0 R >> 1 0 obj 1 0 R endobj"), -1);

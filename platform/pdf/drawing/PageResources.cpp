@@ -65,7 +65,7 @@ std::optional<Names> namesInContent(const SourcePage& page) {
         bool isDecoded = false;
         Pl_String receiver("page content", nullptr, content);
         try {
-            if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized) || !isDecoded)
+            if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized, true) || !isDecoded)
                 return std::nullopt;
         } catch (const std::runtime_error&) {  // a filter that is given what it does not know
             return std::nullopt;

@@ -1,5 +1,6 @@
 #include "platform/pdf/reading/PDFSource.h"
 
+#include "platform/pdf/ObjectPlaces.h"
 #include "platform/pdf/reading/FileRepair.h"
 #include "platform/pdf/reading/OpenFile.h"
 #include "platform/pdf/reading/PageTree.h"
@@ -27,6 +28,12 @@ static bool isOfTable(const std::string& warning) {
     return contains("xref") || contains("reported number of objects");
 }
 
+/// A small file may have a table of a thousand million objects.
+static bool hasCredibleTable(QPDF& file) {
+    QPDFObjectHandle size = file.getTrailer().getKey("/Size");
+    return size.isInteger() && size.getIntValue() <= greatestObjectNumber + 1LL;
+}
+
 bool PDFSource::hasMetDamage() const {
     bool hasMet = false;
     for (const QPDFExc& warning : m_qpdf.getWarnings()) {
@@ -38,7 +45,7 @@ bool PDFSource::hasMetDamage() const {
 }
 
 bool PDFSource::bringBackObjects() const {
-    if (!hasMetDamage() || m_allAreRead)
+    if (!hasMetDamage() || m_allAreRead || !hasCredibleTable(m_qpdf))
         return false;
     m_allAreRead = true;
     try {
@@ -52,9 +59,13 @@ bool PDFSource::bringBackObjects() const {
     }
 }
 
-std::unique_ptr<PDFSource> PDFSource::read(const std::shared_ptr<const FileContent>& content, Damage damage) {
+std::unique_ptr<PDFSource> PDFSource::read(const std::shared_ptr<const FileContent>& content, Damage damage,
+                                           bool& needsPassword) {
     try {
         return std::unique_ptr<PDFSource>(new PDFSource(content, damage));
+    } catch (const QPDFExc& error) {
+        needsPassword = error.getErrorCode() == qpdf_e_password;
+        return nullptr;
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -62,17 +73,6 @@ std::unique_ptr<PDFSource> PDFSource::read(const std::shared_ptr<const FileConte
 
 qsizetype PDFSource::readablePageCount() const {
     return std::count_if(m_pages.begin(), m_pages.end(), [](const SourcePage& page) { return !page.isLost; });
-}
-
-/// That of the attachments: a document whose pages need one is not read.
-static bool wantsPassword(const FileContent& content) {
-    try {
-        QPDF file;
-        openFile(file, content);
-    } catch (const QPDFExc& error) {
-        return error.getErrorCode() == qpdf_e_password;
-    }
-    return false;
 }
 
 /// Whether nothing follows the last whole object, where the position of the table should.
@@ -83,7 +83,8 @@ static bool isCutOff(std::string_view file) {
 }
 
 static bool hasLostContent(QPDFObjectHandle page) {
-    return page.hasKey("/Contents") && page.getKey("/Contents").isNull();
+    QPDFObjectHandle content = page.getKey("/Contents");
+    return content.isIndirect() && content.isNull();
 }
 
 void PDFSource::findDamage(const FileContent& opened, bool isRepaired) {
@@ -114,22 +115,24 @@ std::unique_ptr<PDFSource> PDFSource::open(const std::shared_ptr<const FileConte
 /// The source as it is where all its pages are there, else the repaired one where that has more.
 std::unique_ptr<PDFSource> PDFSource::choose(const std::shared_ptr<const FileContent>& content,
                                              bool& isRepaired) {
-    auto source = read(content, Damage::refuse);
+    bool needsPassword = false;  // that of attachments, where the repaired source can be read without it
+    auto source = read(content, Damage::refuse, needsPassword);
     if (source && source->isComplete())
         return source;
+    bool ignored = false;
     try {
         const std::string_view all = content->all();
         const auto damaged = QByteArray::fromRawData(all.data(), static_cast<qsizetype>(all.size()));
         const auto repairedContent = std::make_shared<const FileContent>(repairedFile(damaged));
-        auto repaired = read(repairedContent, Damage::refuse);
+        auto repaired = read(repairedContent, Damage::refuse, ignored);
         if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0)) {
-            isRepaired = !wantsPassword(*content);
+            isRepaired = !needsPassword;
             return repaired;
         }
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
     isRepaired = !source;
-    return source ? std::move(source) : read(content, Damage::recover);
+    return source ? std::move(source) : read(content, Damage::recover, ignored);
 }
 
 }  // namespace vellmora

@@ -55,7 +55,8 @@ private:
     /// Pages that can be shown.
     qsizetype readablePageCount() const;
     bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
-    static std::unique_ptr<PDFSource> read(const std::shared_ptr<const FileContent>& content, Damage damage);
+    static std::unique_ptr<PDFSource> read(const std::shared_ptr<const FileContent>& content, Damage damage,
+                                           bool& needsPassword);
     /// Whether the library has met damage since it was asked last.
     bool hasMetDamage() const;
 

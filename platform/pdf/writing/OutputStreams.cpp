@@ -1,7 +1,8 @@
 #include "platform/pdf/writing/OutputStreams.h"
 
+#include <exception>
+#include <new>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -18,7 +19,7 @@ void removeRemarks(QPDFObjectHandle stream) {
         dictionary.removeKey(key);
 }
 
-void makeFiltersDirect(QPDFObjectHandle stream) {
+bool makeFiltersDirect(QPDFObjectHandle stream) {
     QPDFObjectHandle dictionary = stream.getDict();
     for (const char* key : {"/Filter", "/DecodeParms"}) {
         QPDFObjectHandle value = dictionary.getKey(key);
@@ -29,6 +30,7 @@ void makeFiltersDirect(QPDFObjectHandle stream) {
         value.makeDirect(true);
         dictionary.replaceKey(key, value);
     }
+    return true;
 }
 
 /// A profile of one component whose header (ICC.1, 7.2.6) names another colour space than grey.
@@ -38,12 +40,20 @@ bool contradictsItself(QPDFObjectHandle stream) {
         return false;
     std::string bytes;
     Pl_String receiver("colour profile", nullptr, bytes);
+    stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_specialized, true);
+    return bytes.size() > 40 && bytes.compare(36, 4, "acsp") == 0 && bytes.compare(16, 4, "GRAY") != 0;
+}
+
+/// What is damaged in a stream's own dictionary is carried over as it is.
+template <typename Step>
+bool attempt(Step step) {
     try {
-        stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_specialized);
-    } catch (const std::runtime_error&) {  // a filter that is given what it does not know
+        return step();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
         return false;
     }
-    return bytes.size() > 40 && bytes.compare(36, 4, "acsp") == 0 && bytes.compare(16, 4, "GRAY") != 0;
 }
 
 /// Replaces the colour spaces that are based on the given profiles.
@@ -102,8 +112,8 @@ void prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams) 
     std::set<QPDFObjGen> profiles;
     for (const QPDFObjectHandle& stream : streams) {
         removeRemarks(stream);
-        makeFiltersDirect(stream);
-        if (contradictsItself(stream))
+        attempt([&] { return makeFiltersDirect(stream); });
+        if (attempt([&] { return contradictsItself(stream); }))
             profiles.insert(stream.getObjGen());
     }
     if (!profiles.empty())
