@@ -2,7 +2,6 @@
 
 #include "platform/error/Error.h"
 
-#include <new>
 #include <utility>
 
 #include <QAction>
@@ -52,15 +51,11 @@ ContentWindow::~ContentWindow() = default;
 /// Runs what a view asked for. Qt ends the program where an exception reaches its event loop.
 template <typename Action>
 void ContentWindow::attempt(Action action) {
-    const QString failed = QStringLiteral("Befehl fehlgeschlagen: ");
     try {
         action();
-    } catch (const Error& error) {
-        m_content->statusText = failed + error.localizedDescription();
-    } catch (const std::bad_alloc&) {
-        m_content->statusText = failed + QStringLiteral("Der Arbeitsspeicher reicht nicht aus.");
     } catch (...) {
-        m_content->statusText = failed + QStringLiteral("Unerwarteter Fehler.");
+        m_content->statusText =
+            QStringLiteral("Befehl fehlgeschlagen: ") + Error::current().localizedDescription();
     }
 }
 

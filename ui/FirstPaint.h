@@ -4,7 +4,7 @@
 
 namespace vellmora {
 
-/// Tells that a window was painted for the first time. What would take time from that waits for it.
+/// Tells when a window was painted for the first time. Work that would delay that waits for the signal.
 class FirstPaint : public QObject {
     Q_OBJECT
 

@@ -9,7 +9,6 @@
 #include "tests/support/TestWorkspace.h"
 
 #include <new>
-#include <stdexcept>
 
 #include <QDropEvent>
 #include <QMimeData>
@@ -156,24 +155,29 @@ TEST_F(ContentWindowTest, ShortcutsAskForTheRightFile) {
 }
 
 TEST_F(ContentWindowTest, NoExceptionThatLeavesACommandEndsTheProgram) {
-    struct FailingPanels : FilePanels {
-        std::optional<QUrl> runModal(const OpenPanel&) override { return fail(), std::nullopt; }
-        std::optional<QUrl> runModal(const SavePanel&) override { return fail(), std::nullopt; }
-        std::function<void()> fail;
-    } panels;
-    shown = std::make_unique<ContentWindow>(std::make_unique<ContentView>(workspace.makeLibrary(), panels),
-                                            renderer, Theme(SystemFonts::load()));
-    const auto statusAfter = [&](const std::function<void()>& fail) {
-        panels.fail = fail;
-        click("PDF öffnen");
+    std::function<void()> fail;
+    QObject::connect(&content().stampLibrary(), &StampLibrary::objectWillChange, [&] { fail(); });
+    const auto statusAfter = [&](const std::function<void()>& failure) {
+        fail = failure;
+        QTest::mouseClick(shown->window().findChild<PresetTile*>(), Qt::LeftButton, {}, {60, 60});
+        fail = [] {};
+        settle();
         return content().statusText.value();
     };
     EXPECT_EQ(statusAfter([] { throw std::bad_alloc(); }),
               QStringLiteral("Befehl fehlgeschlagen: Der Arbeitsspeicher reicht nicht aus."));
-    EXPECT_EQ(statusAfter([] { throw std::runtime_error("?"); }),
-              QStringLiteral("Befehl fehlgeschlagen: Unerwarteter Fehler."));
+    EXPECT_EQ(statusAfter([] { throw 7; }),
+              QStringLiteral("Befehl fehlgeschlagen: Ein unerwarteter Fehler ist aufgetreten."));
     EXPECT_EQ(statusAfter([] { throw Error(Error::pdfDomain, 1, QStringLiteral("Der Grund.")); }),
               QStringLiteral("Befehl fehlgeschlagen: Der Grund."));
+
+    // A command of the bar: the field that it writes is observed.
+    open("Vertrag.pdf");
+    click("Stempel auf aktueller Seite");
+    const auto observer = content().stampsByPage.addNotifier([] { throw std::bad_alloc(); });
+    click("Ausgewählten löschen");
+    EXPECT_EQ(content().statusText.value(),
+              QStringLiteral("Befehl fehlgeschlagen: Der Arbeitsspeicher reicht nicht aus."));
 }
 
 TEST_F(ContentWindowTest, ADropOfAFileLoadsItAndShowsTheZoneMeanwhile) {
