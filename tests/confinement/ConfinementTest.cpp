@@ -259,14 +259,20 @@ TEST_F(ConfinementTest, NothingInTheKernelCanBeMade) {
 
 TEST_F(ConfinementTest, ThreadsAreThoseThatWereStartedBeforeAndAreConfinedToo) {
     expectRefused({{"a thread", canStartThread}});
+    std::atomic<bool> isRunning = false;
     std::atomic<bool> isConfined = false;
     std::atomic<int> socketOfThread = -1;
     const auto waitAndTry = [&] {
+        isRunning = true;
+        isRunning.notify_one();
         isConfined.wait(false);
         socketOfThread = ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0 ? 1 : 0;
         socketOfThread.notify_one();
     };
-    policy.prepare = [&] { std::thread(waitAndTry).detach(); };
+    policy.prepare = [&] {
+        std::thread(waitAndTry).detach();
+        isRunning.wait(false);
+    };
     EXPECT_TRUE(succeeds([&] {
         isConfined = true;
         isConfined.notify_one();
