@@ -2,12 +2,16 @@
 #include "platform/pdf/PDFContext.h"
 #include "platform/pdf/PageDrawing.h"
 #include "platform/pdf/drawing/ContentText.h"
+#include "platform/pdf/writing/DeflateStream.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/GermanNumbers.h"
 #include "tests/support/TestImages.h"
 
 #include <cmath>
+#include <cstdlib>
+#include <new>
+#include <sys/resource.h>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -223,6 +227,63 @@ TEST(PDFContextTest, CarriesContentWithParametersThatTheLibraryDoesNotKnow) {
     ASSERT_TRUE(output.drawn("/P").isStream());
     EXPECT_EQ(text(output.drawn("/P").getRawStreamData()), "data");
 }
+
+TEST(PDFContextTest, JoinsDamagedContentAsFarAsOtherReadersGet) {
+    std::string packed =
+        deflated(filledRect("1 0 0", "0 0 9 9") + std::string(3000, '\n') + "lost at the end");
+    packed.resize(packed.size() - 8);
+    PdfBuilder source;
+    source.page("/Contents [1000 0 R 1001 0 R 1002 0 R]")
+        .stream("", "q")
+        .stream("/Filter /FlateDecode", packed)
+        .stream("/Filter /FlateDecode /DecodeParms << /Predictor 15 /Colors 99999 >>", deflated("0 g"));
+    Output output(drawFirstPage(source));
+    EXPECT_NE(output.contentOf("/P").find("1 0 0 rg 0 0 9 9 re f"), std::string::npos);
+    EXPECT_NE(output.contentOf("/P").find("0 g"), std::string::npos) << "odd parameters count as none";
+}
+
+TEST(PDFContextTest, NamesPagesOnWhichOtherReadersMayShowMore) {
+    const auto document = PdfBuilder()
+                              .page("/Contents [1000 0 R 1001 0 R]")
+                              .page("/Contents [1000 0 R 1002 0 R]")
+                              .page("/Contents [1000 0 R 1003 0 R]")
+                              .stream("", "q")
+                              .stream("/Filter /ASCIIHexDecode", "51>")
+                              .stream("/Filter /ASCIIHexDecode", "51 no digits >")
+                              .stream("/Filter /JBIG2Decode", "nobody takes this for content")
+                              .document();
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    for (qsizetype i = 0; i < document->pageCount(); ++i) {
+        context->beginPage(document->page(i)->bounds(DisplayBox::mediaBox));
+        context->drawPage(*document, i, DisplayBox::mediaBox);
+        context->endPage();
+    }
+    context->close();
+    EXPECT_EQ(context->incompletePages(), (QList<qsizetype>{1}));
+}
+
+#if !defined(__SANITIZE_ADDRESS__)
+TEST(PDFContextDeathTest, FailsForWantOfMemoryRatherThanCutContentShort) {
+    constexpr size_t length = 200 << 20;
+    const std::string packed = deflated(std::string(length, ' '));
+    PdfBuilder source;
+    source.page("/Contents [1000 0 R 1000 0 R]").stream("/Filter /FlateDecode", packed);
+    const auto drawWithLittleMemory = [&source] {
+        struct rlimit limit {};
+        ::getrlimit(RLIMIT_AS, &limit);
+        limit.rlim_cur = 2 * length;
+        ::setrlimit(RLIMIT_AS, &limit);
+        try {
+            drawFirstPage(source);
+        } catch (const std::bad_alloc&) {
+            std::exit(0);
+        }
+        std::exit(1);
+    };
+    EXPECT_EXIT(drawWithLittleMemory(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 TEST(PDFContextTest, PassesTheConsumersErrorOn) {
     FailingConsumer consumer;

@@ -7,6 +7,7 @@
 #include "platform/pdf/reading/TokenMending.h"
 #include "platform/pdf/writing/CrossReferences.h"
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -83,11 +84,18 @@ public:
     void findMembersOfObjectStreams();
     void findCatalog();
     QByteArray file() const {
-        return m_bytes + QByteArray::fromStdString(
-                             crossReferences(m_places, m_trailer, static_cast<size_t>(m_bytes.size())));
+        const auto position = static_cast<size_t>(m_bytes.size());
+        return m_bytes +
+               QByteArray::fromStdString(crossReferences(m_places, m_trailer, position, unusedNumber()));
     }
 
 private:
+    /// The objects that there are may refer to others that were lost with the file's end.
+    int unusedNumber() const {
+        constexpr int mostLost = 1000000;
+        const int greatest = m_places.empty() ? 0 : m_places.rbegin()->first;
+        return std::max(std::min(greatest + mostLost, greatestObjectNumber), greatest + 1);
+    }
     std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file);
     QPDFObjectHandle trailerAt(QPDF& file, size_t position);
     void addMembers(int container, size_t position, const QPDFObjectHandle& stream);

@@ -40,8 +40,7 @@ std::string runsOf(const ObjectPlaces& places) {
 
 }  // namespace
 
-std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position) {
-    const int ownNumber = places.empty() ? 1 : places.rbegin()->first + 1;
+std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position, int ownNumber) {
     places[ownNumber] = {position, 0, 0};
     const int positionBytes = bytesFor(position);
     std::string data;

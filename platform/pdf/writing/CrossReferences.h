@@ -14,7 +14,7 @@ struct Trailer {
 };
 
 /// The end of a file: a cross-reference stream (ISO 32000-2, 7.5.8) that names the places of all objects, and
-/// its own position `position`.
-std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position);
+/// its own position `position`. No object may refer to its number, which is greater than all others.
+std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position, int ownNumber);
 
 }  // namespace vellmora

@@ -126,7 +126,8 @@ void FileWriter::writePackedObjects() {
 
 void FileWriter::writeCrossReferences(int catalogNumber) {
     const Trailer trailer{std::to_string(catalogNumber) + " 0 R", {}, newIdentifier()};
-    put(crossReferences(std::move(m_places), trailer, m_position));
+    const int ownNumber = m_numbers.reserve();
+    put(crossReferences(std::move(m_places), trailer, m_position, ownNumber));
 }
 
 void FileWriter::put(std::string_view bytes) {
