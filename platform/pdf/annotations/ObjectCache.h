@@ -17,7 +17,7 @@ public:
 
     /// `make` returns the value of an object that is new.
     template <typename Make>
-    Pointer get(QPDFObjectHandle object, Make make) {
+    Pointer get(const QPDFObjectHandle& object, Make make) {
         if (!object.isIndirect()) {
             if (!m_lastValue || !m_lastDirect.isSameObjectAs(object)) {
                 m_lastValue = std::make_shared<const Value>(make());

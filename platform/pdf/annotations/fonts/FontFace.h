@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <hb.h>
 #include <memory>
 #include <string>
@@ -48,7 +49,7 @@ public:
     const FontFace* faceFor(char32_t character) const;
 
 private:
-    mutable std::unique_ptr<FontFace> m_faces[count];
+    mutable std::array<std::unique_ptr<FontFace>, count> m_faces;
 };
 
 }  // namespace vellmora
