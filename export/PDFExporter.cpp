@@ -128,7 +128,7 @@ void requireNothingLost(FileVersions::Held original, const PDFDocument& document
 
 QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to,
                           FileVersions& versions) {
-    const QString missing = exported([&] {
+    QString missing = exported([&] {
         FileConsumer file(to.toLocalFile());
         return writeTo(file, document, stampsByPage, versions);
     });
@@ -145,7 +145,7 @@ QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsBy
                                      const QUrl& originalURL, FileVersions& versions) {
     const QString original = originalURL.toLocalFile();
     ReplacementConsumer replacement(original);
-    const QString missing = exported([&] { return writeTo(replacement, document, stampsByPage, versions); });
+    QString missing = exported([&] { return writeTo(replacement, document, stampsByPage, versions); });
     requireNothingLost(versions.heldBy(original), document, missing);
     replacement.replaceOriginal();
     versions.confirm();

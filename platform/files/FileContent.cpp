@@ -133,8 +133,8 @@ private:
         ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), lowestPriority);
         for (size_t block = 0; block < m_blocks.size() && !stop.stop_requested() && m_error == 0;)
             block = std::max(readRun(block, std::min(block + runLength, m_blocks.size())), block + 1);
-        for (size_t block = 0; block < m_blocks.size(); ++block)
-            m_blocks[block].wait(State::claimed);
+        for (const std::atomic<State>& block : m_blocks)
+            block.wait(State::claimed);
         if (!stop.stop_requested() && m_error == 0)
             compareStates();
     }

@@ -46,10 +46,11 @@ QString namesOf(const QList<qsizetype>& pages) {
 
 QStringList lostPagesTexts(const DocumentDamage& damage) {
     QStringList texts;
-    if (!damage.lostPages.isEmpty())
-        texts += namesOf(damage.lostPages) + (damage.lostPages.size() == 1
-                                                  ? QStringLiteral(" fehlt und ist leer")
-                                                  : QStringLiteral(" fehlen und sind leer"));
+    const qsizetype lost = damage.lostPages.size();
+    if (lost > 0) {
+        texts += namesOf(damage.lostPages) + (lost == 1 ? QStringLiteral(" fehlt und ist leer")
+                                                        : QStringLiteral(" fehlen und sind leer"));
+    }
     if (damage.uncountedPages == 1)
         texts += QStringLiteral("eine weitere Seite fehlt");
     else if (damage.uncountedPages > 1)
