@@ -29,7 +29,7 @@ void drawListBox(FormDrawing& drawing, const FormField& field, const Rect& box, 
     if (style.fontSize <= 0)
         style.fontSize = defaultSize;
     const double height = lineHeight * style.fontSize;
-    const double count = static_cast<double>(options.count());
+    const auto count = static_cast<double>(options.count());
     const double top = std::clamp(numberOr(field.attribute("/TI"), 0), 0.0, count);
     const auto first = static_cast<size_t>(top);
     const auto end = static_cast<size_t>(
