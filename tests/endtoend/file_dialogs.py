@@ -93,7 +93,9 @@ class FileDialogs:
         for dialog, name in (OPEN, "Mietvertrag"), (IMPORT, "Siegel"), (SAVE_AS, "Mietvertrag"):
             self.show(dialog)
             self.type(name, completions=True)
-            self.window.keys("Escape", "Escape")
+            self.window.keys("Escape")
+            wait_for(lambda: self.windows() == 2, "the list of completions to go")
+            self.window.keys("Escape")
             self.wait_until_closed()
             self.use_window(key_first=True)
 
