@@ -268,6 +268,7 @@ TEST_F(ConfinementTest, ThreadsAreThoseThatWereStartedBeforeAndAreConfinedToo) {
         isConfined.wait(false);
         socketOfThread = ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0 ? 1 : 0;
         socketOfThread.notify_one();
+        isConfined.wait(true);  // A sanitizer could not look at the thread's memory any more when it ends.
     };
     policy.prepare = [&] {
         std::thread(waitAndTry).detach();
