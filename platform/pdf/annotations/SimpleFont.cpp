@@ -19,7 +19,7 @@ QPDFObjectHandle standardFont(const std::string& name) {
     return font;
 }
 
-SimpleFont::SimpleFont(QPDFObjectHandle dictionary)
+SimpleFont::SimpleFont(const QPDFObjectHandle& dictionary)
     : m_dictionary(dictionary), m_encoding(dictionary), m_isEmbedded(isEmbedded(dictionary)) {
     readWidths();
 }

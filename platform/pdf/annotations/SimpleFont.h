@@ -16,7 +16,7 @@ QPDFObjectHandle standardFont(const std::string& name);
 /// A file's font of one byte a character, to write with.
 class SimpleFont {
 public:
-    explicit SimpleFont(QPDFObjectHandle dictionary);
+    explicit SimpleFont(const QPDFObjectHandle& dictionary);
 
     const QPDFObjectHandle& dictionary() const { return m_dictionary; }
     /// Whether it has all characters of the text.
