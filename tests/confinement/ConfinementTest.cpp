@@ -157,8 +157,8 @@ TEST_F(ConfinementTest, FilesOfTheUserCannotBeOpenedNorMadeNorLookedAt) {
         {"access", [&] { return ::access(letter.c_str(), R_OK) == 0; }},
         {"readlink",
          [] {
-             char text[9];
-             return ::readlink("/proc/self/exe", text, sizeof text) > 0;
+             std::array<char, 9> text{};
+             return ::readlink("/proc/self/exe", text.data(), text.size()) > 0;
          }},
         {"rename", [&] { return ::rename(letter.c_str(), letter.c_str()) == 0; }},
         {"chmod", [&] { return ::chmod(letter.c_str(), 0600) == 0; }},

@@ -46,7 +46,7 @@ TEST(BuiltinStampsTest, EachShowsItsTextsInItsColour) {
         QColor tint;
     };
     const QString today = QStringLiteral("07.03.2025");
-    const Row rows[] = {
+    const QList<Row> rows{
         {"eingegangen-heute", "Eingegangen am: 07.03.2025", "EINGEGANGEN AM", today,
          QColor(0xc6, 0x28, 0x28)},
         {"erledigt", "Erledigt", "ERLEDIGT", std::nullopt, QColor(0x2e, 0x7d, 0x32)},

@@ -9,7 +9,6 @@
 using namespace vellmora;
 using namespace vellmora::test;
 using testing::HasSubstr;
-using testing::Not;
 
 namespace {
 
@@ -127,7 +126,7 @@ TEST(FieldTextTest, WritesLettersThatTheFontDoesNotHaveWithOneOfItsOwn) {
     QPDFObjectHandle widths = descendant.getKey("/W").getArrayItem(1);
     EXPECT_EQ(glyphs.size(), 2U * static_cast<size_t>(widths.getArrayNItems()));
     for (const unsigned code : saved.codes("/A1")) {
-        EXPECT_NE(glyphs.substr(2 * code, 2), std::string(2, '\0')) << code << " is an empty box";
+        EXPECT_NE(glyphs.substr(size_t{2} * code, 2), std::string(2, '\0')) << code << " is an empty box";
         EXPECT_GT(widths.getArrayItem(static_cast<int>(code)).getIntValue(), 100) << code;
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/pdf/annotations/fonts/UnicodeMapText.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace vellmora {
 
@@ -11,7 +12,7 @@ constexpr size_t mostInSection = 100;  // ISO 32000-2, 9.10.3, by way of the Pos
 }  // namespace
 
 std::string hexadecimal(unsigned value) {
-    static constexpr char digits[] = "0123456789ABCDEF";
+    static constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text;
     for (const unsigned shift : {12U, 8U, 4U, 0U})
         text += digits[value >> shift & 15];
