@@ -159,20 +159,22 @@ TEST(AnnotationsTest, DrawsChoicesAndButtonsThatBringNoAppearance) {
     EXPECT_THAT(Drawn(field("/FT /Btn /AS /Off")).content(), Not(HasSubstr("Tj")));
     EXPECT_THAT(Drawn(field("/FT /Btn /Ff 65536 /MK << /CA (Go) /BG [0.5] /R 90 >>")).content(),
                 testing::AllOf(HasSubstr("(Go) Tj"), HasSubstr("0.5 g\n0 0 20 100 re")));
-    for (const char* oddAngle : {"45", "99999999999999999999.5"})
+    for (const char* oddAngle : {"45", "99999999999999999999.5"}) {
         EXPECT_THAT(Drawn(field(std::string("/FT /Btn /MK << /BG [0.5] /R ") + oddAngle + " >>")).content(),
                     HasSubstr("0.5 g\n0 0 100 20 re"))
             << oddAngle;
+    }
     EXPECT_THAT(
         Drawn("/Subtype /FreeText /Rect [0 0 100 50] /DA (/Helv 9 Tf) /Contents (Note) /C [1 1 0]").content(),
         testing::AllOf(HasSubstr("(Note) Tj"), HasSubstr("1 1 0 rg")));
-    for (const char* lineBreak : {"\\n", "\\r", "\\r\\n"})
+    for (const char* lineBreak : {"\\n", "\\r", "\\r\\n"}) {
         EXPECT_EQ(shownText(Drawn(std::string("/Subtype /FreeText /Rect [0 0 100 50] /DA (/Helv 10 Tf) "
                                               "/Contents (One") +
                                   lineBreak + "two)")
                                 .content()),
                   "3 39 (One)\n3 27.5 (two)\n")
             << lineBreak;
+    }
 }
 
 TEST(AnnotationsTest, WritesAFieldAnewWhereTheFormAsksForItAndItsTextIsOld) {

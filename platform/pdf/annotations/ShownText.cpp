@@ -22,7 +22,7 @@ public:
     using Font = ObjectCache<FontReader>::Pointer;
 
     /// The second resources hold for what the first do not have.
-    TextCollector(QPDFObjectHandle own, QPDFObjectHandle outer, ObjectCache<FontReader>& fonts)
+    TextCollector(const QPDFObjectHandle& own, const QPDFObjectHandle& outer, ObjectCache<FontReader>& fonts)
         : m_own(own), m_outer(outer), m_fonts(fonts) {
         useFont();
     }
