@@ -13,15 +13,43 @@ namespace {
 
 /// What computing, waiting and answering need; the last two are what a thread calls that has just started.
 constexpr std::initializer_list<int> harmlessCalls{
-    SCMP_SYS(read),          SCMP_SYS(pread64),         SCMP_SYS(write),        SCMP_SYS(close),
-    SCMP_SYS(fstat),         SCMP_SYS(lseek),           SCMP_SYS(recvmsg),      SCMP_SYS(poll),
-    SCMP_SYS(ppoll),         SCMP_SYS(munmap),          SCMP_SYS(mremap),       SCMP_SYS(madvise),
-    SCMP_SYS(brk),           SCMP_SYS(futex),           SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask),
-    SCMP_SYS(rt_sigreturn),  SCMP_SYS(sigaltstack),     SCMP_SYS(exit),         SCMP_SYS(exit_group),
-    SCMP_SYS(clock_gettime), SCMP_SYS(gettimeofday),    SCMP_SYS(getpid),       SCMP_SYS(gettid),
-    SCMP_SYS(getrandom),     SCMP_SYS(sched_yield),     SCMP_SYS(sysinfo),      SCMP_SYS(restart_syscall),
-    SCMP_SYS(rseq),          SCMP_SYS(set_robust_list),
+    SCMP_SYS(read),
+    SCMP_SYS(pread64),
+    SCMP_SYS(write),
+    SCMP_SYS(close),
+    SCMP_SYS(fstat),
+    SCMP_SYS(lseek),
+    SCMP_SYS(recvmsg),
+    SCMP_SYS(poll),
+    SCMP_SYS(ppoll),
+    SCMP_SYS(munmap),
+    SCMP_SYS(mremap),
+    SCMP_SYS(madvise),
+    SCMP_SYS(brk),
+    SCMP_SYS(futex),
+    SCMP_SYS(rt_sigaction),
+    SCMP_SYS(rt_sigprocmask),
+    SCMP_SYS(rt_sigreturn),
+    SCMP_SYS(exit),
+    SCMP_SYS(exit_group),
+    SCMP_SYS(clock_gettime),
+    SCMP_SYS(gettimeofday),
+    SCMP_SYS(getpid),
+    SCMP_SYS(gettid),
+    SCMP_SYS(getrandom),
+    SCMP_SYS(sched_yield),
+    SCMP_SYS(sysinfo),
+    SCMP_SYS(restart_syscall),
+    SCMP_SYS(rseq),
+    SCMP_SYS(set_robust_list),
 };
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::initializer_list<int> callsOfSanitizers{SCMP_SYS(sigaltstack), SCMP_SYS(pipe),
+                                                       SCMP_SYS(pipe2)};
+#else
+constexpr std::initializer_list<int> callsOfSanitizers{};
+#endif
 
 /// Others set who is sent which signal when a descriptor becomes readable: any process, and any signal.
 constexpr std::initializer_list<int> harmlessFileCommands{F_GETFD, F_SETFD, F_GETFL, F_DUPFD_CLOEXEC};
@@ -61,6 +89,8 @@ scmp_arg_cmp is(unsigned argument, int value) {
 bool filterCalls(bool canOpenFiles) {
     CallFilter filter;
     for (const int call : harmlessCalls)
+        filter.allow(call);
+    for (const int call : callsOfSanitizers)
         filter.allow(call);
     for (const int command : harmlessFileCommands)
         filter.allow(SCMP_SYS(fcntl), is(1, command));
