@@ -1,6 +1,15 @@
 #include "app/ContentView.h"
 
+#include "app/StampPlacement.h"
+#include "app/WorkScope.h"
+#include "base/Error.h"
+#include "export/PDFExporter.h"
+#include "pdf/DamageText.h"
+
+#include <algorithm>
 #include <utility>
+
+#include <QFileInfo>
 
 namespace vellmora {
 
@@ -35,6 +44,226 @@ qsizetype ContentView::totalStampCount() const {
     for (const QList<StampItem>& stamps : stampsByPage.value())
         count += stamps.size();
     return count;
+}
+
+/// Of the exception that is being handled.
+static QString notLoaded() {
+    return QStringLiteral("PDF konnte nicht geladen werden. ") + Error::current().reason();
+}
+
+void ContentView::openPDF() {
+    try {
+        const auto url = m_panels.runModal(OpenPanel{QStringLiteral("PDF auswählen"), ContentType::pdf});
+        if (url)
+            loadPDF(*url);
+    } catch (...) {
+        statusText = notLoaded();
+    }
+}
+
+bool ContentView::handlePDFDrop(const QList<QUrl>& items) {
+    const auto file =
+        std::find_if(items.begin(), items.end(), [](const QUrl& url) { return url.isLocalFile(); });
+    if (file == items.end()) {
+        statusText = QStringLiteral("Bitte eine PDF-Datei ablegen.");
+        return false;
+    }
+    QMetaObject::invokeMethod(
+        this, [this, url = *file] { loadDroppedFile(url); }, Qt::QueuedConnection);
+    return true;
+}
+
+void ContentView::loadDroppedFile(const QUrl& url) {
+    if (url.path().isEmpty())
+        statusText = QStringLiteral("Drop fehlgeschlagen: Datei konnte nicht gelesen werden.");
+    else if (QFileInfo(url.fileName()).suffix().toLower() == QStringLiteral("pdf"))
+        loadPDF(url);
+    else
+        statusText = QStringLiteral("Nur PDF-Dateien werden unterstützt.");
+}
+
+void ContentView::loadPDF(const QUrl& url) {
+    WorkScope work(*this);
+    try {
+        const auto document = work.await([&] { return PDFDocument::open(url); });
+        m_versions = FileVersions(document->content());
+        pdfDocument = document;
+        pdfSourceURL = url;
+        currentPageIndex = 0;
+        stampsByPage = StampsByPage();
+        selectedStampID = std::nullopt;
+        statusText =
+            withRemark(QStringLiteral("PDF geladen: ") + url.fileName(), damageText(document->damage()));
+    } catch (...) {
+        statusText = notLoaded();
+    }
+}
+
+void ContentView::beginSaveFlow(SaveMode mode) {
+    if (pdfDocument.value())
+        performSave(mode);
+}
+
+void ContentView::performSave(SaveMode mode) {
+    switch (mode) {
+        case SaveMode::overwriteOriginal:
+            return saveOverOriginalPDF();
+        case SaveMode::saveAs:
+            return saveAsNewPDF();
+    }
+}
+
+void ContentView::saveOverOriginalPDF() {
+    const auto document = pdfDocument.value();
+    const std::optional<QUrl> url = pdfSourceURL;
+    if (!document || !url) {
+        statusText = QStringLiteral("Keine originale PDF-Datei zum Überschreiben verfügbar.");
+        return;
+    }
+    WorkScope work(*this);
+    try {
+        const QString missing = work.await([&, stamps = stampsByPage.value()] {
+            return PDFExporter::replaceOriginal(*document, stamps, *url, m_versions);
+        });
+        pdfSourceURL = url;
+        statusText = withRemark(QStringLiteral("Original überschrieben: ") + url->fileName(), missing);
+    } catch (...) {
+        statusText = QStringLiteral("Fehler beim Überschreiben: ") + Error::current().localizedDescription();
+    }
+}
+
+/// Of the exception that is being handled.
+static QString notSavedAs() {
+    return QStringLiteral("Fehler beim Speichern unter: ") + Error::current().localizedDescription();
+}
+
+void ContentView::saveAsNewPDF() {
+    const auto document = pdfDocument.value();
+    if (!document)
+        return;
+    try {
+        const auto url = m_panels.runModal(SavePanel{QStringLiteral("PDF speichern unter"), ContentType::pdf,
+                                                     defaultSaveAsFilename(), pdfSourceURL});
+        if (url)
+            saveAsNewPDF(*document, *url);
+        else
+            statusText = QStringLiteral("Speichern unter abgebrochen.");
+    } catch (...) {
+        statusText = notSavedAs();
+    }
+}
+
+void ContentView::saveAsNewPDF(const PDFDocument& document, const QUrl& url) {
+    WorkScope work(*this);
+    try {
+        const QString missing = work.await([&, stamps = stampsByPage.value()] {
+            return PDFExporter::save(document, stamps, url, m_versions);
+        });
+        pdfSourceURL = url;
+        statusText = withRemark(QStringLiteral("PDF gespeichert: ") + url.fileName(), missing);
+    } catch (...) {
+        statusText = notSavedAs();
+    }
+}
+
+QString ContentView::defaultSaveAsFilename() const {
+    const std::optional<QUrl> url = pdfSourceURL;
+    return url ? url->fileName() : QStringLiteral("gestempelt.pdf");
+}
+
+static Error insertFailure() {
+    return Error(Error::vellmoraDomain, 1, QStringLiteral("Stempel konnte nicht vorbereitet werden."));
+}
+
+void ContentView::importStampToLibrary() {
+    try {
+        const auto url = m_stampLibrary->openImportPanel();
+        if (!url)
+            return;
+        const StampPreset preset = m_stampLibrary->importPreset(*url);
+        statusText = QStringLiteral("Stempel importiert: ") + preset.displayName;
+    } catch (...) {
+        statusText = QStringLiteral("Stempel konnte nicht importiert werden: ") +
+                     Error::current().localizedDescription();
+    }
+}
+
+void ContentView::addStampToCurrentPage(const std::optional<StampPreset>& preset) {
+    try {
+        const auto image = preset ? m_stampLibrary->image(*preset) : std::nullopt;
+        if (!image) {
+            statusText = QStringLiteral("Kein aktiver Stempel gewählt.");
+            return;
+        }
+        addStampToCurrentPage(*image, preset->id);
+        m_stampLibrary->recordUse(preset->id);
+        statusText = QStringLiteral("Stempel auf Seite ") + QString::number(currentPageIndex.value() + 1) +
+                     QStringLiteral(" eingefügt: ") + preset->displayName;
+    } catch (...) {
+        statusText = Error::current().localizedDescription();
+    }
+}
+
+void ContentView::addStampToCurrentPage(const Image& image, const QUuid& presetID) {
+    const auto document = pdfDocument.value();
+    const auto page = document ? document->page(currentPageIndex) : std::nullopt;
+    if (!page)
+        throw insertFailure();
+    const QByteArray png = image.pngRepresentation();
+    if (png.isEmpty())
+        throw insertFailure();
+    const StampPlacement placement = initialPlacement(page->bounds(DisplayBox::mediaBox), image.size());
+    StampItem stamp;
+    stamp.pageIndex = currentPageIndex;
+    stamp.rect = placement.rect;
+    stamp.aspectRatio = placement.aspectRatio;
+    stamp.imageData = sharedWithPlacedStamps(png);
+    stamp.presetID = presetID;
+    Q_EMIT willPlaceStamp(stamp.imageData, image);
+    StampsByPage stamps = stampsByPage;
+    stamps[currentPageIndex].append(stamp);
+    stampsByPage = stamps;
+    selectedStampID = stamp.id;
+}
+
+/// The bytes of a placed stamp with the same picture, so that it is kept and decoded once; else the bytes
+/// given.
+QByteArray ContentView::sharedWithPlacedStamps(const QByteArray& imageData) const {
+    for (const QList<StampItem>& stamps : stampsByPage.value()) {
+        for (const StampItem& stamp : stamps) {
+            if (stamp.imageData == imageData)
+                return stamp.imageData;
+        }
+    }
+    return imageData;
+}
+
+void ContentView::deleteSelectedStamp() {
+    const std::optional<QUuid> selected = selectedStampID;
+    if (!selected)
+        return;
+    StampsByPage stamps = stampsByPage;
+    for (QList<StampItem>& onPage : stamps)
+        onPage.removeIf([&](const StampItem& stamp) { return stamp.id == *selected; });
+    stampsByPage = stamps;
+    selectedStampID = std::nullopt;
+    statusText = QStringLiteral("Ausgewählter Stempel gelöscht.");
+}
+
+void ContentView::removePreset(const QUuid& id) {
+    StampsByPage stamps = stampsByPage;
+    for (QList<StampItem>& onPage : stamps)
+        onPage.removeIf([&](const StampItem& stamp) { return stamp.presetID == id; });
+    stamps.removeIf([](const auto& page) { return page.value().isEmpty(); });
+    stampsByPage = stamps;
+    // The selection stays, even where it names a stamp that is gone: only a deletion and a load clear it.
+    try {
+        m_stampLibrary->removePreset(id);
+        statusText = QStringLiteral("Stempel aus Bibliothek entfernt.");
+    } catch (...) {
+        statusText = QStringLiteral("Stempel konnte nicht entfernt werden: ") +
+                     Error::current().localizedDescription();
+    }
 }
 
 }  // namespace vellmora

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "base/FilePanels.h"
+#include "base/FileVersions.h"
 #include "library/StampItem.h"
 #include "library/StampLibrary.h"
-#include "platform/drop/ItemProvider.h"
-#include "platform/files/FileVersions.h"
-#include "platform/panels/FilePanels.h"
-#include "platform/pdf/PDFDocument.h"
+#include "pdf/PDFDocument.h"
 
 #include <memory>
 #include <optional>
@@ -50,8 +49,9 @@ public:
     qsizetype totalStampCount() const;
 
     void openPDF();
-    /// Starts loading the first dropped file and answers true, or refuses the drop. The file arrives later.
-    bool handlePDFDrop(const ItemProviders& providers);
+    /// Takes the first file of what was dropped and answers true, or refuses the drop. The file is loaded
+    /// when the drop is over: whoever dragged it waits for the answer.
+    bool handlePDFDrop(const QList<QUrl>& items);
     void loadPDF(const QUrl& url);
 
     void importStampToLibrary();
@@ -80,7 +80,7 @@ private:
 
     /// A message and, where there is something to add, that.
     static QString withRemark(const QString& message, const QString& remark);
-    void finishDrop(const std::optional<QByteArray>& data, const std::optional<ItemLoadError>& error);
+    void loadDroppedFile(const QUrl& url);
     void addStampToCurrentPage(const Image& image, const QUuid& presetID);
     QByteArray sharedWithPlacedStamps(const QByteArray& imageData) const;
     void performSave(SaveMode mode);

@@ -1,6 +1,6 @@
 #include "app/ContentWindow.h"
 
-#include "platform/error/Error.h"
+#include "base/Error.h"
 
 #include <utility>
 
@@ -132,12 +132,12 @@ MainWindow::Callbacks ContentWindow::makeCallbacks() {
         command([&](const StampPreset& preset) { content.addStampToCurrentPage(preset); }),
         command([&](const StampPreset& preset) { content.removePreset(preset.id); }),
         command([&] { content.importStampToLibrary(); }),
-        [&](const StampPreset& preset) { return content.stampLibrary().pictureSource(preset); },
+        [&](const StampPreset& preset) { return content.stampLibrary().deferredPicture(preset); },
     };
     callbacks.onDropTargeted = [&](bool isTargeted) { content.isPDFDropTargeted = isTargeted; };
-    callbacks.onDrop = [&](const ItemProviders& providers) {
+    callbacks.onDrop = [&](const QList<QUrl>& items) {
         bool isAccepted = false;
-        attempt([&] { isAccepted = content.handlePDFDrop(providers); });
+        attempt([&] { isAccepted = content.handlePDFDrop(items); });
         return isAccepted;
     };
     return callbacks;

@@ -2,7 +2,7 @@
 
 #include "app/ContentView.h"
 #include "editor/PDFEditorView.h"
-#include "platform/pdf/render/PageRenderer.h"
+#include "preview/PageRenderer.h"
 #include "ui/MainWindow.h"
 
 #include <functional>

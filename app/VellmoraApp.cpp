@@ -1,8 +1,8 @@
 #include "app/VellmoraApp.h"
 
+#include "base/Files.h"
 #include "editor/StampViewAccessible.h"
-#include "platform/files/Files.h"
-#include "platform/view/PDFViewAccessible.h"
+#include "preview/PDFViewAccessible.h"
 #include "ui/Accessibility.h"
 
 #include <clocale>

@@ -1,7 +1,7 @@
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
-#include "platform/panels/DialogFilePanels.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "desktop/DialogFilePanels.h"
+#include "preview/ProcessRenderer.h"
 #include "ui/FirstPaint.h"
 
 #include <QScreen>

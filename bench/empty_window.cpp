@@ -1,4 +1,4 @@
-// The least that a window of the toolkit takes to start: one label, in a window as large as the program's.
+// The least that a window of Qt takes to start: one label, in a window as large as the program's.
 
 #include <QApplication>
 #include <QLabel>

@@ -1,7 +1,7 @@
 // Times of the parts that the program is built on, in milliseconds:
 //
 //   engine page FILE.pdf WIDTH HEIGHT   the rendering engine draws the first page with that many pixels
-//   engine picture FILE                 the toolkit decodes a picture once
+//   engine picture FILE                 Qt decodes a picture once
 //
 // The file is in memory, and a document is open, before the clock starts.
 

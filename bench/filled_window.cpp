@@ -7,10 +7,10 @@
 
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
+#include "base/Files.h"
+#include "desktop/DialogFilePanels.h"
 #include "editor/InteractiveStampView.h"
-#include "platform/files/Files.h"
-#include "platform/panels/DialogFilePanels.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "preview/ProcessRenderer.h"
 
 #include <cstdio>
 

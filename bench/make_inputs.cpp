@@ -2,7 +2,7 @@
 //
 // What they show comes from a random generator with a fixed seed, so each run measures the same.
 
-#include "platform/fonts/SystemFonts.h"
+#include "base/SystemFonts.h"
 
 #include <random>
 #include <string>
@@ -137,7 +137,7 @@ QImage makeStamp(QSize size) {
     std::mt19937 random(3);
     QImage image(size, QImage::Format_ARGB32);
     for (int y = 0; y < image.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));  // NOLINT: the toolkit's own way
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));  // NOLINT: Qt's own way
         for (int x = 0; x < image.width(); ++x)
             line[x] = qRgba(200, 30, x * 255 / size.width(), 40 + static_cast<int>(random() % 8));
     }

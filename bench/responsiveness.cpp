@@ -8,8 +8,8 @@
 
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
-#include "platform/panels/DialogFilePanels.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "desktop/DialogFilePanels.h"
+#include "preview/ProcessRenderer.h"
 
 #include <algorithm>
 #include <atomic>
@@ -189,7 +189,7 @@ private:
         if (!editor || editor->pdfView().document() != m_window.content().pdfDocument.value() ||
             editor->pdfView().currentPageIndex() != page)
             return false;
-        const PagePictures::Picture picture = editor->pdfView().pictures().picture(page);
+        const PageCache::Picture picture = editor->pdfView().pictures().picture(page);
         return picture.isUnavailable || !picture.pixmap.isNull();
     }
 

@@ -2,7 +2,7 @@
 
 #include "editor/InteractiveStampView.h"
 #include "editor/StampPicture.h"
-#include "platform/view/PDFView.h"
+#include "preview/PDFView.h"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "editor/InteractiveStampView.h"
 
+#include "base/SystemColors.h"
 #include "editor/StampGeometry.h"
-#include "platform/colors/SystemColors.h"
 
 #include <utility>
 
@@ -63,7 +63,7 @@ void InteractiveStampView::setSelectedStamp(bool isSelected) {
 }
 
 void InteractiveStampView::setFrame(const Rect& frame) {
-    const QRect covered = toToolkit(integral(frame), parentWidget()->height()).toRect();
+    const QRect covered = toQt(integral(frame), parentWidget()->height()).toRect();
     if (frame == m_frame && covered == geometry())
         return;
     m_frame = frame;
@@ -76,7 +76,7 @@ Rect InteractiveStampView::overlayBounds() const {
 }
 
 Point InteractiveStampView::pointInOverlay(const QSinglePointEvent& event) const {
-    return fromToolkit(parentWidget()->mapFromGlobal(event.globalPosition()), parentWidget()->height());
+    return fromQt(parentWidget()->mapFromGlobal(event.globalPosition()), parentWidget()->height());
 }
 
 Point InteractiveStampView::pointInBounds(const QSinglePointEvent& event) const {
@@ -145,7 +145,7 @@ void InteractiveStampView::paintEvent(QPaintEvent*) {
     if (!m_picture)
         m_picture = m_pictures.picture(m_stamp.imageData);
     // The widget lies on whole points. The frame may begin within the widget's first point.
-    const QRectF frame = toToolkit(m_frame, parentWidget()->height()).translated(-pos());
+    const QRectF frame = toQt(m_frame, parentWidget()->height()).translated(-pos());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_picture)
@@ -171,7 +171,7 @@ void InteractiveStampView::paintHandle(QPainter& painter, const QRectF& frame) c
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_isSelectedStamp ? colors::systemBlue : white(handleAlpha));
     const Rect handle = stampgeometry::resizeHandleRect(bounds());
-    painter.drawRoundedRect(toToolkit(handle, frame.height()).translated(frame.topLeft()), handleCornerRadius,
+    painter.drawRoundedRect(toQt(handle, frame.height()).translated(frame.topLeft()), handleCornerRadius,
                             handleCornerRadius);
 }
 

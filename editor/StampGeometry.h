@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/geometry/Rect.h"
+#include "base/Rect.h"
 
 namespace vellmora::stampgeometry {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/image/Image.h"
+#include "base/Image.h"
 
 #include <memory>
 #include <vector>

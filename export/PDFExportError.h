@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/error/Error.h"
+#include "base/Error.h"
 
 namespace vellmora {
 
-/// The failures of an export that are not file errors of the platform.
+/// The failures of an export, beside the file errors of `base/`.
 class PDFExportError : public Error {
 public:
     enum class Case { couldNotCreateConsumer, couldNotCreateContext };

@@ -1,8 +1,8 @@
 #include "export/PDFExporter.h"
 
 #include "export/PDFExportError.h"
-#include "platform/pdf/DamageText.h"
-#include "platform/pdf/PDFContext.h"
+#include "pdf/DamageText.h"
+#include "pdf/PDFContext.h"
 
 #include <QCryptographicHash>
 #include <QHash>
@@ -43,10 +43,9 @@ private:
 void drawPages(PDFContext& context, const PDFDocument& document, const StampsByPage& stampsByPage) {
     PicturePool pictures(context);
     for (qsizetype index = 0; index < document.pageCount(); ++index) {
-        const std::optional<PDFPage> page = document.page(index);
-        if (!page)
+        if (!document.page(index))
             continue;
-        context.beginPage(page->bounds(DisplayBox::mediaBox));
+        context.beginPage();
         context.drawPage(document, index, DisplayBox::mediaBox);
         for (const StampItem& stamp : stampsByPage.value(index)) {
             if (const auto picture = pictures.pictureOf(stamp))

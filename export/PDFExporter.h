@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/FileVersions.h"
 #include "library/StampItem.h"
-#include "platform/files/FileVersions.h"
-#include "platform/pdf/PDFDocument.h"
+#include "pdf/PDFDocument.h"
 
 #include <QUrl>
 
@@ -25,7 +25,7 @@ public:
     static QString save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to);
 
     /// Writes beside the original and then puts the new file in its place in one step. Throws
-    /// `PDFExportError` or the platform's file error; the original is untouched then.
+    /// `PDFExportError` or the `Error` of a file; the original is untouched then.
     ///
     /// An original that holds none of `versions` is somebody else's and is refused; one that is gone is
     /// written anew. What is there is compared last of all: who changes it in the moment between that and the

@@ -1,8 +1,8 @@
 #include "library/BuiltinFiles.h"
 
+#include "base/Files.h"
+#include "base/Image.h"
 #include "library/BuiltinStampImage.h"
-#include "platform/files/Files.h"
-#include "platform/image/Image.h"
 
 #include <cstdio>
 

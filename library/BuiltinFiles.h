@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/Error.h"
+#include "base/SystemFonts.h"
+#include "base/TemporaryFile.h"
 #include "library/BuiltinStampDefinitions.h"
-#include "platform/error/Error.h"
-#include "platform/files/Durability.h"
-#include "platform/fonts/SystemFonts.h"
 
 #include <QList>
 #include <QString>
@@ -23,7 +23,7 @@ struct BuiltinFilesOutcome {
 };
 
 /// Draws the stamps and writes each into its file as a PNG. A failure is printed and ends it. To be called on
-/// a thread of the toolkit's global pool: on any other the toolkit hands each shape to those in pieces and
+/// a thread of Qt's global pool: on any other Qt hands each shape to those in pieces and
 /// waits for each.
 BuiltinFilesOutcome writeBuiltinFiles(const QList<BuiltinFile>& files, const SystemFonts& fonts);
 

@@ -1,7 +1,7 @@
 #include "library/BuiltinStampDefinitions.h"
 
-#include "platform/colors/SystemColors.h"
-#include "platform/text/Dates.h"
+#include "base/SystemColors.h"
+#include "base/Text.h"
 
 namespace vellmora {
 

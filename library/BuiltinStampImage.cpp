@@ -1,6 +1,6 @@
 #include "library/BuiltinStampImage.h"
 
-#include "platform/geometry/Rect.h"
+#include "base/Rect.h"
 
 #include <utility>
 
@@ -41,10 +41,10 @@ void drawFrame(QPainter& painter, int height, const QColor& tint) {
     const Rect frame = Rect{0, 0, imageWidth, static_cast<double>(height)}.insetBy(frameInset);
     painter.setPen(Qt::NoPen);
     painter.setBrush(withAlpha(tint, fillAlpha));
-    painter.drawRoundedRect(toToolkit(frame, height), frameRadius, frameRadius);
+    painter.drawRoundedRect(toQt(frame, height), frameRadius, frameRadius);
     painter.setPen(QPen(tint, frameLineWidth));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(toToolkit(frame, height), frameRadius, frameRadius);
+    painter.drawRoundedRect(toQt(frame, height), frameRadius, frameRadius);
 }
 
 /// One centred line at the top of the box. A text that is wider than the box is not shrunk.
@@ -77,10 +77,10 @@ QImage makeBuiltinStampImage(const SystemFonts& fonts, const QString& title,
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     drawFrame(painter, height, tint);
     drawLine(painter, title, fonts.font(subtitle ? raisedTitleSize : titleSize, QFont::Black), titleKerning,
-             tint, toToolkit(subtitle ? raisedTitleBox : titleBox, height));
+             tint, toQt(subtitle ? raisedTitleBox : titleBox, height));
     if (subtitle && !subtitle->isEmpty()) {
         drawLine(painter, *subtitle, fonts.font(subtitleSize, QFont::Bold), subtitleKerning,
-                 withAlpha(tint, subtitleAlpha), toToolkit(subtitleBox, height));
+                 withAlpha(tint, subtitleAlpha), toQt(subtitleBox, height));
     }
     painter.end();
     return tinted(std::move(opacity), tint);

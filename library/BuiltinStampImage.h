@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/fonts/SystemFonts.h"
+#include "base/SystemFonts.h"
 
 #include <optional>
 

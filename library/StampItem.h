@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/geometry/Rect.h"
-#include "platform/image/Image.h"
+#include "base/Image.h"
+#include "base/Rect.h"
 
 #include <optional>
 

@@ -1,8 +1,7 @@
 #include "library/StampLibrary.h"
 
-#include "platform/files/Files.h"
-#include "platform/text/Collation.h"
-#include "platform/text/Identifiers.h"
+#include "base/Files.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <utility>
@@ -52,7 +51,7 @@ std::optional<Image> StampLibrary::image(const StampPreset& preset) {
     return Image::fromFile(filePath(preset));
 }
 
-PictureSource StampLibrary::pictureSource(const StampPreset& preset) const {
+DeferredPicture StampLibrary::deferredPicture(const StampPreset& preset) const {
     const QString path = filePath(preset);
     const QFileInfo file(path);
     if (path.isEmpty() || !file.exists())

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "base/Clock.h"
+#include "base/FilePanels.h"
+#include "base/Folders.h"
+#include "base/Image.h"
+#include "base/SystemFonts.h"
+#include "base/UserDefaults.h"
 #include "library/BuiltinFiles.h"
 #include "library/StampPreset.h"
-#include "platform/defaults/UserDefaults.h"
-#include "platform/files/Folders.h"
-#include "platform/fonts/SystemFonts.h"
-#include "platform/image/Image.h"
-#include "platform/image/PictureSource.h"
-#include "platform/panels/FilePanels.h"
-#include "platform/time/Clock.h"
 
 #include <future>
 #include <optional>
@@ -70,7 +69,7 @@ public:
     /// decoded.
     std::optional<Image> image(const StampPreset& preset);
     /// The same picture, for a view that loads it later on another thread.
-    PictureSource pictureSource(const StampPreset& preset) const;
+    DeferredPicture deferredPicture(const StampPreset& preset) const;
     /// Begins to draw the built-in stamps anew, where that is still to be done. It takes a thread of its own
     /// a while: it is called once the window is there.
     void redrawDueBuiltins();
@@ -106,7 +105,7 @@ private:
     void ensureBuiltinPresets();
     /// Whether views may have asked for the pictures that are drawn anew, and are to be told of other ones.
     enum class Earlier { areNotShown, mayBeShown };
-    /// Those that are due, on a thread of the toolkit's.
+    /// Those that are due, on a thread of Qt's.
     void redrawBuiltins(Earlier pictures);
     /// For whoever reads or removes the picture of a built-in stamp.
     void finishRedrawing();

@@ -1,6 +1,6 @@
+#include "base/Error.h"
+#include "base/Files.h"
 #include "library/StampLibrary.h"
-#include "platform/error/Error.h"
-#include "platform/files/Files.h"
 
 #include <algorithm>
 #include <utility>

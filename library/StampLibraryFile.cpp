@@ -1,8 +1,8 @@
+#include "base/Error.h"
+#include "base/Files.h"
+#include "base/TemporaryFile.h"
 #include "library/StampLibrary.h"
 #include "library/StampPresetJson.h"
-#include "platform/error/Error.h"
-#include "platform/files/Files.h"
-#include "platform/files/TemporaryFile.h"
 
 #include <optional>
 

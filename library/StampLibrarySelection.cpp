@@ -1,6 +1,6 @@
+#include "base/Error.h"
+#include "base/Text.h"
 #include "library/StampLibrary.h"
-#include "platform/error/Error.h"
-#include "platform/text/Identifiers.h"
 
 #include <QHash>
 

@@ -1,7 +1,6 @@
 #include "library/StampPresetJson.h"
 
-#include "platform/text/Dates.h"
-#include "platform/text/Identifiers.h"
+#include "base/Text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

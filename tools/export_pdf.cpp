@@ -6,9 +6,9 @@
 // for each run; of the export's time, `sync_ms` was spent on waiting for the disk. Exit codes: 0 done, 1
 // wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on standard error).
 
+#include "base/Error.h"
+#include "base/Files.h"
 #include "export/PDFExporter.h"
-#include "platform/error/Error.h"
-#include "platform/files/Files.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // Writes the sample document of the guided tour: sample_pdf OUT.pdf
 
-#include "platform/fonts/SystemFonts.h"
+#include "base/SystemFonts.h"
 
 #include <QGuiApplication>
 #include <QPageSize>

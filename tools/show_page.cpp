@@ -5,9 +5,9 @@
 // PAGE is 1-based, WIDTH in pixels. Prints one JSON line. Exit codes: 0 done, 1 wrong arguments, 2 the PDF
 // or the page could not be opened, 4 the page was not rendered (crash, limit or time).
 
-#include "platform/error/Error.h"
-#include "platform/pdf/PageDrawing.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "base/Error.h"
+#include "pdf/PagePdf.h"
+#include "preview/ProcessRenderer.h"
 
 #include <cmath>
 #include <cstdio>
@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     const Rect box = page->bounds(DisplayBox::cropBox);
     const int width = words[3].toInt();
     const int height = qMax(1, static_cast<int>(std::lround(width * box.height / box.width)));
-    const auto request = PageRenderRequest::whole(makePageDrawing(*document, index), QSize(width, height));
+    const auto request = PageRenderRequest::whole(makePagePdf(*document, index), QSize(width, height));
     const QImage image = renderAndWait(renderer, request);
     const double first = milliseconds(timer);
     if (image.isNull() || !image.save(words[4]))

@@ -103,7 +103,7 @@ void ActiveStampBox::showStamp(bool isLoadable) {
 
 void ActiveStampBox::setPreset(const std::optional<StampPreset>& preset) {
     m_preset = preset;
-    const PictureSource picture = preset ? m_callbacks.pictureOf(*preset) : PictureSource();
+    const DeferredPicture picture = preset ? m_callbacks.pictureOf(*preset) : DeferredPicture();
     showStamp(!picture.version.isEmpty() && !m_picture->isKnownToBeMissing(picture));
     if (!preset)
         return;

@@ -1,6 +1,6 @@
 #include "ui/Button.h"
 
-#include "platform/colors/SystemColors.h"
+#include "base/SystemColors.h"
 
 #include <QPainter>
 

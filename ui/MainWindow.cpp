@@ -1,7 +1,10 @@
 #include "ui/MainWindow.h"
 
+#include <algorithm>
+
 #include <QDropEvent>
 #include <QHBoxLayout>
+#include <QMimeData>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -62,7 +65,8 @@ void MainWindow::fitInto(const QSize& room) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!hasFileURL(*event->mimeData()))
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (std::none_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); }))
         return;
     acceptAsCopy(*event);
     m_callbacks.onDropTargeted(true);
@@ -78,7 +82,7 @@ void MainWindow::dragLeaveEvent(QDragLeaveEvent*) {
 
 void MainWindow::dropEvent(QDropEvent* event) {
     m_callbacks.onDropTargeted(false);
-    if (m_callbacks.onDrop(itemProviders(*event->mimeData())))
+    if (m_callbacks.onDrop(event->mimeData()->urls()))
         acceptAsCopy(*event);
     else
         event->ignore();

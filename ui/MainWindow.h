@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/drop/ItemProvider.h"
 #include "ui/CommandBar.h"
 #include "ui/EditorArea.h"
 #include "ui/Sidebar.h"
@@ -8,6 +7,7 @@
 
 #include <functional>
 
+#include <QUrl>
 #include <QWidget>
 
 namespace vellmora {
@@ -24,8 +24,8 @@ public:
         QList<QAction*> commands;  ///< must outlive the window
         SidebarCallbacks sidebar;
         std::function<void(bool)> onDropTargeted;
-        /// Returns whether the drop is accepted.
-        std::function<bool(const ItemProviders&)> onDrop;
+        /// Gets the URLs that were dropped, of files or not, and returns whether the drop is accepted.
+        std::function<bool(const QList<QUrl>&)> onDrop;
     };
 
     MainWindow(const Callbacks& callbacks, const Theme& theme);

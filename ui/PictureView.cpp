@@ -13,7 +13,7 @@ PictureView::PictureView(const Style& style, Thumbnails& thumbnails, QWidget* pa
     connect(&thumbnails, &Thumbnails::changed, this, &PictureView::thumbnailChanged);
 }
 
-void PictureView::setSource(const PictureSource& source) {
+void PictureView::setSource(const DeferredPicture& source) {
     if (source.version == m_source.version && !source.version.isEmpty())
         return;
     m_source = source;

@@ -25,10 +25,10 @@ public:
 
     PictureView(const Style& style, Thumbnails& thumbnails, QWidget* parent);
 
-    void setSource(const PictureSource& source);
+    void setSource(const DeferredPicture& source);
 
     /// True only after a try to load the picture has failed.
-    bool isKnownToBeMissing(const PictureSource& source) const {
+    bool isKnownToBeMissing(const DeferredPicture& source) const {
         return m_thumbnails.isKnownToBeMissing(source);
     }
 
@@ -45,7 +45,7 @@ private:
 
     Style m_style;
     Thumbnails& m_thumbnails;
-    PictureSource m_source;
+    DeferredPicture m_source;
     QPixmap m_shown;  ///< shown, scaled, until the picture is loaded in a new size
 };
 

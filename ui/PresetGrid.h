@@ -25,7 +25,7 @@ public:
         QList<StampPreset> presets;
         std::optional<QUuid> selectedPresetID;
     };
-    using PictureOf = std::function<PictureSource(const StampPreset&)>;
+    using PictureOf = std::function<DeferredPicture(const StampPreset&)>;
 
     PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thumbnails& thumbnails, Theme theme,
                QWidget* parent);

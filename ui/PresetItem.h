@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/Image.h"
 #include "library/StampPreset.h"
-#include "platform/image/PictureSource.h"
 #include "ui/FocusRing.h"
 #include "ui/Theme.h"
 
@@ -19,7 +19,7 @@ class PresetItem : public QWidget {
 public:
     struct Data {
         StampPreset preset;
-        PictureSource picture;
+        DeferredPicture picture;
         bool isSelected = false;
     };
     struct Callbacks {

@@ -1,6 +1,6 @@
 #include "ui/PresetRow.h"
 
-#include "platform/text/Dates.h"
+#include "base/Text.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/Image.h"
 #include "library/StampPreset.h"
-#include "platform/image/PictureSource.h"
 #include "ui/PresetGrid.h"
 #include "ui/PresetRow.h"
 #include "ui/TextLabel.h"
@@ -40,7 +40,7 @@ struct SidebarCallbacks {
     std::function<void(const StampPreset&)> onInsert;
     std::function<void(const StampPreset&)> onDelete;
     std::function<void()> onImport;
-    std::function<PictureSource(const StampPreset&)> pictureOf;
+    std::function<DeferredPicture(const StampPreset&)> pictureOf;
 };
 
 /// A framed panel with its title above the content, which is a vertical stack.

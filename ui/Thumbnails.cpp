@@ -51,7 +51,7 @@ std::optional<ThumbnailLoader::Request> ThumbnailLoader::takeNext() {
     return request;
 }
 
-static QImage scaledPicture(const PictureSource& source, QSize pixels) {
+static QImage scaledPicture(const DeferredPicture& source, QSize pixels) {
     std::optional<Image> image = source.load();
     if (!image)
         return {};
@@ -83,11 +83,11 @@ Thumbnails::Thumbnails(QObject* parent) : QObject(parent) {
     connect(&m_loader, &ThumbnailLoader::loaded, this, &Thumbnails::take);
 }
 
-static QString keyOf(const PictureSource& source, QSize pixels) {
+static QString keyOf(const DeferredPicture& source, QSize pixels) {
     return QStringLiteral("%1 %2x%3").arg(source.version).arg(pixels.width()).arg(pixels.height());
 }
 
-Thumbnails::Thumbnail Thumbnails::thumbnail(const PictureSource& source, QSize pixels) {
+Thumbnails::Thumbnail Thumbnails::thumbnail(const DeferredPicture& source, QSize pixels) {
     if (source.version.isEmpty() || isKnownToBeMissing(source))
         return {State::missing, {}};
     const QString key = keyOf(source, pixels);
@@ -97,7 +97,7 @@ Thumbnails::Thumbnail Thumbnails::thumbnail(const PictureSource& source, QSize p
     return {};
 }
 
-void Thumbnails::prepare(const PictureSource& source, QSize pixels) {
+void Thumbnails::prepare(const DeferredPicture& source, QSize pixels) {
     if (source.version.isEmpty() || isKnownToBeMissing(source))
         return;
     const QString key = keyOf(source, pixels);

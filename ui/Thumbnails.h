@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/image/PictureSource.h"
+#include "base/Image.h"
 
 #include <mutex>
 #include <optional>
@@ -25,7 +25,7 @@ class ThumbnailLoader : public QObject {
 public:
     struct Request {
         QString key;  ///< names picture and size; requests with one key are loaded once
-        PictureSource source;
+        DeferredPicture source;
         QSize pixels;  ///< the picture is scaled to fit into this size and keeps its aspect ratio
     };
 
@@ -74,12 +74,14 @@ public:
     /// The picture scaled to fit into `pixels`, with its aspect ratio. A picture that is not there yet is
     /// loaded, and `changed` is emitted when it is. To be called while painting: the picture asked for last
     /// is loaded first, so pictures in sight come before others.
-    Thumbnail thumbnail(const PictureSource& source, QSize pixels);
+    Thumbnail thumbnail(const DeferredPicture& source, QSize pixels);
 
     /// Begins to load the picture for a view that will be painted soon.
-    void prepare(const PictureSource& source, QSize pixels);
+    void prepare(const DeferredPicture& source, QSize pixels);
 
-    bool isKnownToBeMissing(const PictureSource& source) const { return m_missing.contains(source.version); }
+    bool isKnownToBeMissing(const DeferredPicture& source) const {
+        return m_missing.contains(source.version);
+    }
 
 Q_SIGNALS:
     void changed(const QString& version);

@@ -43,7 +43,7 @@ class WindowRows:
         self.page_size = round(A4[0] * scale), round(A4[1] * scale)
 
     def engine(self, *words):
-        """What the engine and the toolkit themselves take, in a process of its own."""
+        """What the engine and Qt themselves take, in a process of its own."""
         output = subprocess.run([str(word) for word in (self.screen.programs / "bench/engine", *words)],
                                 env={**self.screen.desktop.env, "QT_QPA_PLATFORM": "offscreen"}, check=True,
                                 stdin=subprocess.DEVNULL, capture_output=True).stdout

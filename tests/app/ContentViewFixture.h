@@ -7,8 +7,6 @@
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
-#include <QMimeData>
-
 namespace vellmora::test {
 
 class ContentViewTest : public testing::Test {
@@ -24,9 +22,7 @@ protected:
         return library().importPreset(workspace.url(QString::fromUtf8(name)));
     }
     void drop(const QList<QUrl>& urls) {
-        QMimeData data;
-        data.setUrls(urls);
-        EXPECT_TRUE(content.handlePDFDrop(itemProviders(data)));
+        EXPECT_TRUE(content.handlePDFDrop(urls));
         settle();
     }
     QList<StampItem> stampsOn(qsizetype page) const { return content.stampsByPage.value().value(page); }

@@ -1,34 +1,12 @@
 #include "tests/app/ContentViewFixture.h"
 
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 #include <QDir>
 
 using namespace vellmora;
 using namespace vellmora::test;
-
-namespace {
-
-/// Delivers from another thread, as a platform may; or fails.
-class ThreadedProvider : public ItemProvider {
-public:
-    ThreadedProvider(std::optional<QByteArray> data, std::optional<ItemLoadError> error)
-        : m_data(std::move(data)), m_error(std::move(error)) {}
-    ~ThreadedProvider() override { m_thread.join(); }
-    bool hasItemConforming(const QString&) const override { return true; }
-    void loadDataRepresentation(const QString&, Completion completion) override {
-        m_thread = std::thread([this, completion] { completion(m_data, m_error); });
-    }
-
-private:
-    std::optional<QByteArray> m_data;
-    std::optional<ItemLoadError> m_error;
-    std::thread m_thread;
-};
-
-}  // namespace
 
 TEST_F(ContentViewTest, StartsEmpty) {
     EXPECT_EQ(status(), QStringLiteral("PDF laden, Stempelbibliothek füllen und loslegen."));
@@ -71,22 +49,21 @@ TEST_F(ContentViewTest, ALoadResetsTheWorkspaceAndAFailedOneLeavesIt) {
 }
 
 TEST_F(ContentViewTest, ADropLoadsItsFirstFileLater) {
-    QMimeData data;
-    data.setUrls({writePdf("A.PDF"), writePdf("b.pdf")});
-    EXPECT_TRUE(content.handlePDFDrop(itemProviders(data)));
-    EXPECT_FALSE(content.pdfDocument.value()) << "the data has not arrived";
+    EXPECT_TRUE(content.handlePDFDrop(
+        {QUrl(QStringLiteral("https://example.org/a.pdf")), writePdf("A.PDF"), writePdf("b.pdf")}));
+    EXPECT_FALSE(content.pdfDocument.value()) << "the drop is not over";
     settle();
     EXPECT_EQ(status(), QStringLiteral("PDF geladen: A.PDF"));
 }
 
 TEST_F(ContentViewTest, DropsThatAreNoPdfFilesAreAnswered) {
     content.loadPDF(writePdf("a.pdf"));
-    QMimeData text;
-    text.setText(QStringLiteral("a.pdf"));
-    EXPECT_FALSE(content.handlePDFDrop(itemProviders(text)));
+    EXPECT_FALSE(content.handlePDFDrop({})) << "a text";
     EXPECT_EQ(status(), QStringLiteral("Bitte eine PDF-Datei ablegen."));
     drop({workspace.url(QStringLiteral("notes.txt"))});
     EXPECT_EQ(status(), QStringLiteral("Nur PDF-Dateien werden unterstützt."));
+    drop({QUrl(QStringLiteral("file://"))});
+    EXPECT_EQ(status(), QStringLiteral("Drop fehlgeschlagen: Datei konnte nicht gelesen werden."));
     drop({workspace.url(QStringLiteral("fehlt.pdf"))});
     EXPECT_EQ(
         status(),
@@ -106,25 +83,9 @@ TEST_F(ContentViewTest, DropsOfThingsThatAreNoFilesNeitherWaitNorHurt) {
         drop({workspace.url(QString::fromUtf8(name)), workspace.url(QStringLiteral("a.pdf"))});
         EXPECT_TRUE(status().startsWith(QStringLiteral("PDF konnte nicht geladen werden. "))) << name;
     }
-    QMimeData remote;
-    remote.setUrls(
-        {QUrl(QStringLiteral("https://example.org/a.pdf")), QUrl(QStringLiteral("ftp://example.org/b.pdf"))});
-    EXPECT_FALSE(content.handlePDFDrop(itemProviders(remote)));
+    EXPECT_FALSE(content.handlePDFDrop({QUrl(QStringLiteral("https://example.org/a.pdf")),
+                                        QUrl(QStringLiteral("ftp://example.org/b.pdf"))}));
     EXPECT_EQ(status(), QStringLiteral("Bitte eine PDF-Datei ablegen."));
     EXPECT_EQ(content.pdfSourceURL.value(), workspace.url(QStringLiteral("a.pdf")));
     EXPECT_EQ(content.pdfDocument.value()->pageCount(), 3);
-}
-
-TEST_F(ContentViewTest, ADropMayBeDeliveredOnAnyThreadAndMayFail) {
-    const auto deliver = [&](const std::optional<QByteArray>& data,
-                             const std::optional<ItemLoadError>& error) {
-        EXPECT_TRUE(content.handlePDFDrop({std::make_shared<ThreadedProvider>(data, error)}));
-        settle();
-        return status();
-    };
-    EXPECT_EQ(deliver(writePdf("a.pdf").toEncoded(), {}), QStringLiteral("PDF geladen: a.pdf"));
-    EXPECT_EQ(deliver({}, ItemLoadError{QStringLiteral("Zeit abgelaufen.")}),
-              QStringLiteral("Drop fehlgeschlagen: Zeit abgelaufen."));
-    EXPECT_EQ(deliver("no url", {}),
-              QStringLiteral("Drop fehlgeschlagen: Datei konnte nicht gelesen werden."));
 }

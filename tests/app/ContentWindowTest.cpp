@@ -1,6 +1,6 @@
 #include "app/ContentWindow.h"
-#include "platform/error/Error.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "base/Error.h"
+#include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"

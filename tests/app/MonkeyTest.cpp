@@ -1,6 +1,6 @@
 #include "app/ContentWindow.h"
 #include "library/StampPresetJson.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "preview/ProcessRenderer.h"
 #include "tests/app/Invariants.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/EventLoop.h"

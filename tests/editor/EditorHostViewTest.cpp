@@ -1,5 +1,5 @@
 #include "editor/EditorHostView.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestPdf.h"

@@ -1,5 +1,5 @@
+#include "base/SystemColors.h"
 #include "editor/InteractiveStampView.h"
-#include "platform/colors/SystemColors.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/GTestQt.h"
 

@@ -1,6 +1,6 @@
 #include "app/ContentView.h"
+#include "base/FileError.h"
 #include "library/StampPresetJson.h"
-#include "platform/files/FileError.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/faults/Wholeness.h"
 #include "tests/support/GTestQt.h"

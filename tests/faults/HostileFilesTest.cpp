@@ -1,10 +1,10 @@
 #include "app/ContentWindow.h"
+#include "base/Error.h"
+#include "base/FileDescriptor.h"
 #include "export/PDFExporter.h"
-#include "platform/error/Error.h"
-#include "platform/files/FileDescriptor.h"
-#include "platform/pdf/PageDrawing.h"
-#include "platform/pdf/Qpdf.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "pdf/PagePdf.h"
+#include "pdf/objects/Qpdf.h"
+#include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/faults/Wholeness.h"
 #include "tests/support/EventLoop.h"
@@ -49,7 +49,7 @@ protected:
         if (!document)
             return false;
         for (qsizetype page = 0; page < std::min<qsizetype>(document->pageCount(), 4); ++page)
-            makePageDrawing(*document, page);
+            makePagePdf(*document, page);
         const StampsByPage stamps{{0, {stampAt({10, 10, 60, 30})}}};
         try {
             PDFExporter::save(*document, stamps, url("Kopie.pdf"));

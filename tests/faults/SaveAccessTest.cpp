@@ -1,5 +1,5 @@
-#include "platform/error/Error.h"
-#include "platform/files/Files.h"
+#include "base/Error.h"
+#include "base/Files.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestPdf.h"

@@ -1,6 +1,6 @@
 #include "tests/faults/Wholeness.h"
 
-#include "platform/pdf/Qpdf.h"
+#include "pdf/objects/Qpdf.h"
 
 #include <exception>
 

@@ -8,8 +8,8 @@
 // starts with the library of HOME and imports, uses and removes a stamp, over and over.
 
 #include "app/ContentWindow.h"
-#include "platform/error/Error.h"
-#include "platform/pdf/render/ProcessRenderer.h"
+#include "base/Error.h"
+#include "preview/ProcessRenderer.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/TestWorkspace.h"

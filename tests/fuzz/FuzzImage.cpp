@@ -1,6 +1,6 @@
 // A picture with any bytes in it, imported and put on a page.
 
-#include "platform/pdf/PDFContext.h"
+#include "pdf/PDFContext.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     MemoryConsumer consumer;
     const auto context = PDFContext::create(consumer);
-    context->beginPage({0, 0, 595, 842});
+    context->beginPage();
     context->drawPicture(context->addPicture(*image), {10, 10, points.width, points.height});
     context->endPage();
     context->close();

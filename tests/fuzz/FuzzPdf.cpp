@@ -1,8 +1,8 @@
 // A document with any bytes in it, opened, shown and written with a stamp on each page.
 
-#include "platform/error/Error.h"
-#include "platform/pdf/PDFContext.h"
-#include "platform/pdf/PageDrawing.h"
+#include "base/Error.h"
+#include "pdf/PDFContext.h"
+#include "pdf/PagePdf.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,7 +30,7 @@ QByteArray withStamps(const PDFDocument& document, qsizetype pageCount) {
         const Rect box = document.page(index)->bounds(DisplayBox::mediaBox);
         requireSoundBox(box);
         requireSoundBox(document.page(index)->bounds(DisplayBox::cropBox));
-        context->beginPage(box);
+        context->beginPage();
         context->drawPage(document, index, DisplayBox::mediaBox);
         context->drawPicture(picture, {box.x, box.y, 30, 20});
         context->endPage();
@@ -65,6 +65,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!written || written->pageCount() != pageCount)
         std::abort();
     if (pageCount > 0)
-        makePageDrawing(*document, 0);
+        makePagePdf(*document, 0);
     return 0;
 }

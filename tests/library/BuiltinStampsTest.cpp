@@ -159,10 +159,10 @@ TEST(BuiltinStampsTest, APictureThatIsDrawnOtherwiseThanBeforeIsShownAnew) {
     const QByteArray drawn = readFile(picture);
     const auto versionWhenAtRest = [&] {
         const auto library = workspace.makeLibrary();
-        const QString before = library->pictureSource(preset).version;
+        const QString before = library->deferredPicture(preset).version;
         EXPECT_TRUE(library->image(preset));
         settle();
-        return std::pair(before, library->pictureSource(preset).version);
+        return std::pair(before, library->deferredPicture(preset).version);
     };
     QFile::remove(picture);
     const auto [made, unchanged] = versionWhenAtRest();

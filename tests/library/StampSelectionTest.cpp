@@ -1,5 +1,5 @@
+#include "base/Text.h"
 #include "library/StampLibrary.h"
-#include "platform/text/Identifiers.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"

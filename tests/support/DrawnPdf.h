@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/pdf/PDFContext.h"
-#include "platform/pdf/Qpdf.h"
+#include "pdf/PDFContext.h"
+#include "pdf/objects/Qpdf.h"
 #include "tests/support/TestPdf.h"
 
 #include <string>
@@ -39,7 +39,7 @@ inline QByteArray drawFirstPage(const PdfBuilder& source) {
     MemoryConsumer consumer;
     const auto context = PDFContext::create(consumer);
     const auto document = source.document();
-    context->beginPage(document->page(0)->bounds(DisplayBox::mediaBox));
+    context->beginPage();
     context->drawPage(*document, 0, DisplayBox::mediaBox);
     context->endPage();
     context->close();

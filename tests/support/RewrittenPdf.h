@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pdf/Qpdf.h"
+#include "pdf/objects/Qpdf.h"
 
 #include <functional>
 

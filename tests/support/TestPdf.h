@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pdf/PDFDocument.h"
+#include "pdf/PDFDocument.h"
 
 #include <memory>
 #include <string>

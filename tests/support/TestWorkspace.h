@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/FilePanels.h"
 #include "library/StampLibrary.h"
-#include "platform/panels/FilePanels.h"
 
 #include <memory>
 

@@ -114,11 +114,11 @@ TEST(ThumbnailsTest, APictureThatIsBeingLoadedIsNotLoadedAgain) {
     QSemaphore mayGoOn;
     {
         Thumbnails thumbnails(nullptr);
-        const PictureSource source{QStringLiteral("version"), [&]() -> std::optional<Image> {
-                                       ++loads;
-                                       mayGoOn.acquire();
-                                       return Image(plainImage(40, 20, Qt::red));
-                                   }};
+        const DeferredPicture source{QStringLiteral("version"), [&]() -> std::optional<Image> {
+                                         ++loads;
+                                         mayGoOn.acquire();
+                                         return Image(plainImage(40, 20, Qt::red));
+                                     }};
         const auto state = [&] { return thumbnails.thumbnail(source, {20, 20}).state; };
         EXPECT_EQ(state(), Thumbnails::State::loading);
         EXPECT_TRUE(QTest::qWaitFor([&] { return loads > 0; }));

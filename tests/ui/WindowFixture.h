@@ -48,7 +48,7 @@ protected:
                 calls.append(QString::fromLatin1(what) + p.displayName);
             };
         };
-        const auto pictureOf = [this](const StampPreset& preset) -> PictureSource {
+        const auto pictureOf = [this](const StampPreset& preset) -> DeferredPicture {
             return {preset.id.toString(), [this]() -> std::optional<Image> {
                         ++decodes;
                         return isPictureReadable ? std::optional(Image(plainImage(40, 20, Qt::red)))
@@ -57,7 +57,7 @@ protected:
         };
         result.sidebar = {note("select "), note("insert "), note("delete "), [] {}, pictureOf};
         result.onDropTargeted = [](bool) {};
-        result.onDrop = [](const ItemProviders&) { return true; };
+        result.onDrop = [](const QList<QUrl>&) { return true; };
         return result;
     }
 

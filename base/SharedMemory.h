@@ -1,0 +1,29 @@
+#pragma once
+
+#include "base/FileDescriptor.h"
+
+#include <cstddef>
+
+namespace vellmora {
+
+/// A stretch of memory that can be handed to another process as a file descriptor. Its size is sealed: the
+/// other side cannot make it shrink under the reader's hands.
+class SharedMemory {
+public:
+    /// Not valid where the system gives no memory.
+    explicit SharedMemory(size_t size);
+    ~SharedMemory();
+    SharedMemory(const SharedMemory&) = delete;
+    SharedMemory& operator=(const SharedMemory&) = delete;
+
+    bool isValid() const { return m_bytes != nullptr; }
+    int descriptor() const { return m_file.get(); }
+    unsigned char* bytes() { return m_bytes; }
+
+private:
+    FileDescriptor m_file;
+    size_t m_size;
+    unsigned char* m_bytes = nullptr;
+};
+
+}  // namespace vellmora

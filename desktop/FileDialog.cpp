@@ -1,0 +1,138 @@
+#include "desktop/FileDialog.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCompleter>
+#include <QDir>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QToolTip>
+
+namespace vellmora {
+
+static QString nameFilter(ContentType type) {
+    switch (type) {
+        case ContentType::pdf:
+            return QStringLiteral("PDF-Dokumente (*.pdf *.PDF)");
+        case ContentType::png:
+            return QStringLiteral("PNG-Bilder (*.png *.PNG)");
+    }
+    return {};
+}
+
+static QString ending(ContentType type) {
+    return type == ContentType::pdf ? QStringLiteral(".pdf") : QStringLiteral(".png");
+}
+
+static QString refusal(ContentType type) {
+    return type == ContentType::pdf ? QStringLiteral("Nur PDF-Dateien werden unterstützt.")
+                                    : QStringLiteral("Nur PNG-Dateien werden unterstützt.");
+}
+
+std::optional<QUrl> FileDialog::run(const OpenPanel& panel, const QUrl& folder) {
+    setAcceptMode(QFileDialog::AcceptOpen);
+    setFileMode(QFileDialog::ExistingFile);
+    prepare(panel.title, panel.contentType, folder);
+    return run();
+}
+
+std::optional<QUrl> FileDialog::run(const SavePanel& panel, const QUrl& folder) {
+    setAcceptMode(QFileDialog::AcceptSave);
+    setFileMode(QFileDialog::AnyFile);
+    prepare(panel.title, panel.contentType, folder);
+    selectFile(panel.nameFieldStringValue);
+    return run();
+}
+
+std::optional<QUrl> FileDialog::run() {
+    auto url = choose();
+    leaveFolder();
+    return url;
+}
+
+/// Nothing of an earlier run is left: neither its name nor what was selected in a list.
+void FileDialog::prepare(const QString& title, ContentType type, const QUrl& folder) {
+    if (QWidget* window = QApplication::activeWindow(); window && window != parentWidget())
+        setParent(window, windowFlags());
+    setWindowTitle(title);
+    m_type = type;
+    setNameFilter(nameFilter(type));
+    setDirectoryUrl(folder);
+    for (auto* list : findChildren<QAbstractItemView*>())
+        list->clearSelection();
+    if (QLineEdit* field = nameField())
+        field->clear();
+}
+
+/// The desktop's dialog is gone before it can be told what it chose; where that will not do, it is shown
+/// again.
+std::optional<QUrl> FileDialog::choose() {
+    while (exec() == QDialog::Accepted) {
+        const QUrl url = selectedUrls().value(0);
+        if (url.isEmpty() || isOfType(url.fileName()))
+            return url.isEmpty() ? std::nullopt : std::optional(url);
+        if (acceptMode() == QFileDialog::AcceptOpen)
+            continue;
+        const QString path = url.toLocalFile() + ending(m_type);
+        if (!QFileInfo::exists(path))
+            return QUrl::fromLocalFile(path);
+        selectFile(path);  // The user has not been asked whether this one may be replaced.
+    }
+    return std::nullopt;
+}
+
+void FileDialog::accept() {
+    closeCompletions();
+    const QFileInfo chosen(selectedFiles().value(0));
+    if (isDesktops() || chosen.isDir() || isOfType(chosen.fileName()))
+        return QFileDialog::accept();
+    if (acceptMode() == QFileDialog::AcceptOpen && chosen.exists())
+        return refuse();
+    if (acceptMode() == QFileDialog::AcceptSave)
+        nameField()->setText(directory().relativeFilePath(chosen.filePath()) + ending(m_type));
+    QFileDialog::accept();
+}
+
+void FileDialog::done(int answer) {
+    closeCompletions();
+    QFileDialog::done(answer);
+}
+
+bool FileDialog::isOfType(const QString& fileName) const {
+    return fileName.endsWith(ending(m_type), Qt::CaseInsensitive);
+}
+
+void FileDialog::refuse() {
+    QLineEdit* field = nameField();
+    field->setFocus();
+    field->selectAll();
+    QToolTip::showText(field->mapToGlobal(QPoint(0, field->height() / 2)), refusal(m_type), field);
+}
+
+/// The list of completions is a window of its own, and a popup. Return accepts the dialog and leaves that
+/// list open. As long as a popup is open, Qt sends all keys and clicks there and overlooks that
+/// another window becomes active; so it must be closed before the dialog is.
+void FileDialog::closeCompletions() {
+    for (const auto* field : findChildren<QLineEdit*>()) {
+        if (field->completer())
+            field->completer()->popup()->hide();
+    }
+}
+
+/// Qt lists a folder anew at each change in it, also where nobody sees the dialog.
+void FileDialog::leaveFolder() {
+    if (auto* folder = findChild<QFileSystemModel*>())
+        folder->setRootPath({});
+}
+
+bool FileDialog::isDesktops() const {
+    return nameField() == nullptr;
+}
+
+/// None in the desktop's dialog.
+QLineEdit* FileDialog::nameField() const {
+    return findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+}
+
+}  // namespace vellmora

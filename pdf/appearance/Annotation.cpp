@@ -1,0 +1,65 @@
+#include "pdf/appearance/Annotation.h"
+
+#include <algorithm>
+
+namespace vellmora {
+
+namespace {
+
+// Annotation flags (ISO 32000-2, table 167).
+constexpr int hiddenFlag = 1 << 1;
+constexpr int noRotateFlag = 1 << 4;
+constexpr int noViewFlag = 1 << 5;
+
+}  // namespace
+
+Annotation::Annotation(const QPDFObjectHandle& dictionary) : m_dictionary(dictionary) {
+    QPDFObjectHandle subtype = entry("/Subtype");
+    if (subtype.isName())
+        m_subtype = subtype.getName();
+    m_rect = rectangleOf(entry("/Rect")).value_or(Rect{});
+    QPDFObjectHandle flags = entry("/F");
+    if (flags.isInteger())
+        m_flags = flags.getIntValue();
+}
+
+bool Annotation::isVisible() const {
+    return (m_flags & (hiddenFlag | noViewFlag)) == 0 && !is("/Popup") && !is("/Link");
+}
+
+bool Annotation::isUpright() const {
+    return (m_flags & noRotateFlag) != 0;
+}
+
+double Annotation::opacity() const {
+    return std::clamp(numberOr(entry("/CA"), 1), 0.0, 1.0);
+}
+
+double Annotation::borderWidth() const {
+    QPDFObjectHandle style = borderStyle();
+    if (style.isDictionary())
+        return std::max(0.0, numberOr(style.getKey("/W"), 1));
+    QPDFObjectHandle border = entry("/Border");
+    if (border.isArray() && border.getArrayNItems() >= 3)
+        return std::max(0.0, numberOr(border.getArrayItem(2), 1));
+    return 1;
+}
+
+std::vector<double> Annotation::borderDashes() const {
+    QPDFObjectHandle style = borderStyle();
+    std::vector<double> dashes;
+    if (style.isDictionary()) {
+        if (!style.getKey("/S").isNameAndEquals("/D"))
+            return {};
+        dashes = numbersOf(style.getKey("/D"));
+        if (dashes.empty())
+            dashes = {3};
+    } else if (QPDFObjectHandle border = entry("/Border"); border.isArray() && border.getArrayNItems() >= 4) {
+        dashes = numbersOf(border.getArrayItem(3));
+    }
+    const bool isUsable = std::all_of(dashes.begin(), dashes.end(), [](double dash) { return dash >= 0; }) &&
+                          std::any_of(dashes.begin(), dashes.end(), [](double dash) { return dash > 0; });
+    return isUsable ? dashes : std::vector<double>();
+}
+
+}  // namespace vellmora

@@ -1,0 +1,94 @@
+#include "preview/PageCache.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include <QPointer>
+
+namespace vellmora {
+
+PageCache::PageCache(PageRenderer& renderer) : m_renderer(renderer) {
+    connect(&m_drawings, &PagePdfQueue::ready, this, &PageCache::takeDrawing);
+}
+
+void PageCache::setDocument(const std::shared_ptr<const PDFDocument>& document) {
+    m_drawings.setDocument(document);
+    m_renderer.beginDocument();
+    m_pages.clear();
+    ++m_generation;
+}
+
+void PageCache::request(qsizetype pageIndex, const Wish& wish) {
+    Page& page = m_pages[pageIndex];
+    if (page.wanted == wish)
+        return;
+    page.wanted = wish;
+    if (page.drawing)
+        render(pageIndex, page);
+    else
+        m_drawings.request(pageIndex);
+}
+
+void PageCache::takeDrawing(qsizetype pageIndex, const QByteArray& drawing) {
+    const auto page = m_pages.find(pageIndex);
+    if (page == m_pages.end())
+        return;
+    page->drawing = drawing;
+    if (page->wanted != Wish())
+        render(pageIndex, *page);
+}
+
+void PageCache::render(qsizetype pageIndex, const Page& page) {
+    const auto deliver = [self = QPointer<PageCache>(this), pageIndex, wish = page.wanted,
+                          generation = m_generation](const QImage& image) {
+        if (self && self->m_generation == generation)
+            self->take(pageIndex, wish, image);
+    };
+    m_renderer.render({*page.drawing, page.wanted.fullSize, page.wanted.part}, deliver);
+}
+
+void PageCache::take(qsizetype pageIndex, const Wish& wish, const QImage& image) {
+    const auto page = m_pages.find(pageIndex);
+    if (page == m_pages.end() || page->wanted != wish)
+        return;
+    page->picture = {QPixmap::fromImage(image), wish, image.isNull(),
+                     image.isNull() && m_renderer.isBroken()};
+    keepWithinBudget();
+    Q_EMIT changed(pageIndex);
+}
+
+void PageCache::setCentre(qsizetype pageIndex) {
+    m_centre = pageIndex;
+    // The renderer may have dropped what was asked for ahead of time, or may have come back since: it is
+    // asked again.
+    const auto page = m_pages.find(pageIndex);
+    if (page != m_pages.end() && (page->picture.shows != page->wanted || page->picture.isRendererBroken))
+        page->wanted = {};
+    keepWithinBudget();
+}
+
+qint64 PageCache::bytesOf(const Page& page) {
+    const qint64 pixels = qint64{page.picture.pixmap.width()} * page.picture.pixmap.height();
+    return pixels * qint64{sizeof(QRgb)} + (page.drawing ? page.drawing->size() : 0);
+}
+
+void PageCache::keepWithinBudget() {
+    qint64 total = 0;
+    for (const Page& page : m_pages)
+        total += bytesOf(page);
+    while (total > budgetBytes) {
+        const auto distance = [this](const auto& page) { return std::abs(page.key() - m_centre); };
+        auto farthest = m_pages.begin();
+        for (auto page = m_pages.begin(); page != m_pages.end(); ++page) {
+            if (distance(page) > distance(farthest))
+                farthest = page;
+        }
+        // Its neighbours stay, since the view would ask for them again, and again.
+        if (distance(farthest) <= 1)
+            return;
+        total -= bytesOf(*farthest);
+        m_pages.erase(farthest);
+    }
+}
+
+}  // namespace vellmora

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "pdf/PDFDocument.h"
+#include "preview/PagePdfQueue.h"
+#include "preview/PageRenderer.h"
+
+#include <memory>
+#include <optional>
+
+#include <QHash>
+#include <QObject>
+#include <QPixmap>
+#include <QRect>
+
+namespace vellmora {
+
+/// The rendered pages of a document: the newest picture of each, as many as the memory budget allows, those
+/// nearest to the page on screen kept longest. That page and its neighbours are kept whatever they take.
+class PageCache : public QObject {
+    Q_OBJECT
+
+public:
+    /// What is wanted of a page: the whole page is `fullSize` pixels large, of which `part` is rendered.
+    struct Wish {
+        QSize fullSize;
+        QRect part;
+        bool operator==(const Wish&) const = default;
+    };
+    struct Picture {
+        QPixmap pixmap;  ///< null until a first picture is there, and where the page is unavailable
+        Wish shows;      ///< what the pixmap is a picture of
+        bool isUnavailable = false;
+        bool isRendererBroken = false;  ///< unavailable through no fault of the page
+    };
+
+    /// `renderer` must outlive the object.
+    explicit PageCache(PageRenderer& renderer);
+
+    /// Forgets all pictures.
+    void setDocument(const std::shared_ptr<const PDFDocument>& document);
+
+    /// The newest picture of a page; it may show another part or size than was asked for last.
+    Picture picture(qsizetype pageIndex) const { return m_pages.value(pageIndex).picture; }
+    /// Asks for a picture, unless it is there or on its way.
+    void request(qsizetype pageIndex, const Wish& wish);
+    /// The page around which pictures are kept.
+    void setCentre(qsizetype pageIndex);
+
+Q_SIGNALS:
+    void changed(qsizetype pageIndex);
+
+private:
+    struct Page {
+        std::optional<QByteArray> drawing;
+        Picture picture;
+        Wish wanted;
+    };
+    void takeDrawing(qsizetype pageIndex, const QByteArray& drawing);
+    void render(qsizetype pageIndex, const Page& page);
+    void take(qsizetype pageIndex, const Wish& wish, const QImage& image);
+    static qint64 bytesOf(const Page& page);
+    void keepWithinBudget();
+
+    static constexpr qint64 budgetBytes = qint64{160} << 20;
+
+    PageRenderer& m_renderer;
+    PagePdfQueue m_drawings;
+    QHash<qsizetype, Page> m_pages;
+    qsizetype m_centre = 0;
+    quint64 m_generation = 0;  ///< tells pictures of a document that is gone from those of this one
+};
+
+}  // namespace vellmora

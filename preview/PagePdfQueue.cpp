@@ -1,0 +1,51 @@
+#include "preview/PagePdfQueue.h"
+
+#include "pdf/PagePdf.h"
+
+#include <utility>
+
+namespace vellmora {
+
+PagePdfQueue::PagePdfQueue() {
+    m_thread.setMaxThreadCount(1);
+}
+
+PagePdfQueue::~PagePdfQueue() {
+    m_thread.waitForDone();
+}
+
+void PagePdfQueue::setDocument(const std::shared_ptr<const PDFDocument>& document) {
+    m_waiting.clear();
+    m_document = document;
+}
+
+void PagePdfQueue::request(qsizetype pageIndex) {
+    if (m_job == Job{m_document, pageIndex})
+        return;
+    std::erase(m_waiting, pageIndex);
+    if (m_waiting.size() >= maxWaiting)
+        m_waiting.erase(m_waiting.begin());
+    m_waiting.push_back(pageIndex);
+    drawNext();
+}
+
+void PagePdfQueue::drawNext() {
+    if (m_job || m_waiting.empty())
+        return;
+    m_job = Job{m_document, m_waiting.back()};
+    m_waiting.pop_back();
+    m_thread.start([this, job = *m_job] {
+        const QByteArray drawing = job.document ? makePagePdf(*job.document, job.pageIndex) : QByteArray();
+        QMetaObject::invokeMethod(
+            this, [this, job, drawing] { take(job, drawing); }, Qt::QueuedConnection);
+    });
+}
+
+void PagePdfQueue::take(const Job& job, const QByteArray& drawing) {
+    m_job.reset();
+    drawNext();
+    if (job.document == m_document)
+        Q_EMIT ready(job.pageIndex, drawing);
+}
+
+}  // namespace vellmora

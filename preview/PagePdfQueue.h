@@ -1,0 +1,51 @@
+#pragma once
+
+#include "pdf/PDFDocument.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QByteArray>
+#include <QObject>
+#include <QThreadPool>
+
+namespace vellmora {
+
+/// Makes the drawings of a document's pages on a thread of its own, so that nothing waits for a page that
+/// takes long.
+class PagePdfQueue : public QObject {
+    Q_OBJECT
+
+public:
+    PagePdfQueue();
+    /// Waits for the page that is being drawn.
+    ~PagePdfQueue() override;
+
+    /// Forgets all requests.
+    void setDocument(const std::shared_ptr<const PDFDocument>& document);
+    /// The newest request is served first, and one that many newer ones have overtaken is dropped.
+    void request(qsizetype pageIndex);
+
+Q_SIGNALS:
+    /// `drawing` as of `makePagePdf`: empty where the page cannot be drawn.
+    void ready(qsizetype pageIndex, const QByteArray& drawing);
+
+private:
+    struct Job {
+        std::shared_ptr<const PDFDocument> document;
+        qsizetype pageIndex = 0;
+        bool operator==(const Job&) const = default;
+    };
+    void drawNext();
+    void take(const Job& job, const QByteArray& drawing);
+
+    static constexpr size_t maxWaiting = 8;
+
+    std::shared_ptr<const PDFDocument> m_document;
+    std::vector<qsizetype> m_waiting;  ///< newest last
+    std::optional<Job> m_job;
+    QThreadPool m_thread;
+};
+
+}  // namespace vellmora

@@ -1,0 +1,154 @@
+#include "preview/ProcessRenderer.h"
+
+#include <cstring>
+#include <utility>
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace vellmora {
+
+ProcessRenderer::ProcessRenderer(QString program, std::chrono::milliseconds timeLimit)
+    : m_supply(std::move(program)) {
+    m_limit.setSingleShot(true);
+    m_limit.setInterval(timeLimit);
+    connect(&m_limit, &QTimer::timeout, this, &ProcessRenderer::giveUp);
+    connect(&m_supply, &RendererSupply::ready, this, &ProcessRenderer::startClock);
+    connect(&m_supply, &RendererSupply::answered, this, &ProcessRenderer::takeAnswer);
+    connect(&m_supply, &RendererSupply::ended, this, &ProcessRenderer::processEnded);
+}
+
+ProcessRenderer::~ProcessRenderer() = default;
+
+QString ProcessRenderer::installedProgram() {
+    const QString folder = QCoreApplication::applicationDirPath();
+    const QString name = QStringLiteral("/vellmora-render");
+    const QString inBuildTree = folder + QStringLiteral("/libexec/vellmora") + name;
+    return QFileInfo::exists(inBuildTree) ? inBuildTree
+                                          : folder + QStringLiteral("/" VELLMORA_RENDERER_DIR) + name;
+}
+
+void ProcessRenderer::beginDocument() {
+    m_waiting.clear();
+    if (m_job)
+        takeJob();
+    m_refused.clear();
+    m_supply.changeProcess();
+}
+
+void ProcessRenderer::render(const PageRenderRequest& request, Completion completion) {
+    if (m_waiting.size() >= maxWaiting)
+        m_waiting.pop_front();
+    m_waiting.push_back({request, std::move(completion), false});
+    QMetaObject::invokeMethod(this, &ProcessRenderer::serveNewest, Qt::QueuedConnection);
+}
+
+/// Puts off a page that takes long, for newer ones; it has its full time when they are done.
+void ProcessRenderer::serveNewest() {
+    if (m_job && m_supply.isReady() && m_job->age.hasExpired(patience.count()) && !m_waiting.empty()) {
+        m_waiting.push_front(takeJob());
+        m_supply.end();
+    }
+    serveNext();
+}
+
+void ProcessRenderer::serveNext() {
+    while (!m_job && !m_waiting.empty()) {
+        Waiting work = std::move(m_waiting.back());
+        m_waiting.pop_back();
+        const Completion completion = work.completion;
+        if (!begin(std::move(work)))
+            completion({});
+    }
+}
+
+/// Where nothing can be rendered, asking for the same page again is no reason for another try.
+bool ProcessRenderer::isHopeless(const PageRenderRequest& request) const {
+    return isBroken() && request.drawing == m_refused;
+}
+
+bool ProcessRenderer::begin(Waiting work) {
+    const QSize page = work.request.pixelSize;
+    const QRect part = work.request.part;
+    const qint64 pixelCount = qint64(part.width()) * part.height();
+    if (part.isEmpty() || !QRect(QPoint(0, 0), page).contains(part) || pixelCount > maxRenderedPixels ||
+        work.request.drawing.isEmpty() || isHopeless(work.request))
+        return false;
+    const auto drawingSize = static_cast<size_t>(work.request.drawing.size());
+    SharedMemory drawing(drawingSize);
+    auto pixels = std::make_unique<SharedMemory>(static_cast<size_t>(pixelCount) * sizeof(QRgb));
+    if (!drawing.isValid() || !pixels->isValid())
+        return false;
+    std::memcpy(drawing.bytes(), work.request.drawing.constData(), drawingSize);
+    const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
+                                       part.y(),    part.width(), part.height()};
+    if (!m_supply.send(message, drawing.descriptor(), pixels->descriptor())) {
+        m_refused = work.request.drawing;
+        return false;
+    }
+    m_job = Job{std::move(work), std::move(pixels), {}};
+    startClock();
+    return true;
+}
+
+/// A page has its full time from the moment when its process is ready.
+void ProcessRenderer::startClock() {
+    if (!m_job)
+        return;
+    m_job->age.start();
+    m_limit.start();
+}
+
+ProcessRenderer::Waiting ProcessRenderer::takeJob() {
+    m_limit.stop();
+    Waiting work = std::move(m_job->work);
+    m_job.reset();
+    return work;
+}
+
+void ProcessRenderer::takeAnswer(bool isRendered) {
+    if (!m_job)
+        return m_supply.end();
+    QImage image;
+    if (isRendered) {
+        const QSize size = m_job->work.request.part.size();
+        const qsizetype rowLength = qsizetype{size.width()} * qsizetype{sizeof(QRgb)};
+        // A copy: the other process could still write to the memory.
+        image = QImage(m_job->pixels->bytes(), size.width(), size.height(), rowLength, QImage::Format_RGB32)
+                    .copy();
+    }
+    finish(image);
+}
+
+/// The process may have been dying before it was given the page, so the page is tried once more; with one
+/// that never became ready the page has nothing to do.
+void ProcessRenderer::processEnded(bool wasReady) {
+    if (!m_job)
+        return;
+    if (wasReady ? m_job->work.isSecondTry : isBroken())
+        return giveUp();
+    Waiting again = takeJob();
+    again.isSecondTry = again.isSecondTry || wasReady;
+    m_waiting.push_back(std::move(again));
+    serveNext();
+}
+
+/// The page cannot be had: it takes too long, or broke two processes, or no process starts.
+void ProcessRenderer::giveUp() {
+    m_supply.endFailed();
+    if (!m_job)
+        return;
+    if (isBroken())
+        m_refused = m_job->work.request.drawing;
+    finish({});
+}
+
+void ProcessRenderer::finish(const QImage& image) {
+    const Waiting work = takeJob();
+    if (!image.isNull())
+        QMetaObject::invokeMethod(&m_supply, &RendererSupply::prepareSpare, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &ProcessRenderer::serveNext, Qt::QueuedConnection);
+    work.completion(image);
+}
+
+}  // namespace vellmora

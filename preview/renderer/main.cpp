@@ -1,0 +1,68 @@
+// The renderer process: gets drawings of pages from the program and puts their pixels into shared memory. It
+// trusts nothing that it is given, and the program trusts nothing that comes back.
+
+#include "confinement/Confinement.h"
+#include "preview/RenderMessages.h"
+#include "preview/renderer/PageEngine.h"
+
+#include <optional>
+#include <sys/mman.h>
+#include <sys/socket.h>
+
+#include <QCoreApplication>
+
+using namespace vellmora;
+
+namespace {
+
+bool serve(PageEngine& engine, const ReceivedRenderRequest& request) {
+    const size_t drawingSize = request.message.drawingSize;
+    const QRect part(request.message.x, request.message.y, request.message.width, request.message.height);
+    const QSize size = part.size();
+    const auto pixelBytes =
+        static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) * sizeof(QRgb);
+    void* drawing = ::mmap(nullptr, drawingSize, PROT_READ, MAP_SHARED, request.drawing.get(), 0);
+    void* pixels = ::mmap(nullptr, pixelBytes, PROT_READ | PROT_WRITE, MAP_SHARED, request.pixels.get(), 0);
+    bool isRendered = false;
+    if (drawing != MAP_FAILED && pixels != MAP_FAILED) {
+        QImage target(static_cast<uchar*>(pixels), size.width(), size.height(), QImage::Format_RGB32);
+        const auto length = static_cast<qsizetype>(drawingSize);
+        isRendered =
+            engine.render(QByteArray::fromRawData(static_cast<const char*>(drawing), length),
+                          QSize(request.message.pageWidth, request.message.pageHeight), part, target);
+    }
+    if (drawing != MAP_FAILED)
+        ::munmap(drawing, drawingSize);
+    if (pixels != MAP_FAILED)
+        ::munmap(pixels, pixelBytes);
+    return isRendered;
+}
+
+bool answer(RenderReply content) {
+    const RenderReplyMessage message{static_cast<std::uint32_t>(content)};
+    return ::send(rendererSocket, &message, sizeof message, MSG_NOSIGNAL) == sizeof message;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!leaveDescriptors(rendererSocket))
+        return 1;
+    const QCoreApplication app(argc, argv);
+    PageEngine engine;
+    ConfinementPolicy policy;
+    policy.readableFolders = {"/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/X11/fonts",
+                              "/usr/share/ghostscript/fonts"};
+    policy.prepare = [&] { engine.findFonts(); };
+    if (!confineProcess(policy))
+        return 1;
+    bool isHeard = answer(RenderReply::ready);
+    while (isHeard) {
+        const std::optional<ReceivedRenderRequest> request = receiveRenderRequest(rendererSocket);
+        if (!request)
+            break;
+        isHeard = answer(serve(engine, *request) ? RenderReply::rendered : RenderReply::notRendered);
+    }
+    // Without destructors: they might call what is not permitted any more.
+    ::_exit(0);
+}

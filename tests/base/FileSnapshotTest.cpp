@@ -1,0 +1,137 @@
+#include "base/Error.h"
+#include "base/FileSnapshot.h"
+#include "pdf/PDFContext.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestImages.h"
+#include "tests/support/TestPdf.h"
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+constexpr qint64 megabyte = 1 << 20;
+/// So large that it is not read before the test has gone on.
+constexpr qint64 hugeSize = 2048 * megabyte;
+
+class FileSnapshotTest : public testing::Test {
+protected:
+    QTemporaryDir folder;
+    QString path = folder.filePath(QStringLiteral("datei.pdf"));
+};
+
+/// A page, and after it streams of these lengths, one of which is its content. They are holes, which take no
+/// room on the disk.
+void writePdf(const QString& path, const std::vector<qint64>& streams, size_t content) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    QByteArray places;
+    const auto add = [&](const QByteArray& object) {
+        places += QByteArray::number(file.pos()).rightJustified(10, '0') + " 00000 n \n";
+        file.write(object);
+    };
+    constexpr size_t firstStream = 4;
+    file.write("%PDF-1.7\n");
+    add("1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n");
+    add("2 0 obj <</Type/Pages/Kids[3 0 R]/Count 1>> endobj\n");
+    add("3 0 obj <</Type/Page/MediaBox[0 0 9 9]/Contents " + QByteArray::number(firstStream + content) +
+        " 0 R>> endobj\n");
+    for (size_t i = 0; i < streams.size(); ++i) {
+        add(QByteArray::number(firstStream + i) + " 0 obj <</Filter/FlateDecode/Length " +
+            QByteArray::number(streams[i]) + ">> stream\n");
+        file.seek(file.pos() + streams[i]);
+        file.write("\nendstream endobj\n");
+    }
+    const QByteArray start = QByteArray::number(file.pos());
+    const QByteArray size = QByteArray::number(firstStream + streams.size());
+    file.write("xref\n0 " + size + "\n0000000000 65535 f \n" + places + "trailer <</Root 1 0 R/Size " + size +
+               ">>\nstartxref\n" + start + "\n%%EOF\n");
+}
+
+}  // namespace
+
+TEST_F(FileSnapshotTest, ManyReadersGetTheSameBytesInAnyOrder) {
+    QByteArray bytes(40 * megabyte + 17, Qt::Uninitialized);
+    for (qsizetype i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 31 / 7);
+    writeFile(path, bytes);
+    const auto content = FileSnapshot::open(path);
+    ASSERT_EQ(content->size(), static_cast<size_t>(bytes.size()));
+    std::atomic<int> wrong = 0;
+    std::vector<std::jthread> readers;
+    for (const size_t step : {size_t{1} << 20, size_t{777777}, size_t{3} << 20}) {
+        readers.emplace_back([&, step] {
+            for (size_t end = content->size(); end > step; end -= step) {
+                const std::string_view part = content->range(end - step, step);
+                wrong += std::string_view(bytes.constData() + (end - step), step) == part ? 0 : 1;
+            }
+        });
+    }
+    readers.clear();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_TRUE(content->all() == std::string_view(bytes.constData(), content->size()));
+    content->requireReadable();
+}
+
+TEST_F(FileSnapshotTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
+    const QByteArray bytes(8 * megabyte, 'x');
+    writeFile(path, bytes);
+    const auto content = FileSnapshot::open(path);
+    content->all();
+    QFile::resize(path, 0);
+    EXPECT_TRUE(content->all() == std::string_view(bytes.constData(), content->size()));
+}
+
+TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
+    const QByteArray bytes(8 * megabyte, 'x');
+    const auto isWholeAfter = [&](const auto& whatOthersDo) {
+        writeFile(path, bytes);
+        const auto content = FileSnapshot::open(path);
+        content->range(0, 100);
+        whatOthersDo();
+        try {
+            content->requireWhole();
+            return true;
+        } catch (const Error& error) {
+            EXPECT_TRUE(error.reason().startsWith(QStringLiteral("Die Datei wurde geändert, während ")));
+            return false;
+        }
+    };
+    const auto overwrite = [&](qint64 place, const QByteArray& with) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadWrite) && file.seek(place));
+        file.write(with);
+    };
+    EXPECT_FALSE(isWholeAfter([&] { overwrite(0, "y"); })) << "of the same size, where it was read before";
+    EXPECT_TRUE(isWholeAfter([&] { overwrite(bytes.size() - 1, "y"); })) << "all of it is the new version";
+    EXPECT_FALSE(isWholeAfter([&] { overwrite(bytes.size(), "y"); }));
+    EXPECT_FALSE(isWholeAfter([&] { QFile::resize(path, megabyte); }));
+    EXPECT_TRUE(isWholeAfter([&] { overwrite(0, "x"); })) << "it holds the same";
+    EXPECT_TRUE(isWholeAfter([&] { QFile::setPermissions(path, QFileDevice::ReadOwner); }));
+    EXPECT_TRUE(isWholeAfter([&] { QFile::remove(path); }));
+}
+
+TEST_F(FileSnapshotTest, WhatWasCutOffBeforeItWasReadIsAnErrorAndNeverSaved) {
+    const auto expectNoSave = [&](const std::vector<qint64>& streams, size_t content) {
+        writePdf(path, streams, content);
+        const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+        ASSERT_TRUE(document);
+        QFile::resize(path, megabyte);
+        MemoryConsumer consumer;
+        const auto context = PDFContext::create(consumer);
+        context->beginPage();
+        context->drawPage(*document, 0, DisplayBox::mediaBox);
+        context->endPage();
+        EXPECT_THROW(context->close(), Error);
+    };
+    expectNoSave({hugeSize}, 0);
+    expectNoSave({hugeSize, 100, megabyte},
+                 1);  // what was the content looks like an object that is not there
+}

@@ -1,0 +1,109 @@
+#include "base/Error.h"
+#include "base/FileVersions.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/TestPdf.h"
+
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+using Held = FileVersions::Held;
+
+QByteArray bytesFrom(int seed, qsizetype size) {
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>((i + seed) * 31 / 7);
+    return bytes;
+}
+
+ContentDigest digestOf(const QByteArray& bytes, size_t piece) {
+    ContentDigest digest;
+    const std::string_view all(bytes.constData(), static_cast<size_t>(bytes.size()));
+    for (size_t at = 0; at < all.size(); at += piece)
+        digest.add(all.substr(at, piece));
+    return digest;
+}
+
+/// As a program may do that knows better: the file looks as if it had not been touched.
+void overwriteUnseen(const QString& path, const QByteArray& bytes) {
+    struct stat before {};
+    ASSERT_EQ(::stat(qPrintable(path), &before), 0);
+    writeFile(path, bytes);
+    const std::array<timespec, 2> times{before.st_atim, before.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, qPrintable(path), times.data(), 0), 0);
+}
+
+class FileVersionsTest : public testing::Test {
+protected:
+    QTemporaryDir folder;
+    QString path = folder.filePath(QStringLiteral("Vertrag.pdf"));
+};
+
+}  // namespace
+
+TEST(ContentDigestTest, DependsOnEveryByteAndNotOnThePieces) {
+    const QByteArray bytes = bytesFrom(1, 100000);
+    const ContentDigest digest = digestOf(bytes, 100000);
+    for (const size_t piece : {1U, 7U, 4096U, 16384U, 16385U, 70000U})
+        EXPECT_TRUE(digestOf(bytes, piece) == digest) << piece;
+    for (const qsizetype place : {0, 16383, 16384, 98303, 98304, 99999}) {
+        QByteArray other = bytes;
+        other[place] = static_cast<char>(other[place] ^ 1);
+        EXPECT_FALSE(digestOf(other, 4096) == digest) << place;
+    }
+    EXPECT_FALSE(digestOf(bytes.chopped(1), 4096) == digest);
+    EXPECT_FALSE(digestOf(bytes + '\0', 4096) == digest);
+}
+
+TEST_F(FileVersionsTest, TellsByContentWhoseAFileIs) {
+    const QByteArray opened = bytesFrom(1, 700000);
+    writeFile(path, opened);
+    FileVersions versions(FileSnapshot::open(path));
+    EXPECT_EQ(versions.heldBy(path), Held::opened);
+    QFile::remove(path);
+    EXPECT_EQ(versions.heldBy(path), Held::nothing);
+    writeFile(path, opened);
+    EXPECT_EQ(versions.heldBy(path), Held::opened) << "another file of the same content";
+
+    QByteArray other = opened;
+    other[699999] = static_cast<char>(other[699999] ^ 1);
+    overwriteUnseen(path, other);
+    EXPECT_EQ(versions.heldBy(path), Held::foreign);
+    for (const QByteArray& bytes : {opened.chopped(1), opened + "x", QByteArray()}) {
+        writeFile(path, bytes);
+        EXPECT_EQ(versions.heldBy(path), Held::foreign) << bytes.size();
+    }
+    EXPECT_EQ(FileVersions().heldBy(path), Held::foreign);
+}
+
+TEST_F(FileVersionsTest, KnowsWhatWasWrittenAndWhatMayHaveBeen) {
+    const QByteArray first = bytesFrom(2, 300000);
+    const QByteArray second = bytesFrom(3, 300000);
+    FileVersions versions;
+    const auto whose = [&](const QByteArray& bytes) {
+        writeFile(path, bytes);
+        return versions.heldBy(path);
+    };
+    versions.expect(digestOf(first, 4096));
+    EXPECT_EQ(whose(first), Held::written) << "its name may be on the disk already";
+    versions.confirm();
+    EXPECT_EQ(whose(first), Held::written);
+    EXPECT_EQ(whose(second), Held::foreign);
+    versions.expect(digestOf(second, 4096));
+    EXPECT_EQ(whose(first), Held::written);
+    EXPECT_EQ(whose(second), Held::written);
+    versions.confirm();
+    EXPECT_EQ(whose(first), Held::foreign) << "somebody brought an earlier version back";
+}
+
+TEST_F(FileVersionsTest, WhatCannotBeReadIsNobodysWordForIt) {
+    EXPECT_THROW(FileVersions().heldBy(folder.path()), Error);
+}

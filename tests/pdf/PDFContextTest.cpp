@@ -1,0 +1,303 @@
+#include "base/Error.h"
+#include "pdf/PDFContext.h"
+#include "pdf/PagePdf.h"
+#include "pdf/objects/ContentText.h"
+#include "pdf/objects/DeflateStream.h"
+#include "tests/support/DrawnPdf.h"
+#include "tests/support/GTestQt.h"
+#include "tests/support/GermanNumbers.h"
+#include "tests/support/TestImages.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <new>
+#include <sys/resource.h>
+
+using namespace vellmora;
+using namespace vellmora::test;
+
+namespace {
+
+/// Fails as a full disk does.
+class FailingConsumer : public PDFDataConsumer {
+public:
+    void write(const char*, qint64) override { throw Error(Error::posixDomain, 28, QStringLiteral("voll")); }
+    void finish() override {}
+};
+
+}  // namespace
+
+TEST(PDFContextTest, WritesNumbersWithoutExponents) {
+    EXPECT_EQ(pdfNumber(0.1), "0.1");
+    EXPECT_EQ(pdfNumber(1e-9), "0");
+    EXPECT_EQ(pdfNumber(-0.0000001), "0");
+    EXPECT_EQ(pdfNumber(1200), "1200");
+    EXPECT_EQ(pdfNumber(123456789.125), "123456789.125");
+}
+
+TEST(PDFContextTest, WritesNoNumberThatReadersCannotTake) {
+    EXPECT_EQ(pdfNumber(9.3e18), "2147483647");
+    EXPECT_EQ(pdfNumber(-1e300), "-2147483647");
+    EXPECT_EQ(pdfNumber(std::nan("")), "0");
+    PdfBuilder source;
+    source
+        .page(
+            "/MediaBox [0 0 9300000000000000000.0 100] /Annots [<< /Subtype /Square /C [1 0 0] /Rect [0 0 "
+            "99999999999999999999.0 50] >>]")
+        .page();
+    const auto written = PDFDocument::fromData(drawFirstPage(source));
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->pageCount(), 1);
+    EXPECT_EQ(written->page(0)->bounds(DisplayBox::mediaBox), (Rect{0, 0, 2147483647, 100}));
+}
+
+TEST(PDFContextTest, ReadsAndWritesFractionsWhereTheLocaleHasADecimalComma) {
+    const GermanNumbers numbers;
+    if (!numbers.areInUse())
+        GTEST_SKIP() << "no German locale is installed, nor the means to make one";
+    PdfBuilder source;
+    source
+        .page(
+            "/MediaBox [0 0 595.75 +841.5] /Annots [<< /Subtype /Stamp /Rect [.5 0 1.5 1] /AP << /N 1000 0 R "
+            ">> "
+            ">> << /Subtype /FreeText /Rect [0 0 90 90] /DA (/F 9.5 Tf) /Contents (a) >>]")
+        .stream("/Subtype /Form /BBox [0 0 0.5 0.5]", "");
+    Output output(drawFirstPage(source));
+    EXPECT_EQ(output.page().getKey("/MediaBox").unparse(), "[ 0 0 595.75 841.5 ]");
+    EXPECT_NE(output.pageContent().find("q 2 0 0 2 0.5 0 cm /A0 Do Q"), std::string::npos)
+        << output.pageContent();
+    EXPECT_NE(output.contentOf("/A1").find("/F0 9.5 Tf"), std::string::npos);
+}
+
+TEST(PDFContextTest, CarriesASingleContentStreamOverByteForByte) {
+    // Not valid Flate data: what is damaged is carried over too.
+    PdfBuilder source;
+    source.page("/Contents 1000 0 R")
+        .stream("/Filter /FlateDecode",
+                "x\x9c"
+                "damaged");
+    Output output(drawFirstPage(source));
+    QPDFObjectHandle form = output.drawn("/P");
+    EXPECT_EQ(text(form.getRawStreamData()),
+              "x\x9c"
+              "damaged");
+    EXPECT_TRUE(form.getDict().getKey("/Filter").isNameAndEquals("/FlateDecode"));
+}
+
+TEST(PDFContextTest, JoinsSeveralContentStreamsWithoutGluingTheirTokens) {
+    PdfBuilder source;
+    source.page("/Contents [1000 0 R 1001 0 R (odd) 1002 0 R]")
+        .stream("", "q")
+        .stream("", "1 0 0 rg")
+        .stream("", "Q");
+    Output output(drawFirstPage(source));
+    EXPECT_EQ(output.contentOf("/P"), "q\n1 0 0 rg\nQ\n");
+}
+
+TEST(PDFContextTest, CarriesValuesOfEveryKind) {
+    const std::string values =
+        R"([ / 5 /A#20B#2f (a\)b\\) <00ff> -1.50 .5 true null << / << /B [ ] >> /C#23 / >> () [ / / ] ])";
+    PdfBuilder source;
+    source.page("/Group << /S /Transparency /Values " + values + " >>");
+    Output output(drawFirstPage(source));
+    EXPECT_EQ(output.page().getKey("/Group").getKey("/Values").unparse(),
+              QPDFObjectHandle::parse(values).unparse());
+}
+
+TEST(PDFContextTest, CarriesNamesThatHaveNumberSigns) {
+    PdfBuilder source;
+    source.page("/Group << /A#2341 /C#23 /B#zz /x#ff!y >>");
+    Output output(drawFirstPage(source));
+    QPDFObjectHandle group = output.page().getKey("/Group");
+    EXPECT_TRUE(group.getKey("/A#41").isNameAndEquals("/C#")) << group.unparse();
+    EXPECT_TRUE(group.getKey(std::string("/B\0zz", 5)).isNameAndEquals("/x\xff!y"))
+        << "a stray sign stays one, which libqpdf keeps as a null character";
+}
+
+TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
+    PdfBuilder source;
+    source
+        .page(
+            "/Rotate 90 /UserUnit 2 /Group << /S /Transparency >> /MediaBox [10 20 300 400] /CropBox [20 30 "
+            "90 90] "
+            "/Metadata 1000 0 R /Annots [<< /Subtype /Link /Rect [0 0 9 9] >>] /AA << /O << /S /JavaScript "
+            ">> >> /StructParents 3 /Resources << /XObject << /I 1001 0 R >> >>",
+            "/I Do")
+        .stream("", "metadata")
+        .stream("/Subtype /Image /Metadata 1000 0 R /StructParent 7", "")
+        .catalog(
+            "/Outlines << >> /AcroForm << /Fields [] >> /OpenAction << /S /JavaScript /JS (x) >> /Names << "
+            ">> "
+            "/OCProperties << /OCGs [] /D << >> >> /OutputIntents [<< /S /GTS_PDFX >>] /Metadata 1000 0 R");
+    Output output(drawFirstPage(source));
+    QPDFObjectHandle page = output.page();
+    EXPECT_EQ(page.getKey("/Rotate").getIntValue(), 90);
+    EXPECT_EQ(page.getKey("/UserUnit").getIntValue(), 2);
+    EXPECT_TRUE(page.getKey("/Group").isDictionary());
+    EXPECT_EQ(page.getKey("/MediaBox").unparse(), "[ 10 20 300 400 ]");
+    for (const char* key : {"/CropBox", "/Annots", "/Metadata", "/AA", "/StructParents"})
+        EXPECT_FALSE(page.hasKey(key)) << key;
+    QPDFObjectHandle picture =
+        output.drawn("/P").getDict().getKey("/Resources").getKey("/XObject").getKey("/I").getDict();
+    EXPECT_EQ(picture.getKeys(), (std::set<std::string>{"/Length", "/Subtype"}));
+    EXPECT_EQ(output.root().getKeys(),
+              (std::set<std::string>{"/OCProperties", "/OutputIntents", "/Pages", "/Type"}));
+    EXPECT_FALSE(output.trailer().hasKey("/Info"));
+}
+
+TEST(PDFContextTest, StoresAPictureOnceAndItsAlphaOnlyWhereItIsNeeded) {
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    const auto opaque = context->addPicture(Image(plainImage(4, 2, QColor(255, 0, 0))));
+    const auto glassy = context->addPicture(Image(plainImage(4, 2, QColor(255, 0, 0, 100))));
+    context->beginPage();
+    context->drawPicture(opaque, {1, 2, 30, 40});
+    context->drawPicture(glassy, {1, 2, 30, 40});
+    context->drawPicture(opaque, {50, 2, 30, 40});
+    context->endPage();
+    context->close();
+    Output output(consumer.bytes());
+    EXPECT_FALSE(output.drawn("/S0").getDict().hasKey("/SMask"));
+    EXPECT_EQ(text(output.drawn("/S1").getDict().getKey("/SMask").getStreamData()),
+              std::string(8, char(100)));
+    EXPECT_EQ(output.pageContent(),
+              "q 30 0 0 40 1 2 cm /S0 Do Q\nq 30 0 0 40 1 2 cm /S1 Do Q\nq 30 0 0 40 50 2 cm /S0 Do Q\n");
+}
+
+TEST(PDFContextTest, SaysPlainlyWhatSomeReadersDoNotFollow) {
+    std::string profile(128, '\0');
+    profile.replace(16, 4, "RGB ").replace(36, 4, "acsp");
+    const std::string picture = "/Subtype /Image /Width 1 /Height 1 /BitsPerComponent 8 /ColorSpace ";
+    PdfBuilder source;
+    source.page("/Resources << /XObject << /I 1000 0 R /J 1001 0 R >> >>", "/I Do /J Do")
+        .stream(picture + "[/ICCBased 1002 0 R] /Filter 1004 0 R", "41>")
+        .stream(picture + "[/Indexed [/ICCBased 1003 0 R] 0 <00>]", "A")
+        .stream("/N 1", profile)
+        .stream("/N 1", profile.replace(16, 4, "GRAY"))
+        .object("/ASCIIHexDecode");
+    Output output(drawFirstPage(source));
+    QPDFObjectHandle pictures = output.drawn("/P").getDict().getKey("/Resources").getKey("/XObject");
+    QPDFObjectHandle first = pictures.getKey("/I").getDict();
+    EXPECT_TRUE(first.getKey("/ColorSpace").isNameAndEquals("/DeviceGray"))
+        << "an RGB profile for one component";
+    EXPECT_FALSE(first.getKey("/Filter").isIndirect());
+    EXPECT_TRUE(first.getKey("/Filter").isNameAndEquals("/ASCIIHexDecode"));
+    EXPECT_TRUE(pictures.getKey("/J").getDict().getKey("/ColorSpace").getArrayItem(1).isArray())
+        << "a sound one";
+}
+
+TEST(PDFContextTest, LeavesOutWhatOnlyOtherPagesUse) {
+    std::string resources = " /X#zz 1000 0 R";
+    for (int i = 0; i < 19; ++i)
+        resources += " /X" + std::to_string(i) + " 100" + std::to_string(i % 2) + " 0 R";
+    const std::string page = "/Resources << /XObject <<" + resources + " >> >>";
+    const auto drawnResources = [&](const std::string& content, const std::string& formEntries) {
+        PdfBuilder source;
+        source.page(page, content).stream("/Subtype /Image", "").stream("/Subtype /Form" + formEntries, "");
+        Output output(drawFirstPage(source));
+        return output.drawn("/P").getDict().getKey("/Resources").getKey("/XObject").getKeys();
+    };
+    EXPECT_EQ(drawnResources("/X2 Do (/X4)Tj/X#36 Do BI /W 1 ID /#\xff#1 EI", ""),
+              (std::set<std::string>{"/X2", "/X4", "/X6"}));
+    EXPECT_EQ(drawnResources("/X#zz Do", "").size(), 1U) << "no escape";
+    EXPECT_EQ(drawnResources("/X1 Do", "").size(), 20U) << "a form that draws with the page's resources";
+    EXPECT_EQ(drawnResources("/X1 Do", " /Resources << >>").size(), 1U);
+    PdfBuilder source;
+    source.page(page + " /Contents 1002 0 R").stream("", "").stream("", "").stream("/Filter /Odd", "?");
+    EXPECT_EQ(Output(drawFirstPage(source))
+                  .drawn("/P")
+                  .getDict()
+                  .getKey("/Resources")
+                  .getKey("/XObject")
+                  .getKeys()
+                  .size(),
+              20U)
+        << "content that only other readers may decode";
+}
+
+TEST(PDFContextTest, CarriesContentWithParametersThatTheLibraryDoesNotKnow) {
+    std::string fonts;
+    for (int i = 0; i < 13; ++i)
+        fonts += " /F" + std::to_string(i) + " << >>";
+    PdfBuilder source;
+    source.page("/Contents 1000 0 R /Resources << /Font <<" + fonts + " >> >>")
+        .stream("/Filter /FlateDecode /DecodeParms << /Predictor 15 /Colors 99999 /BitsPerComponent 32 >>",
+                "data");
+    Output output(drawFirstPage(source));
+    ASSERT_TRUE(output.drawn("/P").isStream());
+    EXPECT_EQ(text(output.drawn("/P").getRawStreamData()), "data");
+}
+
+TEST(PDFContextTest, JoinsDamagedContentAsFarAsOtherReadersGet) {
+    std::string packed =
+        deflated(filledRect("1 0 0", "0 0 9 9") + std::string(3000, '\n') + "lost at the end");
+    packed.resize(packed.size() - 8);
+    PdfBuilder source;
+    source.page("/Contents [1000 0 R 1001 0 R 1002 0 R]")
+        .stream("", "q")
+        .stream("/Filter /FlateDecode", packed)
+        .stream("/Filter /FlateDecode /DecodeParms << /Predictor 15 /Colors 99999 >>", deflated("0 g"));
+    Output output(drawFirstPage(source));
+    EXPECT_NE(output.contentOf("/P").find("1 0 0 rg 0 0 9 9 re f"), std::string::npos);
+    EXPECT_NE(output.contentOf("/P").find("0 g"), std::string::npos) << "odd parameters count as none";
+}
+
+TEST(PDFContextTest, NamesPagesOnWhichOtherReadersMayShowMore) {
+    const auto document = PdfBuilder()
+                              .page("/Contents [1000 0 R 1001 0 R]")
+                              .page("/Contents [1000 0 R 1002 0 R]")
+                              .page("/Contents [1000 0 R 1003 0 R]")
+                              .stream("", "q")
+                              .stream("/Filter /ASCIIHexDecode", "51>")
+                              .stream("/Filter /ASCIIHexDecode", "51 no digits >")
+                              .stream("/Filter /JBIG2Decode", "nobody takes this for content")
+                              .document();
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    for (qsizetype i = 0; i < document->pageCount(); ++i) {
+        context->beginPage();
+        context->drawPage(*document, i, DisplayBox::mediaBox);
+        context->endPage();
+    }
+    context->close();
+    EXPECT_EQ(context->incompletePages(), (QList<qsizetype>{1}));
+}
+
+// The sanitizers take more memory than the test leaves.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(PDFContextDeathTest, FailsForWantOfMemoryRatherThanCutContentShort) {
+    constexpr size_t length = 200 << 20;
+    const std::string packed = deflated(std::string(length, ' '));
+    PdfBuilder source;
+    source.page("/Contents [1000 0 R 1000 0 R]").stream("/Filter /FlateDecode", packed);
+    const auto drawWithLittleMemory = [&source] {
+        struct rlimit limit {};
+        ::getrlimit(RLIMIT_AS, &limit);
+        limit.rlim_cur = 2 * length;
+        ::setrlimit(RLIMIT_AS, &limit);
+        try {
+            drawFirstPage(source);
+        } catch (const std::bad_alloc&) {
+            std::exit(0);
+        }
+        std::exit(1);
+    };
+    EXPECT_EXIT(drawWithLittleMemory(), testing::ExitedWithCode(0), "");
+}
+#endif
+
+TEST(PDFContextTest, PassesTheConsumersErrorOn) {
+    FailingConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    context->beginPage();
+    context->endPage();
+    EXPECT_THROW(context->close(), Error);
+}
+
+TEST(PageDrawingTest, ShowsTheCropBoxOfTheTurnedPage) {
+    const auto document = PdfBuilder().page("/Rotate 90 /CropBox [10 20 110 220]").document();
+    Output output(makePagePdf(*document, 0));
+    EXPECT_EQ(output.page().getKey("/MediaBox").unparse(), "[ 10 20 110 220 ]");
+    EXPECT_EQ(output.page().getKey("/Rotate").getIntValue(), 90);
+    EXPECT_TRUE(makePagePdf(*document, 1).isEmpty());
+}
