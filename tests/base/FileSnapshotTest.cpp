@@ -92,6 +92,7 @@ TEST_F(FileSnapshotTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
 TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
     const QByteArray bytes(8 * megabyte, 'x');
     const auto isWholeAfter = [&](const auto& whatOthersDo) {
+        QFile::remove(path);
         writeFile(path, bytes);
         const auto content = FileSnapshot::open(path);
         content->range(0, 100);

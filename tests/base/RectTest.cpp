@@ -10,9 +10,9 @@ TEST(RectTest, IntegralContainsTheRectangleAndForgivesRoundingErrors) {
     EXPECT_EQ(integral({3.0000001, 4.9999999, 10, 10}), (Rect{3, 5, 10, 10}));
 }
 
-TEST(RectTest, TurnsTheYAxisAtTheToolkitsBorder) {
-    EXPECT_EQ(toToolkit({10, 20, 30, 40}, 100), QRectF(10, 40, 30, 40));
-    EXPECT_EQ(fromToolkit({10, 40}, 100), (Point{10, 60}));
+TEST(RectTest, TurnsTheYAxisAtQtsBorder) {
+    EXPECT_EQ(toQt({10, 20, 30, 40}, 100), QRectF(10, 40, 30, 40));
+    EXPECT_EQ(fromQt({10, 40}, 100), (Point{10, 60}));
 }
 
 TEST(RectTest, IntersectionOfApartRectanglesIsEmpty) {

@@ -138,6 +138,7 @@ TEST_F(LibraryFaultTest, MetadataThatCannotBeReadIsKeptBeforeItIsReplaced) {
         EXPECT_EQ(workspace.makeLibrary()->presets().size(), 5);
     }
     ASSERT_EQ(keptAside().size(), 1);
+    setMode(keptAside().first(), 0600);
     EXPECT_EQ(readFile(keptAside().first()), stored);
     EXPECT_EQ(decodePresets(readFile(workspace.metadataFile()))->size(), 5);
 }
