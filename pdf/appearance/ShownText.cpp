@@ -2,6 +2,7 @@
 
 #include "pdf/appearance/SimpleFont.h"
 #include "pdf/fonts/StreamText.h"
+#include "pdf/objects/DecodedBytes.h"
 
 #include <vector>
 

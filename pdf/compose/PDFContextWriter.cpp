@@ -14,7 +14,7 @@
 namespace vellmora {
 
 PDFContext::Writer::Writer(PDFDataConsumer& consumer)
-    : m_consumer(consumer), m_copier(m_output), m_appearances(m_copier) {
+    : m_consumer(consumer), m_copier(m_output), m_resources(m_copier), m_appearances(m_copier) {
     m_output.emptyPDF();
     m_pages = m_output.getRoot().getKey("/Pages");
 }
@@ -34,6 +34,7 @@ void PDFContext::Writer::drawPage(const ParsedFile& source, qsizetype index, Dis
     drawParts(source, page, box);
     if (source.bringBackObjects()) {
         m_copier.forgetStep();
+        m_resources.forget();
         m_page.content = begun.content;
         m_page.annotationCount = begun.annotationCount;
         m_page.isIncomplete = begun.isIncomplete;
@@ -94,7 +95,9 @@ void PDFContext::Writer::carryDocumentAttributes(const ParsedFile& source) {
 
 void PDFContext::Writer::drawContent(const ParsedPage& page) {
     const qsizetype index = m_kids.getArrayNItems();
-    paint("/P", makePageForm(m_copier, m_boxes, page, [this, index] { m_incompletePages.insert(index); }),
+    paint("/P",
+          makePageForm(m_copier, m_boxes, m_resources, page,
+                       [this, index] { m_incompletePages.insert(index); }),
           {});
 }
 

@@ -68,6 +68,7 @@ private:
     QPDF m_output;
     ObjectCopier m_copier;
     BoxArrays m_boxes;
+    PageResources m_resources;
     Appearances m_appearances;
     QPDFObjectHandle m_pages;
     QPDFObjectHandle m_kids = QPDFObjectHandle::newArray();

@@ -48,18 +48,16 @@ void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPD
 
 }  // namespace
 
-QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, const ParsedPage& page,
-                              std::function<void()> onIncomplete) {
+QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, PageResources& resources,
+                              const ParsedPage& page, std::function<void()> onIncomplete) {
     const Rect box = page.orientation.mediaBox().insetBy(-edgeAllowance);
     QPDFObjectHandle form = copier.output().newStream();
-    QPDFObjectHandle resources = resourcesInUse(page);
     provideContent(form, copier, contentStreamsOf(page), std::move(onIncomplete));
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
     dictionary.replaceKey("/BBox", boxes.of(box));
-    dictionary.replaceKey(
-        "/Resources", resources.isDictionary() ? copier.copy(resources) : QPDFObjectHandle::newDictionary());
+    dictionary.replaceKey("/Resources", resources.of(page));
     return form;
 }
 

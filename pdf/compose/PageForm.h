@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Rect.h"
+#include "pdf/compose/PageResources.h"
 #include "pdf/file/ParsedFile.h"
 #include "pdf/objects/PDFValues.h"
 #include "pdf/output/ObjectCopier.h"
@@ -29,7 +30,7 @@ private:
 /// it, even where its operators are not balanced. One content stream passes through as it is, still
 /// compressed and byte for byte, also where it is damaged; several are joined.
 /// `onIncomplete` is called, when the output is written, where some of it cannot be decoded for that.
-QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, const ParsedPage& page,
-                              std::function<void()> onIncomplete);
+QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, PageResources& resources,
+                              const ParsedPage& page, std::function<void()> onIncomplete);
 
 }  // namespace vellmora

@@ -1,14 +1,14 @@
 #include "pdf/compose/PageResources.h"
 
+#include "pdf/objects/DecodedBytes.h"
+
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <string_view>
-
-#include <qpdf/Pl_String.hh>
 
 namespace vellmora {
 
@@ -16,6 +16,8 @@ namespace {
 
 /// A page with no more pictures, forms and fonts than this is not worth the reading of its content.
 constexpr size_t usualCount = 12;
+/// Of a page, in bytes.
+constexpr size_t mostContent = size_t{64} << 20;
 
 constexpr std::array trimmedCategories{"/XObject", "/Font"};
 
@@ -57,20 +59,16 @@ void collectNames(const std::string& content, Names& names) {
     }
 }
 
-/// Nothing where the content cannot be decoded as a whole.
+/// Nothing where the content cannot be decoded as a whole, or is more than is worth it.
 std::optional<Names> namesInContent(const ParsedPage& page) {
+    size_t room = mostContent;
     Names names;
-    for (QPDFObjectHandle& stream : contentStreamsOf(page)) {
-        std::string content;
-        bool isDecoded = false;
-        Pl_String receiver("page content", nullptr, content);
-        try {
-            if (!stream.pipeStreamData(&receiver, &isDecoded, 0, qpdf_dl_specialized, true) || !isDecoded)
-                return std::nullopt;
-        } catch (const std::runtime_error&) {  // a filter that is given what it does not know
+    for (const QPDFObjectHandle& stream : contentStreamsOf(page)) {
+        const std::optional<std::string> content = decodedBytes(stream, room);
+        if (!content)
             return std::nullopt;
-        }
-        collectNames(content, names);
+        room -= content->size();
+        collectNames(*content, names);
     }
     return names;
 }
@@ -86,17 +84,34 @@ bool drawsWithPageResources(QPDFObjectHandle entry) {
 }
 
 /// The entries of a category that are named; nothing where one of them needs others that it does not name
-/// here.
+/// here. Takes time for the names, however many entries there are.
 std::optional<QPDFObjectHandle> entriesNamed(QPDFObjectHandle category, const Names& names) {
     QPDFObjectHandle kept = QPDFObjectHandle::newDictionary();
-    for (const auto& [name, entry] : category.ditems()) {
-        if (names.count(name) == 0)
+    for (const std::string& name : names) {
+        if (!category.hasKey(name))
             continue;
+        const QPDFObjectHandle entry = category.getKey(name);
         if (drawsWithPageResources(entry))
             return std::nullopt;
         kept.replaceKey(name, entry);
     }
     return kept;
+}
+
+/// Nothing where all of them may be needed.
+std::optional<QPDFObjectHandle> trimmedTo(const Names& names, QPDFObjectHandle resources) {
+    // Not a shallow copy, which has copies of all that stands in it.
+    QPDFObjectHandle trimmed = QPDFObjectHandle::newDictionary();
+    for (const auto& [key, value] : resources.ditems()) {
+        const bool isTrimmed =
+            std::find(trimmedCategories.begin(), trimmedCategories.end(), key) != trimmedCategories.end() &&
+            QPDFObjectHandle(value).isDictionary();
+        const auto kept = isTrimmed ? entriesNamed(value, names) : std::optional<QPDFObjectHandle>(value);
+        if (!kept)
+            return std::nullopt;
+        trimmed.replaceKey(key, *kept);
+    }
+    return trimmed;
 }
 
 size_t countOf(QPDFObjectHandle resources) {
@@ -125,26 +140,33 @@ std::vector<QPDFObjectHandle> contentStreamsOf(const ParsedPage& page) {
     return streams;
 }
 
-QPDFObjectHandle resourcesInUse(const ParsedPage& page) {
+QPDFObjectHandle PageResources::of(const ParsedPage& page) {
     QPDFObjectHandle resources = page.resources;
     if (resources.isNull())
         resources = page.outerResources;
-    if (!resources.isDictionary() || countOf(resources) <= usualCount)
-        return resources;
+    if (!resources.isDictionary())
+        return QPDFObjectHandle::newDictionary();
+    if (!m_last.isInitialized() || !resources.isSameObjectAs(m_last)) {
+        m_last = resources;
+        m_hasMany = countOf(resources) > usualCount;
+        m_copyOfLast = QPDFObjectHandle();
+    }
+    if (!m_hasMany)
+        return m_copier.copy(resources);
     const std::optional<Names> names = namesInContent(page);
     if (!names)
-        return resources;
-    QPDFObjectHandle trimmed = resources.shallowCopy();
-    for (const char* key : trimmedCategories) {
-        QPDFObjectHandle category = resources.getKey(key);
-        if (!category.isDictionary())
-            continue;
-        const auto kept = entriesNamed(category, *names);
-        if (!kept)
-            return resources;
-        trimmed.replaceKey(key, *kept);
+        return copyOfWhole();
+    const auto trimmed = trimmedTo(*names, resources);
+    return trimmed ? m_copier.copy(*trimmed) : copyOfWhole();
+}
+
+QPDFObjectHandle PageResources::copyOfWhole() {
+    if (!m_copyOfLast.isInitialized()) {
+        m_copyOfLast = m_copier.copy(m_last);
+        if (!m_copyOfLast.isIndirect())
+            m_copyOfLast = m_copier.output().makeIndirectObject(m_copyOfLast);
     }
-    return trimmed;
+    return m_copyOfLast;
 }
 
 }  // namespace vellmora

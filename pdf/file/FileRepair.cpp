@@ -97,7 +97,7 @@ private:
         return std::max(std::min(greatest + mostLost, greatestObjectNumber), greatest + 1);
     }
     std::map<size_t, QPDFObjectHandle> trailersByPosition(QPDF& file);
-    QPDFObjectHandle trailerAt(QPDF& file, size_t position);
+    QPDFObjectHandle trailerAt(QPDF& file, size_t position, size_t next);
     void addMembers(int container, size_t position, const QPDFObjectHandle& stream);
 
     QByteArray m_bytes;
@@ -115,9 +115,11 @@ void Repair::mendObjects() {
     applyMends(mendsOfGivenUpObjects(file, viewOf(m_bytes)), m_bytes.data());
 }
 
-/// Null where none can be parsed.
-QPDFObjectHandle Repair::trailerAt(QPDF& file, size_t position) {
-    QByteArray text = m_bytes.mid(static_cast<qsizetype>(position), longestTrailer);
+/// Null where none can be parsed. It ends before the next one, so that many of them are read in the time of
+/// one.
+QPDFObjectHandle Repair::trailerAt(QPDF& file, size_t position, size_t next) {
+    const auto length = std::min(static_cast<qsizetype>(next - position), longestTrailer);
+    QByteArray text = m_bytes.mid(static_cast<qsizetype>(position), length);
     applyMends(mendsOfObject(viewOf(text), 0), text.data());
     try {
         return QPDFObjectHandle::parse(&file, leadingDictionary(text.toStdString()));
@@ -128,8 +130,12 @@ QPDFObjectHandle Repair::trailerAt(QPDF& file, size_t position) {
 
 std::map<size_t, QPDFObjectHandle> Repair::trailersByPosition(QPDF& file) {
     std::map<size_t, QPDFObjectHandle> trailers;
-    for (const size_t position : scanForTrailers(viewOf(m_bytes)))
-        trailers[position] = trailerAt(file, position);
+    const std::vector<size_t> positions = scanForTrailers(viewOf(m_bytes));
+    for (size_t i = 0; i < positions.size(); ++i) {
+        const bool isLast = i + 1 == positions.size();
+        const size_t next = isLast ? static_cast<size_t>(m_bytes.size()) : positions[i + 1];
+        trailers[positions[i]] = trailerAt(file, positions[i], next);
+    }
     for (const auto& [number, place] : m_places) {
         QPDFObjectHandle object = file.getObject(number, place.detail);
         if (object.isStreamOfType("/XRef"))

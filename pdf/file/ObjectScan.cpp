@@ -83,8 +83,11 @@ ObjectPlaces scanForObjects(std::string_view file) {
     constexpr std::string_view keyword = "obj";
     ObjectPlaces places;
     size_t position = 0;
+    size_t found = 0;
     for (;;) {
-        const size_t found = std::min(file.find(keyword, position), file.size());
+        // Streams without an object between them do not change where the next object is.
+        if (found <= position)
+            found = std::min(file.find(keyword, position), file.size());
         const size_t dataEnd = skipStream(file, position, found);
         if (dataEnd == file.size())
             return places;

@@ -1,6 +1,7 @@
 #include "pdf/fonts/UnicodeMap.h"
 
 #include "pdf/fonts/StreamText.h"
+#include "pdf/objects/DecodedBytes.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,12 +1,12 @@
 #include "pdf/output/OutputStreams.h"
 
+#include "pdf/objects/DecodedBytes.h"
+
 #include <exception>
 #include <new>
 #include <set>
 #include <string>
 #include <utility>
-
-#include <qpdf/Pl_String.hh>
 
 namespace vellmora {
 
@@ -38,9 +38,7 @@ bool contradictsItself(QPDFObjectHandle stream) {
     QPDFObjectHandle components = stream.getDict().getKey("/N");
     if (!components.isInteger() || components.getIntValue() != 1 || stream.isStreamOfType("", "/Image"))
         return false;
-    std::string bytes;
-    Pl_String receiver("colour profile", nullptr, bytes);
-    stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_specialized, true);
+    const std::string bytes = leadingBytes(stream, 41);
     return bytes.size() > 40 && bytes.compare(36, 4, "acsp") == 0 && bytes.compare(16, 4, "GRAY") != 0;
 }
 

@@ -145,6 +145,37 @@ TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
     EXPECT_FALSE(output.trailer().hasKey("/Info"));
 }
 
+/// Else a document of n pages with n fonts in their tree would make a file of n × n.
+TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
+    std::string fonts;
+    for (int i = 0; i < 20; ++i)
+        fonts += "/F" + std::to_string(i) + " 9 0 R";
+    const auto document = PDFDocument::fromData(QByteArray::fromStdString(
+        "%PDF-1.7\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
+        "2 0 obj<</Type/Pages/Kids[3 0 R 4 0 R]/Count 2/MediaBox[0 0 9 9]/Resources<</Font<<" +
+        fonts +
+        ">> >> >>endobj\n3 0 obj<</Type/Page/Parent 2 0 R/Contents 5 0 R>>endobj\n"
+        "4 0 obj<</Type/Page/Parent 2 0 R/Contents 5 0 R>>endobj\n"
+        "5 0 obj<</Filter/Unknown/Length 1>>stream\nx\nendstream endobj\n"
+        "9 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj\n"));
+    MemoryConsumer consumer;
+    const auto context = PDFContext::create(consumer);
+    for (qsizetype page = 0; page < 2; ++page) {
+        context->beginPage();
+        context->drawPage(*document, page, DisplayBox::mediaBox);
+        context->endPage();
+    }
+    context->close();
+    Output output(consumer.bytes());
+    const auto resources = [&](size_t page) {
+        QPDFObjectHandle form = output.page(page).getKey("/Resources").getKey("/XObject").getKey("/P");
+        return form.getDict().getKey("/Resources");
+    };
+    EXPECT_EQ(resources(0).getKey("/Font").getKeys().size(), 20U);
+    ASSERT_TRUE(resources(0).isIndirect());
+    EXPECT_EQ(resources(0).getObjGen(), resources(1).getObjGen());
+}
+
 TEST(PDFContextTest, StoresAPictureOnceAndItsAlphaOnlyWhereItIsNeeded) {
     MemoryConsumer consumer;
     const auto context = PDFContext::create(consumer);
