@@ -22,6 +22,8 @@ namespace {
 constexpr QByteArrayView prefix(".vellmora-");
 constexpr QByteArrayView suffix(".tmp");
 constexpr qsizetype randomBytes = 16;
+/// Another program's clearing gets hold of a new file once in a long while, not again and again.
+constexpr int maxAttempts = 100;
 
 QByteArray newName() {
     std::array<quint32, randomBytes / sizeof(quint32)> numbers{};
@@ -69,7 +71,7 @@ bool isOwnFile(const struct stat& info) {
 }  // namespace
 
 TemporaryFile createTemporaryFile(const QString& folder) {
-    for (;;) {
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
         const QByteArray path = QFile::encodeName(folder) + '/' + newName();
         FileDescriptor fd(
             ::open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
@@ -78,6 +80,7 @@ TemporaryFile createTemporaryFile(const QString& folder) {
         if (lockNewFile(fd.get()))
             return {QFile::decodeName(path), std::move(fd)};
     }
+    throw fileError(FileAction::create, folder, EBUSY);
 }
 
 void removeStaleTemporaryFiles(const QString& folder) {
