@@ -3,8 +3,9 @@
 //   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--pause MS]
 //
 // Page numbers are 1-based, rectangles in page points; the pause is between opening and saving. One JSON line
-// for each run; of the export's time, `sync_ms` was spent on waiting for the disk. Exit codes: 0 done, 1
-// wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on standard error).
+// for each run; of the export's time, `sync_ms` was spent on waiting for the disk. What the new file lacks of
+// the source is told on standard error. Exit codes: 0 done, 1 wrong arguments, 2 the PDF could not be opened,
+// 3 the export failed (message on standard error).
 
 #include "base/Error.h"
 #include "base/Files.h"
@@ -142,13 +143,15 @@ int run(const Arguments& arguments) {
         std::this_thread::sleep_for(arguments.pause);
         syncTime = 0;
         timer.restart();
-        PDFExporter::save(*document, stamps, out);
+        const QString missing = PDFExporter::save(*document, stamps, out);
         const double exportTime = milliseconds(timer);
         std::printf(
             R"({"open_ms": %.2f, "export_ms": %.2f, "sync_ms": %.2f, "pages": %lld, "peak_rss_kb": %ld})"
             "\n",
             openTime, exportTime, syncTime, static_cast<long long>(document->pageCount()),
             peakResidentKilobytes());
+        if (!missing.isEmpty())
+            std::fprintf(stderr, "%s\n", qPrintable(missing));
         std::fflush(stdout);  // whoever waits for the file need not wait for the end of the process
     }
     return 0;

@@ -1,5 +1,7 @@
 #include "pdf/appearance/Annotation.h"
 
+#include "pdf/objects/ContentText.h"
+
 #include <algorithm>
 
 namespace vellmora {
@@ -11,13 +13,21 @@ constexpr int hiddenFlag = 1 << 1;
 constexpr int noRotateFlag = 1 << 4;
 constexpr int noViewFlag = 1 << 5;
 
+/// Whether a file can hold the numbers: readers disagree on greater ones, and what they bound would cover the
+/// page.
+bool isMeasurable(const Rect& rect) {
+    const double farthest = std::max({-rect.minX(), -rect.minY(), rect.maxX(), rect.maxY()});
+    return farthest < greatestNumber;
+}
+
 }  // namespace
 
 Annotation::Annotation(const QPDFObjectHandle& dictionary) : m_dictionary(dictionary) {
     QPDFObjectHandle subtype = entry("/Subtype");
     if (subtype.isName())
         m_subtype = subtype.getName();
-    m_rect = rectangleOf(entry("/Rect")).value_or(Rect{});
+    if (const auto rect = rectangleOf(entry("/Rect")); rect && isMeasurable(*rect))
+        m_rect = *rect;
     QPDFObjectHandle flags = entry("/F");
     if (flags.isInteger())
         m_flags = flags.getIntValue();

@@ -128,7 +128,9 @@ void drawEndings(FormBuilder& drawing, const Annotation& annotation, const std::
     drawLineEnding(drawing, endings.getArrayItem(1), points.back(), points[points.size() - 2], width, fill);
 }
 
-QPDFObjectHandle drawBox(const Annotation& annotation, QPDF& output) {
+std::optional<QPDFObjectHandle> drawBox(const Annotation& annotation, QPDF& output) {
+    if (annotation.rect().isEmpty())
+        return std::nullopt;
     FormBuilder drawing(output);
     const Paint paint = setUp(drawing, annotation, true);
     const Rect box = innerRect(annotation);

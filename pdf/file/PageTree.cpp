@@ -110,7 +110,7 @@ private:
         QPDFObjectHandle kids = node.getKey("/Kids");
         if (kids.isArray())
             enterKids(node, kids, attributes, step.isRepeat);
-        else if (!node.isDictionaryOfType("/Pages"))
+        else if (!node.isDictionaryOfType("/Pages") && !node.isDictionaryOfType("/Catalog"))
             m_pages.push_back(makePage(node, attributes));
     }
 

@@ -17,20 +17,25 @@ namespace vellmora {
 
 namespace {
 
-/// Whether all is decoded. `delivered` counts the bytes of which the target knows.
-bool pipeDecoded(QPDFObjectHandle stream, Pipeline& target, size_t& delivered) {
+/// How far libqpdf gets: not at all where it does not understand a filter or its parameters.
+enum class Decoding { whole, partial, none };
+
+/// `delivered` counts the bytes of which the target knows.
+Decoding pipeDecoded(QPDFObjectHandle stream, Pipeline& target, size_t& delivered) {
     Pl_Concatenate unfinished("decoded", &target);
     Pl_Count count("decoded", &unfinished);
     bool isDecoded = false;
-    bool isWhole = false;
+    Decoding result = Decoding::none;
     try {
-        if (stream.pipeStreamData(nullptr, &isDecoded, 0, qpdf_dl_specialized))
-            isWhole = stream.pipeStreamData(&count, &isDecoded, 0, qpdf_dl_specialized);
+        if (stream.pipeStreamData(nullptr, &isDecoded, 0, qpdf_dl_specialized)) {
+            const bool isWhole = stream.pipeStreamData(&count, &isDecoded, 0, qpdf_dl_specialized);
+            result = isWhole && isDecoded ? Decoding::whole : Decoding::partial;
+        }
     } catch (const std::runtime_error&) {
-        isWhole = false;  // a filter was given parameters that it does not know
+        result = Decoding::none;  // a filter was given parameters that it does not know
     }
     delivered = static_cast<size_t>(count.getCount());
-    return isWhole && isDecoded;
+    return result;
 }
 
 std::vector<std::string> filtersOf(QPDFObjectHandle stream) {
@@ -50,6 +55,16 @@ std::vector<std::string> filtersOf(QPDFObjectHandle stream) {
 
 bool isFlateOnly(const std::vector<std::string>& filters) {
     return filters.size() == 1 && (filters[0] == "/FlateDecode" || filters[0] == "/Fl");
+}
+
+bool hasPredictor(QPDFObjectHandle stream) {
+    QPDFObjectHandle parameters = stream.getDict().getKey("/DecodeParms");
+    if (parameters.isArray() && parameters.getArrayNItems() == 1)
+        parameters = parameters.getArrayItem(0);
+    if (!parameters.isDictionary())
+        return false;
+    QPDFObjectHandle predictor = parameters.getKey("/Predictor");
+    return predictor.isInteger() && predictor.getIntValue() > 1;
 }
 
 /// Whether one of the filters is unknown or only for pictures: what it delivers is no content for anybody.
@@ -92,11 +107,14 @@ void inflateBehind(const std::string& data, size_t toSkip, Pipeline& target) {
 
 bool pipeAsFarAsPossible(QPDFObjectHandle stream, Pipeline& target) {
     size_t delivered = 0;
-    if (pipeDecoded(stream, target, delivered))
+    const Decoding decoding = pipeDecoded(stream, target, delivered);
+    if (decoding == Decoding::whole)
         return true;
     const std::vector<std::string> filters = filtersOf(stream);
     if (!isFlateOnly(filters))
         return isNoContent(filters);
+    if (decoding == Decoding::partial && hasPredictor(stream))
+        return false;  // what is unpacked here would still be differences
     // libqpdf holds back what it has unpacked last. Other readers take odd parameters for none.
     std::string data;
     Pl_String receiver("packed", nullptr, data);

@@ -104,6 +104,26 @@ TEST_F(ContentViewSavingTest, WhatADocumentHasLostIsToldAndTheOriginalKept) {
         << "there is nothing in it that could be lost";
 }
 
+TEST_F(ContentViewSavingTest, ContentThatOnlySavingFindsUnreadableIsToldAndTheOriginalKept) {
+    const QByteArray source = pages(1)
+                                  .page("/Contents [1000 0 R 1001 0 R]")
+                                  .stream("", filledRect("1 0 0", "0 0 9 9"))
+                                  .stream("/Filter /ASCIIHexDecode", "51 no digits >")
+                                  .bytes();
+    writeFile(path("Vertrag.pdf"), source);
+    content.loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));
+    EXPECT_EQ(status(), QStringLiteral("PDF geladen: Vertrag.pdf"));
+    place();
+    EXPECT_EQ(
+        save(overwriteOriginal),
+        QStringLiteral("Fehler beim Überschreiben: Die neue Datei wäre unvollständig: Inhalt von Seite 2 "
+                       "fehlt. Bitte „Speichern unter…“ wählen."));
+    EXPECT_EQ(readFile(path("Vertrag.pdf")), source);
+    EXPECT_EQ(saveAs("Kopie.pdf"), QStringLiteral("PDF gespeichert: Kopie.pdf – Inhalt von Seite 2 fehlt"));
+    EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 2);
+    EXPECT_EQ(readFile(path("Vertrag.pdf")), source);
+}
+
 TEST_F(ContentViewSavingTest, NoExceptionLeavesACommand) {
     class ThrowingPanels : public FilePanels {
     public:

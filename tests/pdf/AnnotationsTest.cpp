@@ -123,6 +123,16 @@ TEST(AnnotationsTest, DrawsShapesThatBringNoAppearance) {
         EXPECT_THAT(Drawn(odd).content(), Not(HasSubstr("S"))) << odd;
 }
 
+TEST(AnnotationsTest, DoesNotCoverThePageWithAShapeOfNoMeasurableSize) {
+    const std::string fill = "/Subtype /Square /C [1 0 0] /IC [1 0 0] /BS << /W 99999999999 >>";
+    EXPECT_TRUE(Drawn(fill + " /Rect [0 0 9999999 9999999]").isSeen());
+    for (const char* edge :
+         {"99999999999.0", "99999999999", "99999999999999999999", "9999999999999999999.5"}) {
+        const std::string rect = std::string(" /Rect [0 0 ") + edge + " " + edge + "]";
+        EXPECT_FALSE(Drawn(fill + rect).isSeen()) << edge;
+    }
+}
+
 TEST(AnnotationsTest, WritesTextFieldsThatBringNoAppearance) {
     // Courier: 0.6 em a character.
     Drawn left(field("/FT /Tx /V (Ab\\344)"));

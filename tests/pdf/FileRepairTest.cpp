@@ -186,6 +186,9 @@ TEST(FileRepairTest, SaysWhatIsDamaged) {
     EXPECT_EQ(damage(upTo(whole, "7 0 obj")), (DocumentDamage{true, true, {2}, 0}))
         << "the third page is lost";
     EXPECT_EQ(damage(upTo(whole, "8 0 obj")), (DocumentDamage{true, true, {2}, 0})) << "its content is";
+    const QByteArray inParts =
+        pages(1).page("/Contents [1000 0 R 1001 0 R]").stream("", "q").stream("", "Q").bytes();
+    EXPECT_EQ(damage(upTo(inParts, "1001 0 obj")), (DocumentDamage{true, true, {1}, 0})) << "a part of it is";
     EXPECT_EQ(damage(QByteArray(whole).replace("/Count 3", "/Count 5")).uncountedPages, 2);
     EXPECT_EQ(damage(QByteArray(whole).replace("/Count 3", "/Count 5000")).uncountedPages, 0)
         << "more than the file has objects";

@@ -164,3 +164,9 @@ TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
     ASSERT_EQ(document->pageCount(), 2);
     EXPECT_EQ(mediaBox(*document), (Rect{0, 0, 842, 595})) << "attributes of lost nodes count, in a loop too";
 }
+
+TEST(PDFDocumentTest, FindsThePagesWhereTheCatalogTakesItselfForTheTree) {
+    QByteArray bytes = pages(2).bytes();
+    bytes.replace("/Pages 2 0 R", "/Pages 1 0 R");
+    EXPECT_EQ(PDFDocument::fromData(bytes)->pageCount(), 2);
+}
