@@ -12,18 +12,18 @@ namespace vellmora {
 
 namespace {
 
-/// Takes bytes up to a limit, and ends the decoding behind it.
+/// Takes bytes up to a limit.
 class BoundedReceiver : public Pipeline {
 public:
-    explicit BoundedReceiver(size_t limit) : Pipeline("look", nullptr), m_limit(limit) {}
+    enum class Rest { endsDecoding, isIgnored };
+    BoundedReceiver(size_t limit, Rest rest) : Pipeline("look", nullptr), m_limit(limit), m_rest(rest) {}
 
     void write(const unsigned char* data, size_t length) override {
         const size_t taken = std::min(length, m_limit - m_bytes.size());
         m_bytes.append(reinterpret_cast<const char*>(data), taken);
-        if (taken < length) {
-            m_isWhole = false;
+        m_isWhole = m_isWhole && taken == length;
+        if (!m_isWhole && m_rest == Rest::endsDecoding)
             throw std::length_error("more than is looked at");
-        }
     }
     void finish() override {}
 
@@ -32,6 +32,7 @@ public:
 
 private:
     size_t m_limit;
+    Rest m_rest;
     std::string m_bytes;
     bool m_isWhole = true;
 };
@@ -54,19 +55,15 @@ bool hasModestColumns(QPDFObjectHandle parameters) {
 std::string leadingBytes(QPDFObjectHandle stream, size_t count) {
     if (!hasModestColumns(stream.getDict().getKey("/DecodeParms")))
         return {};
-    BoundedReceiver receiver(count);
-    try {
-        stream.pipeStreamData(&receiver, 0, qpdf_dl_specialized, true);
-    } catch (const std::exception&) {
-        return receiver.bytes();
-    }
+    BoundedReceiver receiver(count, BoundedReceiver::Rest::isIgnored);
+    stream.pipeStreamData(&receiver, 0, qpdf_dl_specialized, true);
     return receiver.bytes();
 }
 
 std::optional<std::string> decodedBytes(QPDFObjectHandle stream, size_t limit) {
     if (!stream.isStream() || !hasModestColumns(stream.getDict().getKey("/DecodeParms")))
         return std::nullopt;
-    BoundedReceiver receiver(limit);
+    BoundedReceiver receiver(limit, BoundedReceiver::Rest::endsDecoding);
     try {
         const bool isDecoded = stream.pipeStreamData(&receiver, 0, qpdf_dl_generalized, true);
         return isDecoded && receiver.isWhole() ? std::optional(receiver.bytes()) : std::nullopt;
