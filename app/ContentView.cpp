@@ -212,7 +212,7 @@ void ContentView::addStampToCurrentPage(const Image& image, const QUuid& presetI
     const QByteArray png = image.pngRepresentation();
     if (png.isEmpty())
         throw insertFailure();
-    const StampPlacement placement = initialPlacement(page->bounds(DisplayBox::mediaBox), image.size());
+    const StampPlacement placement = initialPlacement(*page, image.size());
     StampItem stamp;
     stamp.pageIndex = currentPageIndex;
     stamp.rect = placement.rect;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Rect.h"
+#include "pdf/PDFPage.h"
 
 namespace vellmora {
 
@@ -10,8 +10,8 @@ struct StampPlacement {
     double aspectRatio = 1;
 };
 
-/// Centred on the page's media box, 28 % of its width but at most 190 points wide, the height from the
-/// picture's aspect ratio (at least 0.1). `imageSize` in points.
-StampPlacement initialPlacement(const Rect& mediaBox, Size imageSize);
+/// Centred on what is shown of the page. 28 % of the page's width, but at most 190 points wide and no wider
+/// than what is shown; the height from the picture's aspect ratio (at least 0.1). `imageSize` in points.
+StampPlacement initialPlacement(const PDFPage& page, Size imageSize);
 
 }  // namespace vellmora

@@ -30,8 +30,9 @@ public:
     /// Begins an empty page, of A4 size until `drawPage` gives it another.
     void beginPage();
 
-    /// Draws a source page into the page that was begun. The output page gets that page's `box` and rotation,
-    /// and what is drawn after it is placed in its page space. Content is carried over losslessly, also what
+    /// Draws a source page into the page that was begun. The output page gets that page's `box` as its media
+    /// box, and its rotation; with the media box also its crop, bleed, trim and art boxes, where it has them.
+    /// What is drawn after it is placed in its page space. Content is carried over losslessly, also what
     /// is damaged in it; what cannot be read is left out. Throws `std::bad_alloc` and nothing else.
     ///
     /// The document must live until `close`; other threads that draw from it wait for that.

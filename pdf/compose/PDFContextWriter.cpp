@@ -74,6 +74,8 @@ void PDFContext::Writer::carryPageAttributes(const ParsedPage& page, DisplayBox 
     m_page.mediaBox = box == DisplayBox::mediaBox ? page.orientation.mediaBox() : page.cropBox;
     if (page.orientation.rotation() != 0)
         m_page.dictionary.replaceKey("/Rotate", QPDFObjectHandle::newInteger(page.orientation.rotation()));
+    if (box == DisplayBox::mediaBox)
+        carryInnerBoxes(page);
     QPDFObjectHandle dictionary = page.dictionary;
     QPDFObjectHandle userUnit = dictionary.getKey("/UserUnit");
     if (userUnit.isNumber())
@@ -81,6 +83,19 @@ void PDFContext::Writer::carryPageAttributes(const ParsedPage& page, DisplayBox 
     QPDFObjectHandle group = dictionary.getKey("/Group");
     if (group.isDictionary())
         m_page.dictionary.replaceKey("/Group", m_copier.copy(group));
+}
+
+/// What is shown of the page, and what a printer makes of it. Each box is carried over as it is stated, so
+/// that a reader that sees it in its own way sees it in the same way afterwards. Only the crop box may be
+/// stated by a node above the page (ISO 32000-2, table 31).
+void PDFContext::Writer::carryInnerBoxes(const ParsedPage& page) {
+    if (page.statedCropBox)
+        m_page.dictionary.replaceKey("/CropBox", m_boxes.of(*page.statedCropBox));
+    QPDFObjectHandle dictionary = page.dictionary;
+    for (const char* key : {"/BleedBox", "/TrimBox", "/ArtBox"}) {
+        if (const std::optional<Rect> box = boxOf(dictionary.getKey(key)))
+            m_page.dictionary.replaceKey(key, m_boxes.of(*box));
+    }
 }
 
 /// Its layers, and what its colours are meant for.

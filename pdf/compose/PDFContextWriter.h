@@ -59,6 +59,7 @@ private:
     void drawAnnotations(const ParsedFile& source, const ParsedPage& page);
     void paintAnnotation(const AnnotationAppearance& appearance, QPDFObjectHandle layer);
     void carryPageAttributes(const ParsedPage& page, DisplayBox box);
+    void carryInnerBoxes(const ParsedPage& page);
     void carryDocumentAttributes(const ParsedFile& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
     QPDFObjectHandle contentStream(const std::string& content);

@@ -1,10 +1,8 @@
 #include "pdf/file/PageTree.h"
 
-#include "pdf/objects/ContentText.h"
 #include "pdf/objects/PDFValues.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <set>
 #include <utility>
@@ -14,20 +12,6 @@ namespace vellmora {
 namespace {
 
 constexpr Rect letterSize{0, 0, 612, 792};
-
-std::optional<Rect> boxFromArray(QPDFObjectHandle array) {
-    if (!array.isArray() || array.getArrayNItems() < 4)
-        return std::nullopt;
-    std::array<double, 4> edges{};
-    for (size_t i = 0; i < edges.size(); ++i) {
-        const std::optional<double> edge = numberOf(array.getArrayItem(static_cast<int>(i)));
-        if (!edge)
-            return std::nullopt;
-        edges[i] = std::clamp(*edge, -greatestNumber, greatestNumber);
-    }
-    const Rect box = rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
-    return box.isEmpty() ? std::nullopt : std::optional(box);
-}
 
 /// The attributes that a page takes from the nodes above it (ISO 32000-2, table 31).
 struct InheritedAttributes {
@@ -62,12 +46,14 @@ private:
 };
 
 ParsedPage makePage(const QPDFObjectHandle& dictionary, const InheritedAttributes& attributes) {
-    const Rect mediaBox = boxFromArray(attributes.mediaBox).value_or(letterSize);
-    Rect cropBox = intersection(boxFromArray(attributes.cropBox).value_or(mediaBox), mediaBox);
+    const Rect mediaBox = boxOf(attributes.mediaBox).value_or(letterSize);
+    const std::optional<Rect> statedCropBox = boxOf(attributes.cropBox);
+    Rect cropBox = intersection(statedCropBox.value_or(mediaBox), mediaBox);
     if (cropBox.isEmpty())
         cropBox = mediaBox;
     const PageOrientation orientation(mediaBox, rotationOf(attributes.rotate));
-    return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, false};
+    return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, statedCropBox,
+            false};
 }
 
 /// Goes through a page tree without recursion: a hostile one is deep.

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace vellmora {
@@ -19,8 +20,9 @@ struct ParsedPage {
     QPDFObjectHandle resources;       ///< the nearest that are named; null where none are
     QPDFObjectHandle outerResources;  ///< that hold where those are a reference to nothing
     PageOrientation orientation;
-    Rect cropBox;         ///< in the file's own space, inside the media box
-    bool isLost = false;  ///< the tree names it, but the file does not have it: a blank page
+    Rect cropBox;                       ///< what is shown: in the file's own space, inside the media box
+    std::optional<Rect> statedCropBox;  ///< as the file states it; it may reach out of the media box
+    bool isLost = false;                ///< the tree names it, but the file does not have it: a blank page
 };
 
 /// The parsed file behind a document.

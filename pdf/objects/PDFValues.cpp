@@ -2,6 +2,8 @@
 
 #include "pdf/objects/ContentText.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <initializer_list>
 
@@ -40,6 +42,20 @@ std::optional<Rect> rectangleOf(const QPDFObjectHandle& array) {
     if (edges.size() != 4)
         return std::nullopt;
     return rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
+}
+
+std::optional<Rect> boxOf(QPDFObjectHandle array) {
+    if (!array.isArray() || array.getArrayNItems() < 4)
+        return std::nullopt;
+    std::array<double, 4> edges{};
+    for (size_t i = 0; i < edges.size(); ++i) {
+        const std::optional<double> edge = numberOf(array.getArrayItem(static_cast<int>(i)));
+        if (!edge)
+            return std::nullopt;
+        edges[i] = std::clamp(*edge, -greatestNumber, greatestNumber);
+    }
+    const Rect box = rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
+    return box.isEmpty() ? std::nullopt : std::optional(box);
 }
 
 static QPDFObjectHandle arrayOf(std::initializer_list<double> numbers) {

@@ -24,6 +24,9 @@ std::vector<double> numbersOf(QPDFObjectHandle array);
 /// The rectangle between two opposite corners, in whatever order they come; it may be empty.
 std::optional<Rect> rectangleOf(const QPDFObjectHandle& array);
 
+/// A box of a page, clipped to the numbers that a file may hold. Nothing where the array states none.
+std::optional<Rect> boxOf(QPDFObjectHandle array);
+
 /// The array that stands for a rectangle.
 QPDFObjectHandle arrayOf(const Rect& rect);
 

@@ -4,17 +4,35 @@
 using namespace vellmora;
 using namespace vellmora::test;
 
+namespace {
+
+StampPlacement placementOn(const Rect& mediaBox, Size imageSize) {
+    return initialPlacement(PDFPage(mediaBox, mediaBox), imageSize);
+}
+
+}  // namespace
+
 TEST(StampPlacementTest, IsCentredAndLimitedInWidth) {
-    const StampPlacement onA4 = initialPlacement({0, 0, 595.28, 841.89}, {400, 100});
+    const StampPlacement onA4 = placementOn({0, 0, 595.28, 841.89}, {400, 100});
     EXPECT_EQ(onA4.aspectRatio, 4.0);
     EXPECT_TRUE(isNear(onA4.rect, {214.3008, 400.1102, 166.6784, 41.6696}, 1e-9));
-    EXPECT_EQ(initialPlacement({0, 0, 1000, 500}, {100, 100}).rect.width, 190.0);
-    EXPECT_NEAR(initialPlacement({0, 0, 600, 500}, {100, 100}).rect.width, 168.0, 1e-9);
-    EXPECT_EQ(initialPlacement({100, -50, 600, 500}, {100, 100}).rect.midX(), 400.0);
-    EXPECT_EQ(initialPlacement({0, 0, 600, 500}, {10, 0}).aspectRatio, 10.0);
-    const StampPlacement narrow = initialPlacement({0, 0, 600, 500}, {5, 100});
+    EXPECT_EQ(placementOn({0, 0, 1000, 500}, {100, 100}).rect.width, 190.0);
+    EXPECT_NEAR(placementOn({0, 0, 600, 500}, {100, 100}).rect.width, 168.0, 1e-9);
+    EXPECT_EQ(placementOn({100, -50, 600, 500}, {100, 100}).rect.midX(), 400.0);
+    EXPECT_EQ(placementOn({0, 0, 600, 500}, {10, 0}).aspectRatio, 10.0);
+    const StampPlacement narrow = placementOn({0, 0, 600, 500}, {5, 100});
     EXPECT_EQ(narrow.aspectRatio, 0.1);
     EXPECT_NEAR(narrow.rect.height, 1680, 1e-9);
+}
+
+TEST(StampPlacementTest, LiesInTheMiddleOfWhatIsShown) {
+    const Rect mediaBox{0, 0, 600, 800};
+    const auto placement = [&](const Rect& cropBox) {
+        return initialPlacement(PDFPage(mediaBox, cropBox), {400, 100}).rect;
+    };
+    EXPECT_TRUE(isNear(placement({400, 500, 200, 300}), {416, 629, 168, 42}, 1e-9));
+    EXPECT_TRUE(isNear(placement({500, 700, 40, 60}), {500, 725, 40, 10}, 1e-9))
+        << "never wider than what is shown";
 }
 
 TEST_F(ContentViewTest, InsertsOnTheCurrentPageAndRecordsTheUse) {

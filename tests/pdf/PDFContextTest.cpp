@@ -3,6 +3,7 @@
 #include "pdf/PagePdf.h"
 #include "pdf/objects/ContentText.h"
 #include "pdf/objects/DeflateStream.h"
+#include "pdf/objects/PDFValues.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/GermanNumbers.h"
@@ -10,8 +11,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <map>
 #include <new>
+#include <string>
 #include <sys/resource.h>
+#include <vector>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -49,6 +53,37 @@ TEST(PDFContextTest, WritesNoNumberThatReadersCannotTake) {
     ASSERT_TRUE(written);
     EXPECT_EQ(written->pageCount(), 1);
     EXPECT_EQ(written->page(0)->bounds(DisplayBox::mediaBox), (Rect{0, 0, 2147483647, 100}));
+}
+
+TEST(PDFContextTest, KeepsTheBoxesThatSayWhatIsShownOfThePage) {
+    const auto boxesOf = [](const PdfBuilder& source) {
+        Output output(drawFirstPage(source));
+        std::map<std::string, std::vector<double>> boxes;
+        for (const char* key : {"/MediaBox", "/CropBox", "/BleedBox", "/TrimBox", "/ArtBox"})
+            boxes[key] = numbersOf(output.page().getKey(key));
+        return boxes;
+    };
+    using Box = std::vector<double>;
+    const auto own = boxesOf(PdfBuilder()
+                                 .page("/MediaBox [10 20 610 820] /CropBox [500 700 50 60.5] /TrimBox 1000 0 "
+                                       "R /Rotate 90 /ArtBox [0 0 0 9]")
+                                 .object("[70 80 400.25 600]"));
+    EXPECT_EQ(own.at("/MediaBox"), (Box{10, 20, 610, 820}));
+    EXPECT_EQ(own.at("/CropBox"), (Box{50, 60.5, 500, 700}));
+    EXPECT_EQ(own.at("/TrimBox"), (Box{70, 80, 400.25, 600}));
+    EXPECT_TRUE(own.at("/BleedBox").empty() && own.at("/ArtBox").empty());
+    const auto wild = boxesOf(PdfBuilder().page("/CropBox [-9e30 -1e30 300 1e30] /BleedBox [0 0 (x) 1]"));
+    EXPECT_TRUE(wild.at("/CropBox").empty()) << "no number of a PDF has an exponent";
+    EXPECT_TRUE(wild.at("/BleedBox").empty());
+    EXPECT_TRUE(boxesOf(pages(1)).at("/CropBox").empty());
+}
+
+TEST(PDFContextTest, KeepsACropBoxThatAPageInherits) {
+    PdfBuilder source;
+    source.page().catalog("/Pages 1000 0 R");
+    source.object("<< /Type /Pages /Kids [ 2 0 R ] /Count 1 /CropBox [9 9 99 99] >>");
+    EXPECT_EQ(numbersOf(Output(drawFirstPage(source)).page().getKey("/CropBox")),
+              (std::vector<double>{9, 9, 99, 99}));
 }
 
 TEST(PDFContextTest, ReadsAndWritesFractionsWhereTheLocaleHasADecimalComma) {
@@ -135,7 +170,7 @@ TEST(PDFContextTest, KeepsThePagesAttributesAndNothingElseOfTheDocument) {
     EXPECT_EQ(page.getKey("/UserUnit").getIntValue(), 2);
     EXPECT_TRUE(page.getKey("/Group").isDictionary());
     EXPECT_EQ(page.getKey("/MediaBox").unparse(), "[ 10 20 300 400 ]");
-    for (const char* key : {"/CropBox", "/Annots", "/Metadata", "/AA", "/StructParents"})
+    for (const char* key : {"/Annots", "/Metadata", "/AA", "/StructParents"})
         EXPECT_FALSE(page.hasKey(key)) << key;
     QPDFObjectHandle picture =
         output.drawn("/P").getDict().getKey("/Resources").getKey("/XObject").getKey("/I").getDict();
