@@ -1,9 +1,32 @@
 #include "editor/EditorHostView.h"
 
+#include "editor/StampGeometry.h"
+
+#include <algorithm>
+
 #include <QPalette>
 #include <QSet>
 
 namespace vellmora {
+
+namespace {
+
+/// The stamp's rectangle once its picture lies at `place`: the one before the drag, changed in nothing but
+/// what the drag is about. What went to the screen and back would come with a rounding error.
+Rect draggedRect(const InteractiveStampView& view, const Rect& place, const PageGeometry& page) {
+    const Rect& rect = view.drag().rect;
+    const Rect before = page.toView(rect);
+    if (place == before)
+        return rect;
+    const Size point = page.pointSize();
+    if (view.drag().mode == InteractiveStampView::DragMode::move)
+        return rect.translated((place.x - before.x) / point.width, (place.y - before.y) / point.height);
+    const double width = rect.width + (place.width - before.width) / point.width;
+    return {rect.x, rect.y, width,
+            width / std::max(view.stamp().aspectRatio, stampgeometry::lowestAspectRatio)};
+}
+
+}  // namespace
 
 EditorHostView::EditorHostView(PageRenderer& renderer, QWidget* parent)
     : QWidget(parent),
@@ -53,11 +76,12 @@ void EditorHostView::pdfPageChanged() {
 }
 
 void EditorHostView::syncStampViews() {
-    const bool hasStamps = stampsByPage && m_pdfView->currentPageIndex();
+    const std::optional<PageGeometry> page = m_pdfView->geometryOfPage();
+    const bool hasStamps = stampsByPage && page;
     const QList<StampItem> stamps = hasStamps ? stampsByPage().value(currentPageIndex()) : QList<StampItem>();
     removeStaleViews(stamps);
     for (const StampItem& stamp : stamps)
-        syncStampView(stamp);
+        syncStampView(stamp, *page);
     updateSelectionState();
 }
 
@@ -74,14 +98,15 @@ void EditorHostView::removeStaleViews(const QList<StampItem>& stamps) {
     });
 }
 
-void EditorHostView::syncStampView(const StampItem& stamp) {
+/// The overlay covers the page view exactly, so a point has the same coordinates in both.
+void EditorHostView::syncStampView(const StampItem& stamp, const PageGeometry& page) {
     InteractiveStampView* view = m_stampViews.value(stamp.id);
     if (!view)
         view = makeStampView(stamp);
     view->setStamp(stamp);
-    // The overlay covers the page view exactly, so a point has the same coordinates in both.
+    view->setPageBeneath({page.frame(), page.pointSize()});
     if (!view->isDraggingInteractively())
-        view->setFrame(integral(m_pdfView->convertFromPage(stamp.rect)));
+        view->setPlace(page.toView(stamp.rect));
 }
 
 InteractiveStampView* EditorHostView::makeStampView(const StampItem& stamp) {
@@ -90,7 +115,7 @@ InteractiveStampView* EditorHostView::makeStampView(const StampItem& stamp) {
         if (onStampSelected)
             onStampSelected(id);
     };
-    view->onFrameChanged = [this](const QUuid& id, const Rect& frame) { updateStampRect(id, frame); };
+    view->onPlaceChanged = [this](const QUuid& id, const Rect& place) { updateStampRect(id, place); };
     view->setAccessibleName(nameOfStamp ? nameOfStamp(stamp) : QStringLiteral("Stempel"));
     m_stampViews.insert(stamp.id, view);
     view->show();
@@ -102,13 +127,17 @@ void EditorHostView::updateSelectionState() {
         it.value()->setSelectedStamp(it.key() == m_selectedStampID);
 }
 
-void EditorHostView::updateStampRect(const QUuid& stampID, const Rect& frameInOverlay) {
-    const InteractiveStampView* view = stampView(stampID);
-    if (!view || !onStampChanged)
+void EditorHostView::updateStampRect(const QUuid& stampID, const Rect& place) {
+    InteractiveStampView* view = stampView(stampID);
+    const std::optional<PageGeometry> page = m_pdfView->geometryOfPage();
+    if (!view || !page)
         return;
     StampItem changed = view->stamp();
-    changed.rect = m_pdfView->convertToPage(frameInOverlay);
-    onStampChanged(changed);
+    changed.rect = draggedRect(*view, place, *page);
+    view->setStamp(changed);
+    view->setPlace(page->toView(changed.rect));
+    if (onStampChanged)
+        onStampChanged(changed);
 }
 
 }  // namespace vellmora

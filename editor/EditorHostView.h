@@ -44,7 +44,8 @@ public:
 
     /// The stamps of all pages as they are now. The host keeps no copy of them.
     std::function<StampsByPage()> stampsByPage;
-    /// Called with the changed stamp when the user has moved or resized it.
+    /// Called with the stamp at every step of a drag and on mouse-up. A click leaves it as it is, a move
+    /// changes nothing but its origin, a resize nothing but its size.
     std::function<void(const StampItem&)> onStampChanged;
     /// Called when the user clicks on a stamp.
     std::function<void(std::optional<QUuid>)> onStampSelected;
@@ -68,10 +69,10 @@ private:
     void setup();
     void pdfPageChanged();
     void removeStaleViews(const QList<StampItem>& stamps);
-    void syncStampView(const StampItem& stamp);
+    void syncStampView(const StampItem& stamp, const PageGeometry& page);
     InteractiveStampView* makeStampView(const StampItem& stamp);
     void updateSelectionState();
-    void updateStampRect(const QUuid& stampID, const Rect& frameInOverlay);
+    void updateStampRect(const QUuid& stampID, const Rect& place);
 
     StampPictures m_pictures;
     PDFView* m_pdfView;

@@ -1,8 +1,8 @@
 #include "editor/InteractiveStampView.h"
 
 #include "base/SystemColors.h"
-#include "editor/StampGeometry.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QMouseEvent>
@@ -62,38 +62,39 @@ void InteractiveStampView::setSelectedStamp(bool isSelected) {
     update();
 }
 
-void InteractiveStampView::setFrame(const Rect& frame) {
-    const QRect covered = toQt(integral(frame), parentWidget()->height()).toRect();
-    if (frame == m_frame && covered == geometry())
+void InteractiveStampView::setPlace(const Rect& place) {
+    const QRect covered = toQt(integral(place), parentWidget()->height()).toRect();
+    if (place == m_place && covered == geometry())
         return;
-    m_frame = frame;
+    m_place = place;
     setGeometry(covered);
     update();
 }
 
-Rect InteractiveStampView::overlayBounds() const {
-    return {0, 0, double(parentWidget()->width()), double(parentWidget()->height())};
+stampgeometry::Limits InteractiveStampView::limits() const {
+    const Rect overlay{0, 0, double(parentWidget()->width()), double(parentWidget()->height())};
+    const PageBeneath page = m_page.value_or(PageBeneath{overlay, {1, 1}});
+    // Enough of the stamp to take hold of it at this zoom, and at the page's own size.
+    const Size grip{stampgeometry::handleSize.width * std::max(1.0, page.pointSize.width),
+                    stampgeometry::handleSize.height * std::max(1.0, page.pointSize.height)};
+    return {overlay, page.area, grip};
 }
 
 Point InteractiveStampView::pointInOverlay(const QSinglePointEvent& event) const {
-    return fromQt(parentWidget()->mapFromGlobal(event.globalPosition()), parentWidget()->height());
+    // Qt rounds the other positions of an event to whole points before it delivers it.
+    return fromQt(parentWidget()->mapFrom(window(), event.scenePosition()), parentWidget()->height());
 }
 
-Point InteractiveStampView::pointInBounds(const QSinglePointEvent& event) const {
-    const Point point = pointInOverlay(event);
-    return {point.x - m_frame.x, point.y - m_frame.y};
+bool InteractiveStampView::isOnHandle(Point pointInOverlay) const {
+    return stampgeometry::resizeHandleRect(frame()).contains(pointInOverlay);
 }
 
-bool InteractiveStampView::isOnHandle(Point point) const {
-    return stampgeometry::resizeHandleRect(bounds()).contains(point);
-}
-
-void InteractiveStampView::updateCursor(Point point) {
-    setCursor(isOnHandle(point) ? Qt::CrossCursor : Qt::OpenHandCursor);
+void InteractiveStampView::updateCursor(Point pointInOverlay) {
+    setCursor(isOnHandle(pointInOverlay) ? Qt::CrossCursor : Qt::OpenHandCursor);
 }
 
 void InteractiveStampView::enterEvent(QEnterEvent* event) {
-    updateCursor(pointInBounds(*event));
+    updateCursor(pointInOverlay(*event));
 }
 
 void InteractiveStampView::mousePressEvent(QMouseEvent* event) {
@@ -102,18 +103,19 @@ void InteractiveStampView::mousePressEvent(QMouseEvent* event) {
     setFocus(Qt::MouseFocusReason);
     if (onSelect)
         onSelect(m_stamp.id);
-    m_dragMode = isOnHandle(pointInBounds(*event)) ? DragMode::resize : DragMode::move;
-    m_initialMouseLocationInSuperview = pointInOverlay(*event);
-    m_initialFrame = m_frame;
+    const Point mouse = pointInOverlay(*event);
+    m_drag = {isOnHandle(mouse) ? DragMode::resize : DragMode::move, mouse, m_place, m_stamp.rect};
     m_isDraggingInteractively = true;
 }
 
-Rect InteractiveStampView::proposedFrame(Point mouse) const {
-    const double dx = mouse.x - m_initialMouseLocationInSuperview.x;
-    const double dy = mouse.y - m_initialMouseLocationInSuperview.y;
-    if (m_dragMode == DragMode::move)
-        return m_initialFrame.translated(dx, dy);
-    return stampgeometry::resizedFrame(m_initialFrame, dx, m_stamp.aspectRatio);
+Rect InteractiveStampView::draggedPlace(Point mouse) const {
+    const double dx = mouse.x - m_drag.mouse.x;
+    const double dy = mouse.y - m_drag.mouse.y;
+    if (m_drag.mode == DragMode::move)
+        return stampgeometry::moved(m_drag.place, dx, dy, limits());
+    const Size pointSize = m_page ? m_page->pointSize : Size{1, 1};
+    const double ratio = std::max(m_stamp.aspectRatio, stampgeometry::lowestAspectRatio);
+    return stampgeometry::resized(m_drag.place, dx, ratio * pointSize.width / pointSize.height, limits());
 }
 
 void InteractiveStampView::mouseMoveEvent(QMouseEvent* event) {
@@ -121,41 +123,38 @@ void InteractiveStampView::mouseMoveEvent(QMouseEvent* event) {
     if (!event->buttons().testFlag(Qt::LeftButton))
         m_isDraggingInteractively = false;
     if (!m_isDraggingInteractively) {
-        updateCursor(pointInBounds(*event));
+        updateCursor(pointInOverlay(*event));
         return;
     }
-    setFrame(stampgeometry::constrainedFrame(proposedFrame(pointInOverlay(*event)), overlayBounds(),
-                                             m_stamp.aspectRatio));
-    reportFrame();
+    setPlace(draggedPlace(pointInOverlay(*event)));
+    reportPlace();
 }
 
 void InteractiveStampView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !m_isDraggingInteractively)
         return QWidget::mouseReleaseEvent(event);
     m_isDraggingInteractively = false;
-    reportFrame();
+    reportPlace();
 }
 
-void InteractiveStampView::reportFrame() {
-    if (onFrameChanged)
-        onFrameChanged(m_stamp.id, m_frame);
+void InteractiveStampView::reportPlace() {
+    if (onPlaceChanged)
+        onPlaceChanged(m_stamp.id, m_place);
 }
 
 void InteractiveStampView::paintEvent(QPaintEvent*) {
     if (!m_picture)
         m_picture = m_pictures.picture(m_stamp.imageData);
-    // The widget lies on whole points. The frame may begin within the widget's first point.
-    const QRectF frame = toQt(m_frame, parentWidget()->height()).translated(-pos());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_picture)
-        m_picture->draw(painter, frame);
-    paintBorder(painter, frame);
-    paintHandle(painter, frame);
+        m_picture->draw(painter, toQt(m_place, parentWidget()->height()).translated(-pos()));
+    paintBorder(painter);
+    paintHandle(painter);
 }
 
-void InteractiveStampView::paintBorder(QPainter& painter, const QRectF& frame) const {
-    const QRectF border = frame.adjusted(borderInset, borderInset, -borderInset, -borderInset);
+void InteractiveStampView::paintBorder(QPainter& painter) const {
+    const QRectF border = QRectF(rect()).adjusted(borderInset, borderInset, -borderInset, -borderInset);
     if (m_isSelectedStamp)
         fillOutline(painter, border, selectedBorderWidth, colors::systemBlue);
     else
@@ -167,12 +166,11 @@ void InteractiveStampView::paintBorder(QPainter& painter, const QRectF& frame) c
     }
 }
 
-void InteractiveStampView::paintHandle(QPainter& painter, const QRectF& frame) const {
+void InteractiveStampView::paintHandle(QPainter& painter) const {
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_isSelectedStamp ? colors::systemBlue : white(handleAlpha));
-    const Rect handle = stampgeometry::resizeHandleRect(bounds());
-    painter.drawRoundedRect(toQt(handle, frame.height()).translated(frame.topLeft()), handleCornerRadius,
-                            handleCornerRadius);
+    const Rect handle = stampgeometry::resizeHandleRect({0, 0, double(width()), double(height())});
+    painter.drawRoundedRect(toQt(handle, height()), handleCornerRadius, handleCornerRadius);
 }
 
 void InteractiveStampView::keyPressEvent(QKeyEvent* event) {

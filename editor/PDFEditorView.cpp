@@ -7,6 +7,15 @@
 
 namespace vellmora {
 
+namespace {
+
+bool contains(const StampsByPage& stamps, const StampItem& stamp) {
+    const auto page = stamps.constFind(stamp.pageIndex);
+    return page != stamps.cend() && page->contains(stamp);
+}
+
+}  // namespace
+
 PDFEditorView::Coordinator::Coordinator(const PDFEditorView& parent, QObject* owner)
     : QObject(owner), m_parent(parent) {}
 
@@ -16,6 +25,8 @@ void PDFEditorView::Coordinator::setPageIndex(qsizetype index) {
 
 void PDFEditorView::Coordinator::setStamp(const StampItem& stamp) {
     QProperty<StampsByPage>& field = m_parent.stampsByPage;
+    if (contains(field.value(), stamp))
+        return;
     StampsByPage stamps = field.value();
     // With the field empty for the moment, only `stamps` holds the map, and Qt copies none of it on writing.
     field.setValueBypassingBindings({});

@@ -31,7 +31,7 @@ public:
 
     void setPageIndex(qsizetype index);
     /// Changes this one stamp in place; neither the map nor a list is copied or compared. Does nothing for a
-    /// stamp that is no longer in its page's list.
+    /// stamp that is no longer in its page's list, or is there as it is given.
     void setStamp(const StampItem& stamp);
     void setSelectedStamp(const std::optional<QUuid>& id);
 

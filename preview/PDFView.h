@@ -51,6 +51,9 @@ public:
     /// Does nothing for an index that the document does not have, or for the page on screen.
     void goTo(qsizetype pageIndex);
 
+    /// Where the current page lies in the view; nothing without one.
+    std::optional<PageGeometry> geometryOfPage() const;
+
     /// Both need a current page; without one they give an empty rectangle.
     Rect convertFromPage(const Rect& pageRect) const;
     Rect convertToPage(const Rect& viewRect) const;
@@ -81,7 +84,6 @@ private:
     double withinLimits(double scale) const;
     Point clampedOffset(Point offset) const;
     Point scrollRange() const;
-    std::optional<PageGeometry> geometryOfPage() const;
 
     bool turnPage(int direction);
     bool scrollBy(double dx, double dy);

@@ -25,6 +25,9 @@ public:
     /// The page's area in the view.
     const Rect& frame() const { return m_frame; }
     QSize pixelSize() const { return m_pixelSize; }
+    /// View points for each point of the page, across and up. They differ from the scale, and a little from
+    /// each other, since the page's area ends on pixels.
+    Size pointSize() const { return {m_toView.m11(), m_toView.m22()}; }
 
     Rect toView(const Rect& pageRect) const { return mapRect(m_toView, pageRect); }
     Rect toPage(const Rect& viewRect) const { return mapRect(m_toPage, viewRect); }

@@ -21,10 +21,7 @@ void checkStamps(ContentView& content) {
             EXPECT_TRUE(std::isfinite(stamp.rect.x) && std::isfinite(stamp.rect.y));
             EXPECT_GT(stamp.rect.width, 0);
             EXPECT_GT(stamp.rect.height, 0);
-            // Frames are rounded to whole points of the view, which distorts small ones.
-            const double stretch = stamp.rect.width / stamp.rect.height / stamp.aspectRatio;
-            const bool isSmall = std::min(stamp.rect.width, stamp.rect.height) < 20;
-            EXPECT_TRUE(isSmall || (stretch > 0.5 && stretch < 2)) << stretch;
+            EXPECT_DOUBLE_EQ(stamp.rect.width / stamp.rect.height, stamp.aspectRatio);
             EXPECT_FALSE(stamp.imageData.isEmpty());
             ids.insert(stamp.id);
             ++count;

@@ -23,8 +23,8 @@ inline void sendMouse(QWidget& widget, QEvent::Type type, QPointF point,
                       Qt::MouseButton button = Qt::LeftButton) {
     const bool isMove = type == QEvent::MouseMove;
     const bool isRelease = type == QEvent::MouseButtonRelease;
-    QMouseEvent event(type, point, widget.mapToGlobal(point), isMove ? Qt::NoButton : button,
-                      isRelease ? Qt::NoButton : button, Qt::NoModifier);
+    QMouseEvent event(type, point, widget.mapTo(widget.window(), point), widget.mapToGlobal(point),
+                      isMove ? Qt::NoButton : button, isRelease ? Qt::NoButton : button, Qt::NoModifier);
     QApplication::sendEvent(&widget, &event);
 }
 

@@ -15,9 +15,9 @@ protected:
     InteractiveStampViewTest() {
         overlay.resize(400, 300);
         view = new InteractiveStampView(stampAt({0, 0, 100, 50}), pictures, &overlay);
-        view->setFrame({100, 100, 100, 50});
+        view->setPlace({100, 100, 100, 50});
         view->onSelect = [this](const auto& id) { selections.append(*id); };
-        view->onFrameChanged = [this](const QUuid&, const Rect& frame) { frames.append(frame); };
+        view->onPlaceChanged = [this](const QUuid&, const Rect& place) { places.append(place); };
         overlay.show();
     }
     QColor pixel(int x, int y) const {
@@ -32,7 +32,7 @@ protected:
     QWidget overlay;
     InteractiveStampView* view;
     QList<QUuid> selections;
-    QList<Rect> frames;
+    QList<Rect> places;
 };
 
 constexpr QPointF middle{50, 25};
@@ -40,49 +40,59 @@ constexpr QPointF handle{95, 45};
 
 }  // namespace
 
-TEST_F(InteractiveStampViewTest, TheWidgetLiesWhereTheFrameIs) {
+TEST_F(InteractiveStampViewTest, TheWidgetLiesOnTheWholePointsAroundItsPlace) {
     EXPECT_EQ(view->geometry(), QRect(100, 150, 100, 50));
-    view->setFrame({10.5, 10.5, 20, 20});
-    EXPECT_EQ(view->frame(), (Rect{10.5, 10.5, 20, 20}));
-    EXPECT_EQ(view->geometry(), QRect(10, 269, 21, 21)) << "the widget covers the frame";
+    view->setPlace({10.5, 10.5, 20, 20});
+    EXPECT_EQ(view->place(), (Rect{10.5, 10.5, 20, 20}));
+    EXPECT_EQ(view->frame(), (Rect{10, 10, 21, 21}));
+    EXPECT_EQ(view->geometry(), QRect(10, 269, 21, 21));
+}
+
+TEST_F(InteractiveStampViewTest, ThePictureLiesAtItsPlaceAndNotAtTheWholePointsAround) {
+    // Where the picture is red, it takes the green from a white ground; the line over it leaves a quarter.
+    for (const double fraction : {0.0, 0.25, 0.75}) {
+        view->setPlace({100 + fraction, 100, 200, 100});
+        EXPECT_NEAR(pixel(100, 150).green() / 255.0, 0.75 + 0.25 * fraction, 0.02);
+        EXPECT_EQ(pixel(99, 150), QColor(Qt::black));
+    }
 }
 
 TEST_F(InteractiveStampViewTest, ADragMovesItAndReportsEveryStepAndTheEnd) {
     drag(*view, middle, 30, 20);
-    EXPECT_EQ(view->frame(), (Rect{130, 120, 100, 50}));
+    EXPECT_EQ(view->place(), (Rect{130, 120, 100, 50}));
     EXPECT_EQ(selections, QList<QUuid>{view->stamp().id});
-    EXPECT_EQ(frames, (QList<Rect>{{130, 120, 100, 50}, {130, 120, 100, 50}}));
+    EXPECT_EQ(places, (QList<Rect>{{130, 120, 100, 50}, {130, 120, 100, 50}}));
     EXPECT_FALSE(view->isDraggingInteractively());
 }
 
-TEST_F(InteractiveStampViewTest, AClickReportsTheUnchangedFrame) {
+TEST_F(InteractiveStampViewTest, AClickReportsTheUnchangedPlace) {
     sendMouse(*view, QEvent::MouseButtonPress, middle);
     EXPECT_TRUE(view->isDraggingInteractively());
-    EXPECT_TRUE(frames.isEmpty());
+    EXPECT_TRUE(places.isEmpty());
     sendMouse(*view, QEvent::MouseButtonRelease, middle);
-    EXPECT_EQ(frames, QList<Rect>{view->frame()});
+    EXPECT_EQ(places, QList<Rect>{view->frame()});
 }
 
 TEST_F(InteractiveStampViewTest, TheHandleResizesByTheWidthAloneAndTheTopEdgeRises) {
     drag(*view, handle, 40, -70);
-    EXPECT_EQ(view->frame(), (Rect{100, 100, 140, 70}));
+    EXPECT_EQ(view->place(), (Rect{100, 100, 140, 70}));
     EXPECT_EQ(view->geometry(), QRect(100, 130, 140, 70));
     drag(*view, QPointF(135, 65), -500, 0);
-    EXPECT_EQ(view->frame(), (Rect{100, 100, 28, 14}));
+    EXPECT_EQ(view->place(), (Rect{100, 100, 28, 14}));
 }
 
 TEST_F(InteractiveStampViewTest, ItStopsAtTheEdgesOfTheOverlay) {
     drag(*view, middle, 1000, -1000);
-    EXPECT_EQ(view->frame(), (Rect{300, 0, 100, 50}));
+    EXPECT_EQ(view->place(), (Rect{300, 0, 100, 50}));
 }
 
 TEST_F(InteractiveStampViewTest, ADragWhoseEndWasLostDoesNotGoOnWithoutTheButton) {
     sendMouse(*view, QEvent::MouseButtonPress, middle);
     sendMouse(*view, QEvent::MouseMove, middle + QPointF(20, 0));
-    const Rect dragged = view->frame();
+    const Rect dragged = view->place();
     EXPECT_EQ(dragged, (Rect{120, 100, 100, 50}));
     sendMouse(*view, QEvent::MouseMove, middle, Qt::NoButton);
-    EXPECT_EQ(view->frame(), dragged);
+    EXPECT_EQ(view->place(), dragged);
     EXPECT_FALSE(view->isDraggingInteractively());
 }
 
@@ -90,7 +100,7 @@ TEST_F(InteractiveStampViewTest, OtherButtonsDoNothing) {
     sendMouse(*view, QEvent::MouseButtonPress, middle, Qt::RightButton);
     EXPECT_FALSE(view->isDraggingInteractively());
     sendMouse(*view, QEvent::MouseButtonRelease, middle, Qt::RightButton);
-    EXPECT_TRUE(selections.isEmpty() && frames.isEmpty());
+    EXPECT_TRUE(selections.isEmpty() && places.isEmpty());
 }
 
 TEST_F(InteractiveStampViewTest, TheCursorTellsTheHandleFromTheRest) {

@@ -59,7 +59,7 @@ TEST_F(PDFEditorViewTest, EveryDragStepReachesTheStampUnderItsOwnPage) {
         QCoreApplication::processEvents();
         bridge.updateView(*host);
         const Rect rect = stampsByPage.value().value(0).first().rect;
-        EXPECT_TRUE(isNear(host->pdfView().convertFromPage(rect), host->stampView(stamp.id)->frame(), 1e-6));
+        EXPECT_TRUE(isNear(host->pdfView().convertFromPage(rect), host->stampView(stamp.id)->place(), 1e-6));
     }
     EXPECT_EQ(placeOfList(), place) << "changed in place, not copied";
     EXPECT_EQ(selectedStampID.value(), stamp.id);
