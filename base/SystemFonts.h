@@ -8,7 +8,7 @@
 namespace vellmora {
 
 /// The fonts that the program brings along, so that stamps and window look alike on every machine: one
-/// sans-serif family with the weights regular, medium, bold and black and with tabular figures.
+/// sans-serif family with the weights regular, medium, semibold, bold and black and with tabular figures.
 class SystemFonts {
 public:
     /// Registers the embedded fonts with Qt; needs a QGuiApplication. May be called again.

@@ -22,8 +22,8 @@ constexpr double borderOpacity = 0.28;
 constexpr double targetedBorderWidth = 2.5;
 constexpr double targetedBorderOpacity = 0.95;
 
-constexpr int shadowRadius = 18;
-constexpr int shadowOffset = 8;
+constexpr double shadowRadius = 18;
+constexpr double shadowOffset = 8;
 constexpr double shadowOpacity = 0.22;
 
 QColor accentOnMaterial(const QPalette& palette) {
@@ -32,22 +32,13 @@ QColor accentOnMaterial(const QPalette& palette) {
     return Theme::readable(Theme::accent(palette), material);
 }
 
-/// A soft shadow, made of many faint rectangles over one another, each a little larger than the one before.
-void paintShadow(QPainter& painter, const QRectF& frame) {
-    const QRectF shadow = frame.translated(0, shadowOffset);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::black(2 * shadowOpacity / shadowRadius));
-    for (int spread = -shadowRadius / 2; spread < shadowRadius / 2; ++spread)
-        painter.drawRoundedRect(shadow.adjusted(-spread, -spread, spread, spread), cornerRadius + spread,
-                                cornerRadius + spread);
-}
-
 }  // namespace
 
 DropZone::DropZone(const Theme& theme, QWidget* parent)
     : QWidget(parent),
       m_symbol(new SymbolView(Symbol::trayArrowDown, symbolSize, Theme::text, this)),
-      m_title(makeTextOnDark({}, theme.font(titleSize, Theme::semibold), 1, this)) {
+      m_title(makeTextOnDark({}, theme.font(titleSize, Theme::semibold), 1, this)),
+      m_shadow({cornerRadius, shadowRadius, Theme::black(shadowOpacity)}) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     auto* stack = new QVBoxLayout(this);
     constexpr int side = sidePadding + horizontalPadding;
@@ -79,7 +70,8 @@ void DropZone::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF frame = QRectF(rect()).adjusted(sidePadding, shadowMargin, -sidePadding, -shadowMargin);
-    paintShadow(painter, frame);
+    m_shadow.paint(painter, frame.translated(0, shadowOffset));
+    painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::dropZoneMaterial());
     painter.drawRoundedRect(frame, cornerRadius, cornerRadius);
 

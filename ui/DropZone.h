@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/SoftShadow.h"
 #include "ui/Symbols.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
@@ -33,6 +34,7 @@ protected:
 private:
     SymbolView* m_symbol;
     TextLabel* m_title;
+    SoftShadow m_shadow;
     bool m_isTargeted = false;
 };
 

@@ -4,13 +4,24 @@
 
 #include <utility>
 
+#include <QHelpEvent>
 #include <QPainter>
 #include <QTextLayout>
+#include <QToolTip>
 #include <QtMath>
 
 namespace vellmora {
 
 namespace {
+
+/// With blanks in place of line breaks and tabs, which a file's name may hold. Runs of blanks stay.
+QString onOneLine(QString text) {
+    for (QChar& character : text) {
+        if (character.isSpace() && character != QChar::Nbsp)
+            character = QLatin1Char(' ');
+    }
+    return text;
+}
 
 /// Breaks the text into at most `maximum` lines of this width.
 void breakLines(QTextLayout& layout, double width, int maximum) {
@@ -76,6 +87,20 @@ QSize TextLabel::minimumSizeHint() const {
     return m_maximumLines == 0 ? sizeHint() : QSize(0, sizeHint().height());
 }
 
+QStringList TextLabel::shownLines() const {
+    return elidedLines(onOneLine(text()), font(), width(), m_maximumLines);
+}
+
+bool TextLabel::event(QEvent* event) {
+    const bool isAskedForMore = event->type() == QEvent::ToolTip && m_maximumLines > 0;
+    if (!isAskedForMore || shownLines().join(QString()) == onOneLine(text()))
+        return QLabel::event(event);
+    // As HTML the text is broken into lines; blanks and signs stay what they are.
+    const QString html = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text().toHtmlEscaped());
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), html, this);
+    return true;
+}
+
 void TextLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setFont(font());
@@ -85,7 +110,7 @@ void TextLabel::paintEvent(QPaintEvent*) {
         painter.drawText(contentsRect(), static_cast<int>(alignment()) | wrapping, text());
         return;
     }
-    const QStringList lines = elidedLines(text().simplified(), font(), width(), m_maximumLines);
+    const QStringList lines = shownLines();
     const int lineHeight = fontMetrics().height();
     const int top = (height() - lineHeight * static_cast<int>(lines.size())) / 2;
     for (qsizetype i = 0; i < lines.size(); ++i) {

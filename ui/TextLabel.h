@@ -15,9 +15,9 @@ public:
 
     TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
 
-    /// From now on the text has at most this many lines, 1 or 2, and an ellipsis ends a text that is longer.
-    /// The label takes whatever width its layout gives it. A label on which this is never called has one
-    /// line, or with `setWordWrap` as many as its text needs.
+    /// From now on the text has at most this many lines, 1 or 2. An ellipsis ends a text that is longer; all
+    /// of it is in a tooltip then. The label takes whatever width its layout gives it. A label on which this
+    /// is never called has one line, or with `setWordWrap` as many as its text needs.
     void setMaximumLines(int lines);
 
     QSize sizeHint() const override;
@@ -26,9 +26,13 @@ public:
     int heightForWidth(int width) const override;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// What is painted where the lines are limited.
+    QStringList shownLines() const;
+
     Color m_color;
     int m_maximumLines = 0;
 };

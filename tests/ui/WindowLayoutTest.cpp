@@ -179,7 +179,7 @@ TEST_F(WindowLayoutTest, ATileIsAsHighAsItsNameAndBadgeNeed) {
             seen.insert(heights.of(preset));
         }
     }
-    EXPECT_EQ(seen.size(), 3) << "neither, a badge or a second line, both";
+    EXPECT_EQ(seen.size(), 4) << "neither, a badge, a second line, both";
 }
 
 TEST_F(WindowLayoutTest, EverySymbolHasItsOwnDrawing) {
