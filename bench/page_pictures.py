@@ -9,25 +9,20 @@ RENDER_SECONDS = 30
 GAUSSIAN = [0.0044, 0.0540, 0.2420, 0.3991, 0.2420, 0.0540, 0.0044]
 TYPICAL_EDGE = 800  # pixels on the longer side of the largest page
 
-# A page that shows its crop box is compared with one that has the media box only: the output gets the boxes of
-# the source for it. Arguments: source, output, file to write.
-CARRY_CROP_BOXES = """
-function inherited(page, key) {
-    for (var node = page, depth = 0; node && !node.isNull() && depth < 100; node = node.get("Parent"), depth++) {
-        var value = node.get(key);
-        if (value && !value.isNull()) return value;
+# A source without its links: their borders are drawn by some viewers and not carried over. Arguments: source, file to write.
+REMOVE_LINKS = """
+var source = new PDFDocument(scriptArgs[0]);
+for (var i = 0; i < source.countPages(); i++) {
+    var page = source.findPage(i), annotations = page.get("Annots");
+    if (!annotations || !annotations.isArray()) continue;
+    var others = [];
+    for (var k = 0; k < annotations.length; k++) {
+        var subtype = annotations.get(k).get("Subtype");
+        if (!subtype || String(subtype) != "/Link") others.push(annotations.get(k));
     }
-    return null;
+    page.put("Annots", others);
 }
-var source = new PDFDocument(scriptArgs[0]), output = new PDFDocument(scriptArgs[1]);
-for (var i = 0; i < Math.min(source.countPages(), output.countPages()); i++) {
-    var box = inherited(source.findPage(i), "CropBox");
-    if (!box || !box.isArray() || box.length != 4) continue;
-    var numbers = [];
-    for (var k = 0; k < 4; k++) numbers.push(box.get(k).asNumber());
-    if (numbers[0] != numbers[2] && numbers[1] != numbers[3]) output.findPage(i).put("CropBox", numbers);
-}
-output.save(scriptArgs[2], "");
+source.save(scriptArgs[1], "");
 """
 
 
@@ -55,11 +50,12 @@ def read_pixels(path):
     return numpy.frombuffer(data, numpy.uint8, width * height * channels, at).reshape(height, width, channels)
 
 
-def carry_crop_boxes(source, output, target, folder):
-    script = folder / "crop.js"
-    script.write_text(CARRY_CROP_BOXES)
-    run(["mutool", "run", str(script), str(source), str(output), str(target)])
-    return target if target.exists() else output
+def without_links(source, target, folder):
+    """Nothing where that cannot be written."""
+    script = folder / "links.js"
+    script.write_text(REMOVE_LINKS)
+    run(["mutool", "run", str(script), str(source), str(target)])
+    return target if target.exists() else None
 
 
 def resolution(pdf):
@@ -83,11 +79,11 @@ def lacks_font(pdf, page):
 
 
 def poppler(pdf, folder, last, dpi, size=None):
-    """Pictures of pages 1 to `last` by number: media boxes, or the crop box of page `last` at a size."""
+    """Pictures of pages 1 to `last` by number, or of page `last` at a size; crop boxes."""
     if size and is_turned(pdf, last):
         size = size[::-1]
-    scale = ["-cropbox", "-scale-to-x", str(size[0]), "-scale-to-y", str(size[1])] if size else ["-r", str(dpi)]
-    run(["pdftoppm", "-q", *scale, "-f", str(last if size else 1), "-l", str(last), str(pdf), str(folder / "p")])
+    scale = ["-scale-to-x", str(size[0]), "-scale-to-y", str(size[1])] if size else ["-r", str(dpi)]
+    run(["pdftoppm", "-q", "-cropbox", *scale, "-f", str(last if size else 1), "-l", str(last), str(pdf), str(folder / "p")])
     return {int(file.stem.rpartition("-")[2]): file for file in folder.glob("p-*.ppm")}
 
 
