@@ -33,9 +33,11 @@ const SimpleFont& FieldFonts::simpleFont(const QPDFObjectHandle& resources, cons
         m_font = m_fonts.get(font, [&] { return SimpleFont(font); });
         return *m_font;
     }
-    if (!m_helvetica)
-        m_helvetica = std::make_shared<SimpleFont>(standardFont("/Helvetica"));
-    return *m_helvetica;
+    auto& helvetica = m_helvetica[isBold(font)];
+    if (!helvetica)
+        helvetica =
+            std::make_shared<SimpleFont>(standardFont(isBold(font) ? "/Helvetica-Bold" : "/Helvetica"));
+    return *helvetica;
 }
 
 bool FieldFonts::canWrite(const QString& text, const QPDFObjectHandle& resources,
@@ -49,7 +51,8 @@ std::unique_ptr<TextWriter> FieldFonts::writer(FormBuilder& drawing, const QStri
                                                const std::string& nameInDrawing) {
     const SimpleFont& font = simpleFont(resources, fontName);
     if (!font.canWrite(withoutBreaks(text)))
-        return std::make_unique<ProgramFontWriter>(drawing, m_programFonts);
+        return std::make_unique<ProgramFontWriter>(
+            drawing, m_programFonts, isBold(font.dictionary()) ? FontWeight::bold : FontWeight::regular);
     drawing.addFont(nameInDrawing, m_copier.copy(font.dictionary()));
     return std::make_unique<SimpleFontWriter>(drawing, font, nameInDrawing);
 }

@@ -24,6 +24,7 @@ public:
     bool canWrite(const QString& text, const QPDFObjectHandle& resources, const std::string& fontName);
     /// Writes with the named font of the resources where it has all letters of the text, else with the
     /// program's own. Helvetica stands in for a font that is missing or takes more than one byte a character.
+    /// What stands in for a bold font is bold.
     /// `nameInDrawing` is what the drawing calls it.
     std::unique_ptr<TextWriter> writer(FormBuilder& drawing, const QString& text,
                                        const QPDFObjectHandle& resources, const std::string& fontName,
@@ -37,8 +38,8 @@ private:
     ObjectCopier& m_copier;
     ProgramFonts m_programFonts;
     ObjectCache<SimpleFont> m_fonts;
-    ObjectCache<SimpleFont>::Pointer m_font;  ///< the last that was asked for
-    ObjectCache<SimpleFont>::Pointer m_helvetica;
+    ObjectCache<SimpleFont>::Pointer m_font;                       ///< the last that was asked for
+    std::map<bool, ObjectCache<SimpleFont>::Pointer> m_helvetica;  ///< by whether it is bold
     std::map<std::string, TextStyle> m_styles;
 };
 

@@ -10,13 +10,13 @@ namespace vellmora {
 
 double ProgramFontWriter::width(const QString& text) const {
     double sum = 0;
-    for (const ShapedGlyph& glyph : shapeLine(text, text.isRightToLeft(), m_fonts.faces()))
+    for (const ShapedGlyph& glyph : shapeLine(text, text.isRightToLeft(), m_fonts.faces(), m_weight))
         sum += glyph.advance;
     return sum;
 }
 
 void ProgramFontWriter::show(const TextLine& line, Point at) {
-    const Glyphs glyphs = shapeLine(line.text, line.isRightToLeft, m_fonts.faces());
+    const Glyphs glyphs = shapeLine(line.text, line.isRightToLeft, m_fonts.faces(), m_weight);
     double pen = 0;
     for (auto from = glyphs.begin(); from != glyphs.end();) {
         const auto to = std::find_if(from, glyphs.end(), [&](const ShapedGlyph& glyph) {

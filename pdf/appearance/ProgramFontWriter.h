@@ -13,7 +13,8 @@ namespace vellmora {
 class ProgramFontWriter : public TextWriter {
 public:
     /// Both must outlive the writer.
-    ProgramFontWriter(FormBuilder& drawing, ProgramFonts& fonts) : m_drawing(drawing), m_fonts(fonts) {}
+    ProgramFontWriter(FormBuilder& drawing, ProgramFonts& fonts, FontWeight weight)
+        : m_drawing(drawing), m_fonts(fonts), m_weight(weight) {}
 
     double width(const QString& text) const override;
     void begin(double size) override { m_size = size; }
@@ -30,6 +31,7 @@ private:
 
     FormBuilder& m_drawing;
     ProgramFonts& m_fonts;
+    FontWeight m_weight;
     double m_size = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "pdf/fonts/GlyphNames.h"
 #include "pdf/fonts/StandardGlyphs.h"
+#include "pdf/objects/PDFValues.h"
 
 namespace vellmora {
 
@@ -70,6 +71,24 @@ bool isEmbedded(QPDFObjectHandle font) {
     QPDFObjectHandle descriptor = font.getKey("/FontDescriptor");
     return descriptor.isDictionary() && (descriptor.hasKey("/FontFile") || descriptor.hasKey("/FontFile2") ||
                                          descriptor.hasKey("/FontFile3"));
+}
+
+bool isBold(QPDFObjectHandle font) {
+    constexpr int forceBold = 1 << 18;  // ISO 32000-2, table 121
+    constexpr double leastBoldWeight = 600;
+    if (!font.isDictionary())
+        return false;
+    const std::string name = baseFontName(font);
+    for (const char* word : {"Bold", "bold", "Black", "Heavy"}) {
+        if (name.find(word) != std::string::npos)
+            return true;
+    }
+    QPDFObjectHandle descriptor = font.getKey("/FontDescriptor");
+    if (!descriptor.isDictionary())
+        return false;
+    QPDFObjectHandle flags = descriptor.getKey("/Flags");
+    return (flags.isInteger() && (flags.getIntValue() & forceBold) != 0) ||
+           numberOr(descriptor.getKey("/FontWeight"), 0) >= leastBoldWeight;
 }
 
 std::string baseFontName(QPDFObjectHandle font) {

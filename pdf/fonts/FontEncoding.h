@@ -31,4 +31,7 @@ bool isEmbedded(QPDFObjectHandle font);
 /// The font's name without the slash, empty where it has none.
 std::string baseFontName(QPDFObjectHandle font);
 
+/// Whether its letters are bold, as far as the file says it.
+bool isBold(QPDFObjectHandle font);
+
 }  // namespace vellmora

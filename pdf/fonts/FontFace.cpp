@@ -46,20 +46,22 @@ double FontFace::advance(hb_codepoint_t glyph) const {
     return thousandths(hb_font_get_glyph_h_advance(font(), glyph));
 }
 
-const FontFace& FontFaces::at(size_t index) const {
-    // The second has Arabic, Hebrew and many signs besides.
-    static constexpr std::array names{"Roboto-Regular", "DejaVuSans"};
-    if (!m_faces[index]) {
-        const QString file = QStringLiteral(":/fonts/%1.ttf").arg(QLatin1String(names[index]));
-        m_faces[index] = std::make_unique<FontFace>(names[index], file);
+const FontFace& FontFaces::at(size_t index, FontWeight weight) const {
+    // Of each weight the second has Arabic, Hebrew and many signs besides.
+    static constexpr std::array<const char*, allFaces> names{"Roboto-Bold", "DejaVuSans-Bold",
+                                                             "Roboto-Regular", "DejaVuSans"};
+    const size_t place = weight == FontWeight::bold ? index : index + boldFaces;
+    if (!m_faces[place]) {
+        const QString file = QStringLiteral(":/fonts/%1.ttf").arg(QLatin1String(names[place]));
+        m_faces[place] = std::make_unique<FontFace>(names[place], file);
     }
-    return *m_faces[index];
+    return *m_faces[place];
 }
 
-const FontFace* FontFaces::faceFor(char32_t character) const {
-    for (size_t i = 0; i < count; ++i) {
-        if (at(i).has(character))
-            return &at(i);
+const FontFace* FontFaces::faceFor(char32_t character, FontWeight weight) const {
+    for (size_t i = 0; i < count(weight); ++i) {
+        if (at(i, weight).has(character))
+            return &at(i, weight);
     }
     return nullptr;
 }

@@ -39,17 +39,24 @@ private:
     double m_unitsPerEm;
 };
 
-/// The fonts that letters are looked for in, loaded when the first letter is looked for.
+enum class FontWeight { regular, bold };
+
+/// The fonts that letters are looked for in, each loaded when the first letter is looked for in it.
 class FontFaces {
 public:
-    static constexpr size_t count = 2;
-
-    const FontFace& at(size_t index) const;
+    /// How many there are for a weight. For bold letters the regular ones come last.
+    static constexpr size_t count(FontWeight weight) {
+        return weight == FontWeight::bold ? allFaces : allFaces - boldFaces;
+    }
+    const FontFace& at(size_t index, FontWeight weight) const;
     /// The first that has the character; nothing where none has.
-    const FontFace* faceFor(char32_t character) const;
+    const FontFace* faceFor(char32_t character, FontWeight weight) const;
 
 private:
-    mutable std::array<std::unique_ptr<FontFace>, count> m_faces;
+    static constexpr size_t boldFaces = 2;
+    static constexpr size_t allFaces = 4;
+
+    mutable std::array<std::unique_ptr<FontFace>, allFaces> m_faces;
 };
 
 }  // namespace vellmora

@@ -10,7 +10,7 @@ bool ProgramFonts::canWrite(const QString& text) const {
     const auto characters = text.toUcs4();
     return std::all_of(characters.begin(), characters.end(), [&](uint character) {
         return character < ' ' || QChar::category(character) == QChar::Other_Format ||
-               m_faces.faceFor(character) != nullptr;
+               m_faces.faceFor(character, FontWeight::regular) != nullptr;
     });
 }
 

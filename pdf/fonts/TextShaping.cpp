@@ -38,9 +38,9 @@ std::vector<FriBidiLevel> embeddingLevels(const Characters& text, bool isRightTo
 }
 
 /// One face for all of the line where there is one: letters of two faces side by side look odd.
-const FontFace* commonFace(const Characters& text, const FontFaces& faces) {
-    for (size_t i = 0; i < FontFaces::count; ++i) {
-        const FontFace& face = faces.at(i);
+const FontFace* commonFace(const Characters& text, const FontFaces& faces, FontWeight weight) {
+    for (size_t i = 0; i < FontFaces::count(weight); ++i) {
+        const FontFace& face = faces.at(i, weight);
         if (std::all_of(text.begin(), text.end(), [&](uint c) { return face.has(c); }))
             return &face;
     }
@@ -54,24 +54,26 @@ hb_script_t scriptOf(uint character, hb_script_t before) {
     return isShared && before != HB_SCRIPT_INVALID ? before : script;
 }
 
-const FontFace* faceOf(uint character, const FontFace* before, const FontFaces& faces) {
+const FontFace* faceOf(uint character, const FontFace* before, const FontFaces& faces, FontWeight weight) {
     if (before != nullptr && (QChar::isMark(character) || QChar::category(character) == QChar::Other_Format))
         return before;
-    const FontFace* face = faces.faceFor(character);
-    return face != nullptr ? face : &faces.at(0);  // which shows an empty box
+    const FontFace* face = faces.faceFor(character, weight);
+    return face != nullptr ? face : &faces.at(0, weight);  // which shows an empty box
 }
 
 /// In the order of the text.
-std::vector<Run> runsOf(const Characters& text, bool isRightToLeft, const FontFaces& faces) {
+std::vector<Run> runsOf(const Characters& text, bool isRightToLeft, const FontFaces& faces,
+                        FontWeight weight) {
     const std::vector<FriBidiLevel> levels = embeddingLevels(text, isRightToLeft);
-    const FontFace* common = commonFace(text, faces);
+    const FontFace* common = commonFace(text, faces, weight);
     std::vector<Run> runs;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const Run* before = runs.empty() ? nullptr : &runs.back();
         const FriBidiLevel level = levels[static_cast<size_t>(i)];
         const hb_script_t script = scriptOf(text[i], before != nullptr ? before->script : HB_SCRIPT_INVALID);
         const FontFace* face =
-            common != nullptr ? common : faceOf(text[i], before != nullptr ? before->face : nullptr, faces);
+            common != nullptr ? common
+                              : faceOf(text[i], before != nullptr ? before->face : nullptr, faces, weight);
         if (before != nullptr && before->level == level && before->script == script && before->face == face)
             ++runs.back().length;
         else
@@ -133,11 +135,12 @@ void shapeRun(const Characters& text, const Run& run, hb_buffer_t* buffer, std::
 
 }  // namespace
 
-std::vector<ShapedGlyph> shapeLine(const QString& line, bool isRightToLeft, const FontFaces& faces) {
+std::vector<ShapedGlyph> shapeLine(const QString& line, bool isRightToLeft, const FontFaces& faces,
+                                   FontWeight weight) {
     const Characters text = line.toUcs4();
     if (text.isEmpty())
         return {};
-    std::vector<Run> runs = runsOf(text, isRightToLeft, faces);
+    std::vector<Run> runs = runsOf(text, isRightToLeft, faces, weight);
     reorder(runs);
     std::vector<ShapedGlyph> result;
     const std::unique_ptr<hb_buffer_t, decltype(&hb_buffer_destroy)> buffer(hb_buffer_create(),

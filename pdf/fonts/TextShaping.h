@@ -19,6 +19,7 @@ struct ShapedGlyph {
 };
 
 /// The glyphs of a line from left to right: letters joined, scripts that run from right to left reversed.
-std::vector<ShapedGlyph> shapeLine(const QString& line, bool isRightToLeft, const FontFaces& faces);
+std::vector<ShapedGlyph> shapeLine(const QString& line, bool isRightToLeft, const FontFaces& faces,
+                                   FontWeight weight);
 
 }  // namespace vellmora

@@ -131,6 +131,25 @@ TEST(FieldTextTest, WritesLettersThatTheFontDoesNotHaveWithOneOfItsOwn) {
     }
 }
 
+TEST(FieldTextTest, WritesBoldLettersForABoldFont) {
+    const QString polish = QStringLiteral("Łódź");
+    const auto drawn = [&](const std::string& font, const QString& value) {
+        PdfBuilder source = form(field(value, "/DA (/B 10 Tf)"));
+        source.catalog("/AcroForm << /DR << /Font << /B 1001 0 R >> >> >>").object(font);
+        return SavedText(source).content();
+    };
+    EXPECT_THAT(drawn("<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica-Bold >>", polish),
+                HasSubstr("/Roboto-Bold"));
+    EXPECT_THAT(
+        drawn("<< /Type /Font /Subtype /TrueType /BaseFont /F1 /FontDescriptor << /Flags 262176 >> >>",
+              polish),
+        HasSubstr("/Roboto-Bold"));
+    EXPECT_THAT(drawn("<< /Type /Font /Subtype /Type1 /BaseFont /Times-Bold >>", QStringLiteral("سلام")),
+                HasSubstr("/DejaVuSans-Bold"));
+    EXPECT_THAT(drawn("<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>", polish),
+                HasSubstr("/Roboto-Regular"));
+}
+
 TEST(FieldTextTest, WritesArabicJoinedAndFromRightToLeft) {
     const QString word = QStringLiteral("ببب");
     SavedText saved(form(field(word) + field(QStringLiteral("שלום 12 abc"))));
