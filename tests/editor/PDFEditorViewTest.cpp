@@ -66,6 +66,23 @@ TEST_F(PDFEditorViewTest, EveryDragStepReachesTheStampUnderItsOwnPage) {
     EXPECT_EQ(stampsByPage.value().value(2), QList<StampItem>{other});
 }
 
+TEST_F(PDFEditorViewTest, AClickIsReportedAndStoresNothing) {
+    const StampItem stamp = stampAt({100.3, 200.7, 50.2, 25.1});
+    stampsByPage = StampsByPage{{0, {stamp}}};
+    host->resize(500, 643);
+    bridge.updateView(*host);
+    int writes = 0;
+    const auto watch = stampsByPage.onValueChanged([&] { ++writes; });
+    for (int i = 0; i < 25; ++i) {
+        QTest::mouseClick(host->stampView(stamp.id), Qt::LeftButton);
+        QCoreApplication::processEvents();
+        bridge.updateView(*host);
+    }
+    EXPECT_EQ(selectedStampID.value(), stamp.id);
+    EXPECT_EQ(writes, 0);
+    EXPECT_EQ(stampsByPage.value(), (StampsByPage{{0, {stamp}}}));
+}
+
 TEST_F(PDFEditorViewTest, AReportForADeletedStampIsDropped) {
     const StampItem stamp = stampAt({100, 200, 50, 25});
     stampsByPage = StampsByPage{{0, {stamp}}};
