@@ -78,7 +78,9 @@ int main(int argc, char** argv) {
 
     faults::Plan plan;
     plan.folder = home.toStdString();
-    // What changes files: of other calls those count, too, that load the sidebar's pictures meanwhile.
+    // What changes files: of other calls those count, too, that load the sidebar's pictures meanwhile. Their
+    // notes are left out.
+    plan.except = plan.folder + "/data/Vellmora/.decoding";
     plan.kinds = faults::writeCall | faults::syncCall | faults::renameCall | faults::removeCall |
                  faults::attributeCall;
     plan.nth = arguments[3].toInt();
