@@ -41,9 +41,9 @@ QByteArray detectFormat(const QByteArray& data) {
     return {};
 }
 
-QImage decode(const QByteArray& data, const QByteArray& format) {
+QImage decode(const QByteArray& data, const QByteArray& format, std::chrono::nanoseconds longest) {
     // Qt's PNG decoder must get all that it asks for.
-    LimitedDevice device(data, Image::longestDecoding, format == jpegFormat ? jpegPortion : data.size());
+    LimitedDevice device(data, longest, format == jpegFormat ? jpegPortion : data.size());
     QImageReader reader(&device, format);
     QImageReader::setAllocationLimit(Image::maxDecodedMegabytes);
     reader.setAutoDetectImageFormat(false);
@@ -77,12 +77,12 @@ bool isInSRGB(const QImage& image) {
 
 Image::Image(QImage pixels) : m_pixels(std::move(pixels)) {}
 
-std::optional<Image> Image::fromData(const QByteArray& data) {
+std::optional<Image> Image::fromData(const QByteArray& data, std::chrono::nanoseconds longest) {
     const QByteArray format = detectFormat(data);
     const QByteArray bytes = decodable(data, format);
     if (format.isEmpty() || bytes.isEmpty())
         return std::nullopt;
-    Image image(unpacked(decode(bytes, format)));
+    Image image(unpacked(decode(bytes, format, longest)));
     if (image.m_pixels.isNull())
         return std::nullopt;
     if (format == pngFormat)

@@ -25,7 +25,8 @@ public:
 
     /// Decodes PNG or JPEG bytes, whatever their file was called. Colours are converted to sRGB where the
     /// file states a profile. Nothing where the bytes cannot be decoded as a whole.
-    static std::optional<Image> fromData(const QByteArray& data);
+    static std::optional<Image> fromData(const QByteArray& data,
+                                         std::chrono::nanoseconds longest = longestDecoding);
     /// Reads and decodes a file; nothing where it is missing, unreadable or no picture.
     static std::optional<Image> fromFile(const QString& path);
     /// A picture that was drawn by the program itself.

@@ -27,10 +27,6 @@ BuiltinPictures::BuiltinPictures(LibraryFolder folder, SystemFonts fonts)
     connect(&m_drawing, &BuiltinDrawing::drawn, this, &BuiltinPictures::drawn);
 }
 
-QString BuiltinPictures::fileName(const BuiltinStampDefinition& definition) {
-    return QStringLiteral("builtin-%1.png").arg(definition.key);
-}
-
 void BuiltinPictures::name(QList<StampPreset>& presets, const QList<Placed>& placed) {
     for (const Placed& stamp : placed) {
         bool isThere = false;
@@ -78,7 +74,7 @@ void BuiltinPictures::placeOne(const DrawnBuiltin& stamp, const QList<StampPrese
             m_unplaced.insert(preset.fileName, stamp.png);
     }
     result.newPreset.displayName = stamp.definition.displayName;
-    result.newPreset.fileName = fileName(stamp.definition);
+    result.newPreset.fileName = builtinFileName(stamp.definition.key);
     result.newPreset.createdAt = m_drawnAt;
     result.newPreset.builtinKey = stamp.definition.key;
     const bool mayBeMade = missing == Missing::isMade;

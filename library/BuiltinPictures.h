@@ -33,8 +33,6 @@ public:
 
     BuiltinPictures(LibraryFolder folder, SystemFonts fonts);
 
-    static QString fileName(const BuiltinStampDefinition& definition);
-
     /// Gives the presets of the stamps the names of their day, and appends those that are new.
     static void name(QList<StampPreset>& presets, const QList<Placed>& placed);
 

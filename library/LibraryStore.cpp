@@ -42,7 +42,7 @@ void makeIDsUnique(QList<StampPreset>& presets) {
 }
 
 /// A picture that the user has imported, or that an entry of the user's shows, is never drawn over: an entry
-/// that calls it built-in is the user's, too.
+/// that calls it built-in is the user's, too. The names of the built-in pictures are the program's own.
 void returnPicturesOfUsers(QList<StampPreset>& presets) {
     QSet<QString> pictures;
     for (const StampPreset& preset : presets) {
@@ -50,7 +50,8 @@ void returnPicturesOfUsers(QList<StampPreset>& presets) {
             pictures.insert(preset.fileName);
     }
     for (StampPreset& preset : presets) {
-        if (pictures.contains(preset.fileName))
+        if (preset.isBuiltin() && pictures.contains(preset.fileName) &&
+            preset.fileName != builtinFileName(*preset.builtinKey))
             preset.builtinKey.reset();
     }
 }

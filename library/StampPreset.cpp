@@ -6,6 +6,10 @@ namespace vellmora {
 
 static const QString importedSuffix = QStringLiteral(".png");
 
+QString builtinFileName(const QString& key) {
+    return QStringLiteral("builtin-%1.png").arg(key);
+}
+
 QString importedFileName(const QUuid& id) {
     return identifierText(id) + importedSuffix;
 }

@@ -10,6 +10,7 @@
 
 #include <QBuffer>
 #include <QColorSpace>
+#include <QImageWriter>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -94,6 +95,32 @@ TEST(ImageTest, NoChunkTakesMoreMemoryThanItsFileIsWorth) {
         Image::fromData(png);  // with the text or without it
     }
     EXPECT_LT(peakKilobytes() - peak, 100000);
+}
+
+TEST(ImageTest, ManyPackedChunksTakeNoMoreMemoryThanOne) {
+    // Each is unpacked and kept by the decoder where it gets them: 1,200 megabytes.
+    const QByteArray chunk = pngChunk("zTXt", QByteArray("Title\0\0", 7) + packedText(6));
+    QByteArray png = plainPng(16, 16, Qt::red);
+    png.insert(afterHeader, chunk.repeated(200));
+    const auto peak = peakKilobytes();
+    EXPECT_TRUE(Image::fromData(png));
+    EXPECT_LT(peakKilobytes() - peak, 100000);
+}
+
+TEST(ImageTest, APictureThatTakesTooLongIsGivenUp) {
+    // Black, 8000 by 8000, its first scan repeated: each goes over the whole picture.
+    QImage large(8000, 8000, QImage::Format_Grayscale8);
+    large.fill(Qt::black);
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    QImageWriter writer(&buffer, "jpg");
+    writer.setProgressiveScanWrite(true);
+    ASSERT_TRUE(writer.write(large));
+    const qsizetype scan = jpeg.indexOf("\xff\xda");
+    const qsizetype next = jpeg.indexOf("\xff\xc4", scan);
+    const QByteArray first = jpeg.sliced(scan, next - scan);
+    jpeg.insert(next, first.repeated(400));
+    EXPECT_FALSE(Image::fromData(jpeg, std::chrono::milliseconds(300)));
 }
 
 TEST(ImageTest, ShowsTheFirstFrameOfAnAnimation) {
