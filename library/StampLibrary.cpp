@@ -110,7 +110,7 @@ static QString displayNameFor(const QUrl& url) {
 
 /// The file's bytes, which are a PNG that can be decoded.
 static QByteArray readPng(const QString& path) {
-    const QByteArray bytes = files::read(path, Image::maxFileSize);
+    QByteArray bytes = files::read(path, Image::maxFileSize);
     const std::optional<Image> image = Image::fromData(bytes);
     if (image && image->isFromPng())
         return bytes;
