@@ -196,9 +196,10 @@ void ContentView::addStampToCurrentPage(const std::optional<StampPreset>& preset
             return;
         }
         addStampToCurrentPage(*image, preset->id);
+        const QString name = m_stampLibrary->current(*preset).displayName;
         m_stampLibrary->recordUse(preset->id);
         statusText = QStringLiteral("Stempel auf Seite ") + QString::number(currentPageIndex.value() + 1) +
-                     QStringLiteral(" eingefügt: ") + preset->displayName;
+                     QStringLiteral(" eingefügt: ") + name;
     } catch (...) {
         statusText = Error::current().localizedDescription();
     }

@@ -14,6 +14,17 @@ namespace vellmora {
 
 AtomicFile::AtomicFile(const QString& path, FileAction action) : m_target(files::resolved(path)) {
     files::requireWritable(m_target);
+    create(action);
+}
+
+AtomicFile::AtomicFile(const QString& path, Place place)
+    : m_target(place == Place::kept ? files::resolved(path) : path), m_place(place) {
+    if (place == Place::kept)
+        files::requireWritable(m_target);
+    create(FileAction::create);
+}
+
+void AtomicFile::create(FileAction action) {
     const QString folder = QFileInfo(m_target).path();
     removeStaleTemporaryFiles(folder);
     try {
@@ -43,7 +54,10 @@ void AtomicFile::write(const char* bytes, qint64 count) {
 }
 
 void AtomicFile::finish(Durability durability) {
-    takeOverAttributes(m_file.get(), m_target);
+    if (m_place == Place::kept)
+        takeOverAttributes(m_file.get(), m_target);
+    else
+        giveNewFileAttributes(m_file.get(), QFileInfo(m_target).path());
     m_lock = FileDescriptor(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
     const bool isSynced = durability == Durability::synced;
     // Closing may report a failed write.

@@ -19,6 +19,12 @@ namespace vellmora {
 /// All operations throw `Error` (POSIX domain).
 class AtomicFile {
 public:
+    /// What stands under the name is kept in all but its content, or makes way for a file like a new one.
+    enum class Place { kept, taken };
+
+    /// With `taken` nothing of the above holds of a link, of what may not be written, and of attributes: the
+    /// new file takes the name from whatever has it, but for a folder.
+    AtomicFile(const QString& path, Place place);
     /// `action` is what the message of an error says was tried where no file can be made in the folder.
     explicit AtomicFile(const QString& path, FileAction action = FileAction::create);
     ~AtomicFile();
@@ -34,7 +40,10 @@ public:
     void commit(Durability durability = Durability::synced);
 
 private:
+    void create(FileAction action);
+
     QString m_target;
+    Place m_place = Place::kept;
     QString m_temporary;
     FileDescriptor m_file;
     FileDescriptor m_lock;  ///< keeps the file locked from the end of the writing until it has its name

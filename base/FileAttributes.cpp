@@ -175,8 +175,8 @@ void takeOverAttributes(int file, const QString& path) {
     const QByteArray name = QFile::encodeName(path);
     struct stat original {};
     if (::lstat(name, &original) != 0) {
-        if (errno == ENOENT) [[maybe_unused]]
-            const int ignored = ::fchmod(file, permissionsForNewFile(QFileInfo(path).path()));
+        if (errno == ENOENT)
+            giveNewFileAttributes(file, QFileInfo(path).path());
         return;
     }
     if (!S_ISREG(original.st_mode))
@@ -185,6 +185,10 @@ void takeOverAttributes(int file, const QString& path) {
     copyPlainAttributes(name, file, names.value_or(QList<QByteArray>()));
     const Ownership ownership = takeOverOwnership(file, original);
     takeOverAccess(name, file, names, ownership, permissionsFor(original.st_mode, ownership));
+}
+
+void giveNewFileAttributes(int file, const QString& folder) {
+    [[maybe_unused]] const int ignored = ::fchmod(file, permissionsForNewFile(folder));
 }
 
 unsigned permissionsForNewFile(const QString& folder) {

@@ -13,6 +13,10 @@ namespace vellmora {
 /// leaves the new file open to fewer. Never fails.
 void takeOverAttributes(int file, const QString& path);
 
+/// Gives an open new file, which only its owner may read so far, the permissions that a new file has in
+/// `folder`. Never fails.
+void giveNewFileAttributes(int file, const QString& folder);
+
 /// Permissions of a new file in `folder`: what the folder's default access list gives, or else the umask.
 unsigned permissionsForNewFile(const QString& folder);
 

@@ -56,6 +56,17 @@ bool isTrusted(const struct stat& link, const std::filesystem::path& folder) {
     return (info.st_mode & forAll) != forAll || link.st_uid == ::geteuid() || link.st_uid == info.st_uid;
 }
 
+/// A folder under this name gets another one beside it.
+void moveFolderAside(const QString& path) {
+    struct stat info {};
+    if (::lstat(QFile::encodeName(path).constData(), &info) != 0 || !S_ISDIR(info.st_mode))
+        return;
+    QString aside = path + QStringLiteral(".beiseite");
+    for (int number = 2; exists(aside); ++number)
+        aside = path + QStringLiteral(".beiseite-%1").arg(number);
+    rename(path, aside);
+}
+
 }  // namespace
 
 OpenedFile openForReading(const QString& path) {
@@ -108,8 +119,11 @@ bool isGone(const QString& path) {
            (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
 }
 
-QByteArray read(const QString& path) {
-    return read(openForReading(path), path);
+QByteArray read(const QString& path, qint64 limit) {
+    const OpenedFile opened = openForReading(path);
+    if (opened.size > limit)
+        throw fileError(FileAction::read, path, EFBIG);
+    return read(opened, path);
 }
 
 QByteArray read(const OpenedFile& opened, const QString& path) {
@@ -130,6 +144,14 @@ void remove(const QString& path) {
 void writeAtomically(const QString& path, const QByteArray& bytes, Durability durability) {
     AtomicFile file(path);
     file.write(bytes.constData(), bytes.size());
+    file.commit(durability);
+}
+
+void putInPlace(const QString& path, const QByteArray& bytes, Durability durability) {
+    AtomicFile file(path, AtomicFile::Place::taken);
+    file.write(bytes.constData(), bytes.size());
+    file.finish(durability);
+    moveFolderAside(path);
     file.commit(durability);
 }
 

@@ -3,6 +3,8 @@
 #include "base/FileDescriptor.h"
 #include "base/TemporaryFile.h"
 
+#include <limits>
+
 #include <QByteArray>
 #include <QSet>
 #include <QString>
@@ -32,8 +34,9 @@ struct OpenedFile {
 /// Opens a regular file. Anything else (folder, pipe, device) is refused without blocking.
 OpenedFile openForReading(const QString& path);
 
-/// Whole content of a regular file, as of `openForReading`.
-QByteArray read(const QString& path);
+/// Whole content of a regular file, as of `openForReading`. A file of more bytes than `limit` is refused
+/// (EFBIG) before any of it is read.
+QByteArray read(const QString& path, qint64 limit = std::numeric_limits<qint64>::max());
 /// The same of one that is open, from its beginning; `path` is what an error names.
 QByteArray read(const OpenedFile& opened, const QString& path);
 
@@ -43,6 +46,11 @@ void remove(const QString& path);
 /// The file is on the disk when the call returns, unless `durability` does without.
 void writeAtomically(const QString& path, const QByteArray& bytes,
                      Durability durability = Durability::synced);
+
+/// Puts a new file with these bytes into the place of whatever has the name. A link is replaced, and what it
+/// leads to left alone; a file that may not be written is replaced, too; a folder is renamed, so that nothing
+/// in it is lost.
+void putInPlace(const QString& path, const QByteArray& bytes, Durability durability = Durability::synced);
 
 /// Byte-for-byte copy of a regular file; the destination appears whole or not at all.
 void copy(const QString& from, const QString& to);

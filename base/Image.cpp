@@ -2,6 +2,7 @@
 
 #include "base/Error.h"
 #include "base/Files.h"
+#include "base/LimitedDevice.h"
 #include "base/PngChunks.h"
 
 #include <algorithm>
@@ -25,6 +26,10 @@ constexpr int bytesPerPixel = 4;
 /// zlib.
 constexpr int fastQuality = 85;
 
+/// A few bytes may stand for much work: a scan of a JPEG takes as little as ten, and touches the whole
+/// picture.
+constexpr qint64 jpegPortion = 512;
+
 const QByteArray pngFormat = QByteArrayLiteral("png");
 const QByteArray jpegFormat = QByteArrayLiteral("jpeg");
 
@@ -36,15 +41,10 @@ QByteArray detectFormat(const QByteArray& data) {
     return {};
 }
 
-/// The decoder makes room for what a chunk claims to hold before it reads any of it.
-bool hasAllChunks(const QByteArray& png) {
-    return visitPngChunks(png, [](QByteArrayView, QByteArrayView) {});
-}
-
-QImage decode(const QByteArray& data, const QByteArray& format) {
-    QBuffer buffer;
-    buffer.setData(data);
-    QImageReader reader(&buffer, format);
+QImage decode(const QByteArray& data, const QByteArray& format, std::chrono::nanoseconds longest) {
+    // Qt's PNG decoder must get all that it asks for.
+    LimitedDevice device(data, longest, format == jpegFormat ? jpegPortion : data.size());
+    QImageReader reader(&device, format);
     QImageReader::setAllocationLimit(Image::maxDecodedMegabytes);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
@@ -52,7 +52,14 @@ QImage decode(const QByteArray& data, const QByteArray& format) {
     const QSize size = reader.size();
     if (qint64(size.width()) * size.height() * bytesPerPixel > qint64(Image::maxDecodedMegabytes) << 20)
         return {};
-    return reader.read();
+    QImage image = reader.read();
+    return device.isTimeOver() ? QImage() : image;
+}
+
+/// The decoder makes room for what a chunk claims to hold before it reads any of it, and unpacks all that it
+/// finds.
+QByteArray decodable(const QByteArray& data, const QByteArray& format) {
+    return format == pngFormat ? pictureChunks(data) : data;
 }
 
 /// Pixels that hold their own colour: a picture with a palette cannot be scaled smoothly.
@@ -70,11 +77,12 @@ bool isInSRGB(const QImage& image) {
 
 Image::Image(QImage pixels) : m_pixels(std::move(pixels)) {}
 
-std::optional<Image> Image::fromData(const QByteArray& data) {
+std::optional<Image> Image::fromData(const QByteArray& data, std::chrono::nanoseconds longest) {
     const QByteArray format = detectFormat(data);
-    if (format.isEmpty() || (format == pngFormat && !hasAllChunks(data)))
+    const QByteArray bytes = decodable(data, format);
+    if (format.isEmpty() || bytes.isEmpty())
         return std::nullopt;
-    Image image(unpacked(decode(data, format)));
+    Image image(unpacked(decode(bytes, format, longest)));
     if (image.m_pixels.isNull())
         return std::nullopt;
     if (format == pngFormat)
@@ -87,7 +95,7 @@ std::optional<Image> Image::fromData(const QByteArray& data) {
 
 std::optional<Image> Image::fromFile(const QString& path) {
     try {
-        return fromData(files::read(path));
+        return fromData(files::read(path, maxFileSize));
     } catch (const Error&) {
         return std::nullopt;
     }

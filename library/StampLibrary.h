@@ -6,12 +6,17 @@
 #include "base/Image.h"
 #include "base/SystemFonts.h"
 #include "base/UserDefaults.h"
-#include "library/BuiltinFiles.h"
+#include "library/BuiltinPictures.h"
+#include "library/LibraryFolder.h"
+#include "library/LibraryStore.h"
+#include "library/PictureMarks.h"
+#include "library/RecentPresets.h"
 #include "library/StampPreset.h"
+#include "library/Today.h"
 
-#include <future>
 #include <optional>
 
+#include <QFileSystemWatcher>
 #include <QList>
 #include <QObject>
 #include <QUrl>
@@ -20,10 +25,12 @@ namespace vellmora {
 
 /// The persistent stamp library: picture files in a folder, one metadata file beside it, and two settings.
 ///
-/// Loads synchronously when it is made, and draws the built-in stamps anew: at once where that changes more
-/// than their pictures, else with `redrawDueBuiltins`, or when somebody asks for one of them. Every change
-/// rewrites the metadata file as a whole; changes that another process makes to the folder are seen at the
-/// next start. Operations that can fail throw `Error`.
+/// All windows and programs of the user share it. A change is made to what is on the disk at that moment, and
+/// what others change there is shown as soon as the system tells of it, else with the next change. The
+/// selection is the library object's own while it lives; stored is the one that was chosen last.
+///
+/// Loads synchronously when it is made. The built-in stamps are those of the present day, also while a window
+/// stays open over midnight. Operations that can fail throw `Error`. Main thread only.
 class StampLibrary : public QObject {
     Q_OBJECT
 
@@ -31,7 +38,7 @@ public:
     static const QString metadataFileName;
     static const QString selectedPresetDefaultsKey;
     static const QString recentPresetDefaultsKey;
-    static constexpr qsizetype maxStoredRecents = 12;
+    static constexpr qsizetype maxStoredRecents = RecentPresets::maxStored;
     static constexpr qsizetype maxShownRecents = 8;
 
     /// What the library needs from its surroundings. `panels` must outlive the library.
@@ -46,7 +53,7 @@ public:
     ~StampLibrary() override;
 
     /// Built-ins first, then by date of use (newest first), then by name.
-    const QList<StampPreset>& presets() const { return m_presets; }
+    const QList<StampPreset>& presets() const { return m_store.presets(); }
     const std::optional<QUuid>& selectedPresetID() const { return m_selectedPresetID; }
 
     /// The preset that the next insert uses: the selected one, else the first. Nothing where the library is
@@ -60,72 +67,58 @@ public:
     /// cannot be saved now, it is saved with the next change.
     void recordUse(const QUuid& id);
 
-    /// Copies the file into the library, selects the new entry and puts it first among the recent ones.
+    /// Copies the file into the library, selects the new entry and puts it first among the recent ones. A
+    /// file that is no PNG which can be decoded is refused.
     StampPreset importPreset(const QUrl& url);
     /// Deletes the entry and its file. Does nothing for an unknown id. A built-in stamp comes back at the
     /// next start.
     void removePreset(const QUuid& id);
-    /// The preset's picture, read from its file at every call. Nothing where the file is missing or cannot be
-    /// decoded.
+    /// The preset's picture, read from its file at every call; a built-in stamp's is that of this day.
+    /// Nothing where the file is missing or cannot be decoded.
     std::optional<Image> image(const StampPreset& preset);
-    /// The same picture, for a view that loads it later on another thread.
+    /// The same picture, for a view that loads it later on another thread. A picture over which the program
+    /// has ended counts as one that cannot be decoded.
     DeferredPicture deferredPicture(const StampPreset& preset) const;
-    /// Begins to draw the built-in stamps anew, where that is still to be done. It takes a thread of its own
-    /// a while: it is called once the window is there.
+    /// The preset as it is now: a built-in one's name changes with the day. Itself where it is gone.
+    StampPreset current(const StampPreset& preset) const;
+    /// Begins to draw the built-in stamps of this day, where that is still to be done. It takes a thread of
+    /// its own a while: it is called once the window is there.
     void redrawDueBuiltins();
     /// Asks the user for a PNG file. Nothing where the user cancels.
     std::optional<QUrl> openImportPanel();
 
 Q_SIGNALS:
-    /// Emitted before each change of `presets` or `selectedPresetID`.
+    /// Emitted with each change of `presets`, `selectedPresetID`, `recentPresets` or a picture. All of it is
+    /// as it will be on the next turn of the event loop.
     void objectWillChange();
 
 private:
-    QString libraryRoot() const;
-    QString stampsDirectory() const;
-    QString metadataPath() const;
-    QString filePath(const StampPreset& preset) const;
-
-    void ensureLibraryDirectories() const;
     void loadLibrary();
-    QList<StampPreset> loadPresets() const;
-    QString unusedAsidePath() const;
-    void keepUnreadableMetadata();
-    void persistMetadata();
-    void sortPresets();
+    void watch();
+    void showOthersChanges(const QString& folder);
+    void adopt(const QList<StampPreset>& presets);
+    void add(const LibraryStore::Change& change);
+    void save();
 
     void setSelectedPresetID(const std::optional<QUuid>& id);
-    void selectFirstPreset();
+    std::optional<QUuid> firstPresetID() const;
     void restoreSelection();
-    QList<QUuid> recentPresetIDs() const;
-    void storeRecentPresetIDs(const QList<QUuid>& ids);
-    void prependRecent(const QUuid& id);
-    void removeRecent(const QUuid& id);
+    std::optional<StampPreset> preset(const std::optional<QUuid>& id) const;
 
     void ensureBuiltinPresets();
-    /// Whether views may have asked for the pictures that are drawn anew, and are to be told of other ones.
-    enum class Earlier { areNotShown, mayBeShown };
-    /// Those that are due, on a thread of Qt's.
-    void redrawBuiltins(Earlier pictures);
-    /// For whoever reads or removes the picture of a built-in stamp.
-    void finishRedrawing();
-    void showRedrawnBuiltins();
-    BuiltinFile builtinFile(const BuiltinStampDefinition& definition);
-    bool isCurrent(const BuiltinStampDefinition& definition);
-    void adoptBuiltin(const BuiltinStampDefinition& definition, const QDateTime& now);
-
-    QList<StampPreset>::iterator findBuiltin(const BuiltinStampDefinition& definition);
-    QList<StampPreset>::iterator findPreset(const QUuid& id);
-    QList<StampPreset>::const_iterator findPreset(const QUuid& id) const;
+    void bringBuiltinsUpToDate(BuiltinPictures::Missing missing);
+    void nameBuiltins(const QList<BuiltinPictures::Placed>& placed);
 
     Environment m_environment;
+    LibraryFolder m_folder;
+    LibraryStore m_store;
     UserDefaults m_defaults;
-    QList<StampPreset> m_presets;
+    RecentPresets m_recents{m_defaults};
+    PictureMarks m_marks;
+    Today m_today;
+    BuiltinPictures m_builtins;
+    QFileSystemWatcher m_watcher;
     std::optional<QUuid> m_selectedPresetID;
-    bool m_hasUnreadableMetadata = false;
-    QList<BuiltinFile> m_dueBuiltins;  ///< to be drawn anew
-    std::shared_future<BuiltinFilesOutcome> m_redrawing;
-    int m_builtinVersion = 0;  ///< of their pictures
 };
 
 }  // namespace vellmora

@@ -21,4 +21,11 @@ struct StampPreset {
     bool operator==(const StampPreset&) const = default;
 };
 
+/// Name of a built-in stamp's picture in the library's image folder.
+QString builtinFileName(const QString& key);
+/// Name of an imported picture in the library's image folder.
+QString importedFileName(const QUuid& id);
+/// Whether the name is one of those.
+bool isImportedFileName(const QString& name);
+
 }  // namespace vellmora

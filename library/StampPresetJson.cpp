@@ -17,6 +17,16 @@ const QString createdAtKey = QStringLiteral("createdAt");
 const QString lastUsedAtKey = QStringLiteral("lastUsedAt");
 const QString builtinKeyKey = QStringLiteral("builtinKey");
 
+/// In characters. A file's name, which an entry is called after, has at most 255.
+constexpr qsizetype maxNameLength = 1000;
+
+QString shortened(const QString& name) {
+    if (name.size() <= maxNameLength)
+        return name;
+    const bool wouldSplitPair = name[maxNameLength - 1].isHighSurrogate();
+    return name.first(maxNameLength - (wouldSplitPair ? 1 : 0));
+}
+
 QJsonObject encodePreset(const StampPreset& preset) {
     QJsonObject object{
         {idKey, identifierText(preset.id)},
@@ -62,7 +72,7 @@ private:
 std::optional<StampPreset> decodePreset(const QJsonValue& value) {
     ObjectReader reader(value);
     StampPreset preset{reader.identifier(idKey),
-                       reader.string(displayNameKey),
+                       shortened(reader.string(displayNameKey)),
                        reader.string(fileNameKey),
                        reader.date(createdAtKey),
                        std::nullopt,

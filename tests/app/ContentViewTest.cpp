@@ -116,6 +116,20 @@ TEST_F(ContentViewTest, RemovingAnEntryRemovesItsStampsFromAllPages) {
         << "the selection stays, though it names nothing now";
 }
 
+TEST_F(ContentViewTest, AStampThatIsInsertedAfterMidnightHasTheNewDate) {
+    content.loadPDF(writePdf("a.pdf"));
+    const StampPreset shown = builtin(library(), QStringLiteral("eingegangen-heute"));
+    content.addStampToCurrentPage(shown);
+    workspace.now = workspace.now.addDays(1);
+    content.addStampToCurrentPage(shown);  // a tile that was not refreshed yet
+    EXPECT_EQ(status(), QStringLiteral("Stempel auf Seite 1 eingefügt: Eingegangen am: 08.03.2025"));
+    const QList<StampItem> stamps = stampsOn(0);
+    ASSERT_EQ(stamps.size(), 2);
+    EXPECT_NE(stamps[0].imageData, stamps[1].imageData) << "the placed one stays as it is";
+    EXPECT_EQ(stamps[1].imageData,
+              readFile(workspace.stampsFolder() + QStringLiteral("/builtin-eingegangen-heute.png")));
+}
+
 TEST_F(ContentViewTest, ARemovalThatFailsHasRemovedThePlacedStamps) {
     content.loadPDF(writePdf("a.pdf"));
     const StampPreset mine = import("mein.png");

@@ -10,6 +10,7 @@
 
 #include <QBuffer>
 #include <QColorSpace>
+#include <QImageWriter>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -94,6 +95,31 @@ TEST(ImageTest, NoChunkTakesMoreMemoryThanItsFileIsWorth) {
         Image::fromData(png);  // with the text or without it
     }
     EXPECT_LT(peakKilobytes() - peak, 100000);
+}
+
+TEST(ImageTest, ManyPackedChunksTakeNoMoreMemoryThanOne) {
+    // Each is unpacked and kept by the decoder where it gets them: 1,200 megabytes.
+    const QByteArray chunk = pngChunk("zTXt", QByteArray("Title\0\0", 7) + packedText(6));
+    QByteArray png = plainPng(16, 16, Qt::red);
+    png.insert(afterHeader, chunk.repeated(200));
+    const auto peak = peakKilobytes();
+    EXPECT_TRUE(Image::fromData(png));
+    EXPECT_LT(peakKilobytes() - peak, 100000);
+}
+
+TEST(ImageTest, APictureThatTakesTooLongIsGivenUp) {
+    // One colour, and its last scan repeated: each takes a few bytes, and goes over the whole picture.
+    QImage large(8000, 8000, QImage::Format_Grayscale8);
+    large.fill(Qt::black);
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    QImageWriter writer(&buffer, "jpg");
+    writer.setProgressiveScanWrite(true);
+    ASSERT_TRUE(writer.write(large));
+    const qsizetype scan = jpeg.lastIndexOf("\xff\xda");
+    const qsizetype end = jpeg.size() - 2;
+    jpeg.insert(end, jpeg.sliced(scan, end - scan).repeated(4000));
+    EXPECT_FALSE(Image::fromData(jpeg, std::chrono::milliseconds(300)));
 }
 
 TEST(ImageTest, ShowsTheFirstFrameOfAnAnimation) {

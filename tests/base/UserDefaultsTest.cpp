@@ -11,13 +11,17 @@ namespace {
 
 const QString key = QStringLiteral("Vellmora.key");
 
+void setList(UserDefaults&& defaults, const QStringList& list) {
+    defaults.changeStringList(key, [&](const QStringList&) { return list; });
 }
+
+}  // namespace
 
 TEST(UserDefaultsTest, KeepsStringsAndListsApartAcrossStarts) {
     const QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("settings.json"));
     const QString other = QStringLiteral("Vellmora.other");
-    UserDefaults(file).setStringList(key, {QStringLiteral("one")});
+    setList(UserDefaults(file), {QStringLiteral("one")});
     UserDefaults(file).setString(other, QStringLiteral("text"));
 
     UserDefaults defaults(file);
@@ -26,7 +30,7 @@ TEST(UserDefaultsTest, KeepsStringsAndListsApartAcrossStarts) {
     EXPECT_EQ(defaults.string(other), QStringLiteral("text"));
     EXPECT_FALSE(defaults.stringList(other));
 
-    defaults.setStringList(key, {});
+    setList(UserDefaults(file), {});
     EXPECT_EQ(UserDefaults(file).stringList(key), QStringList());
     defaults.remove(other);
     EXPECT_FALSE(UserDefaults(file).string(other));

@@ -19,6 +19,7 @@
 #include <fcntl.h>
 #include <sstream>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/xattr.h>
@@ -38,7 +39,10 @@ Function* next(const char* name) {
 }
 
 bool isBelow(std::string_view path) {
-    return path.substr(0, plan.folder.size()) == plan.folder;
+    const auto startsWith = [&](const std::string& folder) {
+        return path.substr(0, folder.size()) == folder;
+    };
+    return startsWith(plan.folder) && (plan.except.empty() || !startsWith(plan.except));
 }
 
 bool concerns(const char* path) {
@@ -141,6 +145,10 @@ int open64(const char* path, int flags, ...) {
     va_end(arguments);
     return pass(openCall, path,
                 [&] { return next<int(const char*, int, ...)>("open64")(path, flags, mode); });
+}
+
+int flock(int fd, int operation) noexcept {
+    return pass(lockCall, fd, [&] { return next<int(int, int)>("flock")(fd, operation); });
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {

@@ -146,6 +146,7 @@ TEST(BuiltinStampsTest, AStartOnTheSameDayRedrawsThePicturesButWritesNoMetadata)
     EXPECT_EQ(readFile(picture), "spoilt") << "a start does not wait for what is shown later";
     library->redrawDueBuiltins();
     QThreadPool::globalInstance()->waitForDone();
+    settle();
     EXPECT_NE(readFile(picture), "spoilt");
     writeFile(picture, "spoilt");
     EXPECT_TRUE(workspace.makeLibrary()->image(preset)) << "who asks for a picture gets the new one";

@@ -91,8 +91,10 @@ TEST_F(StampSelectionTest, OddStoredRecentsAreToleratedAndUnknownUsesIgnored) {
     const StampPreset preset = library->presets().last();
     library->recordUse(QUuid::createUuid());
     EXPECT_TRUE(storedRecents().isEmpty());
-    defaults().setStringList(
-        recentsKey, {QStringLiteral("junk"), identifierText(QUuid::createUuid()), identifierText(preset.id)});
+    defaults().changeStringList(recentsKey, [&](const QStringList&) {
+        return QStringList{QStringLiteral("junk"), identifierText(QUuid::createUuid()),
+                           identifierText(preset.id)};
+    });
     EXPECT_EQ(workspace.makeLibrary()->recentPresets(), QList<StampPreset>{preset});
     defaults().setString(recentsKey, QStringLiteral("not a list"));
     const auto next = workspace.makeLibrary();

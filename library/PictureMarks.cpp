@@ -1,0 +1,91 @@
+#include "library/PictureMarks.h"
+
+#include "base/Error.h"
+#include "base/FileState.h"
+#include "base/Files.h"
+#include "base/LimitedDevice.h"
+#include "base/TemporaryFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+#include <utility>
+
+#include <QCryptographicHash>
+#include <QFile>
+
+namespace vellmora {
+
+namespace {
+
+/// Whether there is a note that no program holds. One that is held is another window's, at work on the same
+/// picture.
+bool isLeftBehind(const QByteArray& mark) {
+    const FileDescriptor file(::open(mark.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    return file.isValid() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+/// A note of our own, held until the end. It has its lock before it has its name. Where none can be made the
+/// picture is decoded without one.
+class Mark {
+public:
+    Mark(const QString& folder, QByteArray path) : m_path(std::move(path)) {
+        try {
+            files::createDirectory(folder);
+            TemporaryFile file = createTemporaryFile(folder);
+            m_isThere = std::rename(QFile::encodeName(file.path).constData(), m_path.constData()) == 0;
+            m_file = std::move(file.file);
+        } catch (const Error&) {
+            m_isThere = false;
+        }
+    }
+    void leaveBehind() { m_isLeftBehind = true; }
+    ~Mark() {
+        if (m_isThere && !m_isLeftBehind)
+            ::unlink(m_path.constData());
+    }
+    Mark(const Mark&) = delete;
+    Mark& operator=(const Mark&) = delete;
+
+private:
+    QByteArray m_path;
+    FileDescriptor m_file;
+    bool m_isThere = false;
+    bool m_isLeftBehind = false;
+};
+
+}  // namespace
+
+PictureMarks::PictureMarks(QString folder) : m_folder(std::move(folder)) {}
+
+QString PictureMarks::version(const QString& path) {
+    const std::optional<FileState> state = path.isEmpty() ? std::nullopt : FileState::of(path);
+    if (!state)
+        return {};
+    return QStringLiteral("%1 %2 %3 %4 %5")
+        .arg(path)
+        .arg(state->number)
+        .arg(state->size)
+        .arg(state->modified.tv_sec)
+        .arg(state->modified.tv_nsec);
+}
+
+std::optional<Image> PictureMarks::decode(const QString& path, Caution caution) const {
+    const QString content = version(path);
+    if (content.isEmpty())
+        return std::nullopt;
+    const QByteArray name = QCryptographicHash::hash(content.toUtf8(), QCryptographicHash::Sha256).toHex();
+    const QByteArray markPath = QFile::encodeName(m_folder) + '/' + name;
+    if (caution == Caution::passOver && isLeftBehind(markPath))
+        return std::nullopt;
+    Mark mark(m_folder, markPath);
+    const auto begin = timeComputed();
+    std::optional<Image> image = Image::fromFile(path);
+    if (!image && timeComputed() - begin >= Image::longestDecoding)
+        mark.leaveBehind();
+    return image;
+}
+
+}  // namespace vellmora
