@@ -10,8 +10,11 @@ namespace vellmora {
 /// other side cannot make it shrink under the reader's hands.
 class SharedMemory {
 public:
-    /// Not valid where the system gives no memory.
-    explicit SharedMemory(size_t size);
+    /// Who may write to it: everybody who gets the descriptor, or only who made it.
+    enum class Writers { all, maker };
+
+    /// Zeros. `size` is in bytes, and not 0. Not valid where the system gives no memory.
+    explicit SharedMemory(size_t size, Writers writers = Writers::all);
     ~SharedMemory();
     SharedMemory(const SharedMemory&) = delete;
     SharedMemory& operator=(const SharedMemory&) = delete;
@@ -19,6 +22,7 @@ public:
     bool isValid() const { return m_bytes != nullptr; }
     int descriptor() const { return m_file.get(); }
     unsigned char* bytes() { return m_bytes; }
+    const unsigned char* bytes() const { return m_bytes; }
 
 private:
     FileDescriptor m_file;

@@ -9,6 +9,8 @@
 
 namespace vellmora {
 
+class PageComposer;
+
 /// Writes a fresh PDF, page after page. What is written carries no document information, outline, links,
 /// form, script or attachment: only pages, as a screen viewer shows them.
 ///
@@ -57,8 +59,7 @@ public:
 private:
     explicit PDFContext(PDFDataConsumer& consumer);
 
-    class Writer;
-    std::unique_ptr<Writer> m_writer;
+    std::unique_ptr<PageComposer> m_composer;
 };
 
 }  // namespace vellmora

@@ -12,7 +12,7 @@
 namespace vellmora {
 
 class FileSnapshot;
-class ParsedFile;
+class ParsedDocument;
 
 /// An open document: a snapshot of the file's bytes and what its structure says of the pages.
 ///
@@ -26,7 +26,7 @@ public:
     static std::shared_ptr<const PDFDocument> open(const QUrl& url);
     static std::shared_ptr<const PDFDocument> fromData(const QByteArray& bytes);
 
-    PDFDocument(std::shared_ptr<const FileSnapshot> content, std::unique_ptr<ParsedFile> source);
+    PDFDocument(std::shared_ptr<const FileSnapshot> content, std::unique_ptr<ParsedDocument> source);
     ~PDFDocument();
     PDFDocument(const PDFDocument&) = delete;
     PDFDocument& operator=(const PDFDocument&) = delete;
@@ -42,13 +42,13 @@ public:
     const std::shared_ptr<const FileSnapshot>& content() const { return m_content; }
 
     /// What the engine reads; not for use outside of `pdf/`.
-    const ParsedFile& source() const { return *m_source; }
+    const ParsedDocument& source() const { return *m_source; }
 
 private:
     static std::shared_ptr<const PDFDocument> fromContent(const std::shared_ptr<const FileSnapshot>& content);
 
     std::shared_ptr<const FileSnapshot> m_content;
-    std::unique_ptr<ParsedFile> m_source;
+    std::unique_ptr<ParsedDocument> m_source;
 };
 
 }  // namespace vellmora

@@ -1,6 +1,6 @@
 #include "export/PDFExportError.h"
 #include "export/PDFExporter.h"
-#include "pdf/objects/Qpdf.h"
+#include "engine/objects/Qpdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"

@@ -3,7 +3,7 @@
 #include "base/FileDescriptor.h"
 #include "export/PDFExporter.h"
 #include "pdf/PagePdf.h"
-#include "pdf/objects/Qpdf.h"
+#include "engine/objects/Qpdf.h"
 #include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/faults/Wholeness.h"

@@ -1,5 +1,5 @@
 #include "pdf/PagePdf.h"
-#include "pdf/file/TokenMending.h"
+#include "engine/file/TokenMending.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"

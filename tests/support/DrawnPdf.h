@@ -1,7 +1,7 @@
 #pragma once
 
 #include "pdf/PDFContext.h"
-#include "pdf/objects/Qpdf.h"
+#include "engine/objects/Qpdf.h"
 #include "tests/support/TestPdf.h"
 
 #include <string>
