@@ -13,8 +13,9 @@
 
 namespace vellmora {
 
-ContentView::ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels)
-    : m_stampLibrary(std::move(library)), m_panels(panels) {}
+ContentView::ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels,
+                         DocumentProcesses& processes)
+    : m_stampLibrary(std::move(library)), m_panels(panels), m_processes(processes) {}
 
 ContentView::~ContentView() = default;
 
@@ -85,7 +86,7 @@ void ContentView::loadDroppedFile(const QUrl& url) {
 void ContentView::loadPDF(const QUrl& url) {
     WorkScope work(*this);
     try {
-        const auto document = work.await([&] { return PDFDocument::open(url); });
+        const auto document = work.await([&] { return PDFDocument::open(url, m_processes); });
         m_versions = FileVersions(document->content());
         pdfDocument = document;
         pdfSourceURL = url;

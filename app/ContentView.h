@@ -15,6 +15,8 @@
 
 namespace vellmora {
 
+class DocumentProcesses;
+
 /// The document workspace of one window and the program's commands.
 ///
 /// The fields are state cells: views read them, are told of changes, and bind to some of them in both
@@ -27,8 +29,8 @@ public:
     enum class SaveMode { overwriteOriginal, saveAs };
     static QString actionLabel(SaveMode mode);
 
-    /// `panels` must outlive the object.
-    ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels);
+    /// `panels` and `processes` must outlive the object.
+    ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels, DocumentProcesses& processes);
     ~ContentView() override;
 
     StampLibrary& stampLibrary() { return *m_stampLibrary; }
@@ -90,6 +92,7 @@ private:
 
     std::unique_ptr<StampLibrary> m_stampLibrary;
     FilePanels& m_panels;
+    DocumentProcesses& m_processes;
     FileVersions m_versions;  ///< of the document's file
 };
 

@@ -3,6 +3,7 @@
 #include "base/FileDescriptor.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace vellmora {
 
@@ -16,6 +17,10 @@ public:
     /// Zeros. `size` is in bytes, and not 0. Not valid where the system gives no memory.
     explicit SharedMemory(size_t size, Writers writers = Writers::all);
     ~SharedMemory();
+    SharedMemory(SharedMemory&& other) noexcept
+        : m_file(std::move(other.m_file)),
+          m_size(other.m_size),
+          m_bytes(std::exchange(other.m_bytes, nullptr)) {}
     SharedMemory(const SharedMemory&) = delete;
     SharedMemory& operator=(const SharedMemory&) = delete;
 

@@ -9,7 +9,6 @@
 #include <new>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <utility>
 
 namespace vellmora {
 
@@ -17,6 +16,7 @@ namespace {
 
 /// Small, since a document is opened with little from many places.
 constexpr size_t blockSize = 1 << 13;
+constexpr unsigned rangesUntilReport = 1024;
 
 void* map(size_t length, int protection, int kind, const FileDescriptor& memory, size_t offset) {
     void* mapped = ::mmap(nullptr, length, protection, kind, memory.get(), static_cast<off_t>(offset));
@@ -63,6 +63,10 @@ SnapshotReader::~SnapshotReader() {
 
 std::string_view SnapshotReader::range(size_t offset, size_t length) const {
     const size_t end = offset + length;
+    if (++m_unreported >= rangesUntilReport && m_report) {
+        m_unreported = 0;
+        m_report();
+    }
     if (end > m_copied)
         m_copied = std::min<std::uint64_t>(
             static_cast<const SnapshotHeader*>(m_header)->copied.load(std::memory_order_acquire), m_size);

@@ -3,7 +3,9 @@
 #include "base/FileDescriptor.h"
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <QByteArray>
@@ -29,6 +31,9 @@ public:
     std::string_view range(size_t offset, size_t length) const;
     std::string_view all() const { return range(0, m_size); }
 
+    /// `report` is called every now and then while ranges are read.
+    void whenRead(std::function<void()> report) { m_report = std::move(report); }
+
     /// Throws the `Error` of a range that could not be read, whoever asked for it.
     void requireReadable() const;
     /// Once all is copied: whether what was read from the file is the same. Where it is not, the file has
@@ -48,6 +53,8 @@ private:
     mutable std::uint64_t m_copied = 0;  ///< as far as is known
     mutable std::vector<bool> m_fetched;
     mutable int m_error = 0;
+    std::function<void()> m_report;
+    mutable unsigned m_unreported = 0;  ///< ranges
 };
 
 }  // namespace vellmora

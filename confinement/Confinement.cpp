@@ -51,7 +51,7 @@ bool confineProcess(const ConfinementPolicy& policy) {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
         return false;
     limitResources(policy.memory);
-    const bool canOpenFiles = allowOnlyReading(policy.readableFolders);
+    const bool canOpenFiles = allowOnlyReading(policy.readableFolders) && !policy.readableFolders.empty();
     if (canOpenFiles && policy.prepare)
         policy.prepare();
     return filterCalls(canOpenFiles);

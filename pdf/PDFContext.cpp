@@ -1,62 +1,79 @@
 #include "pdf/PDFContext.h"
 
-#include "base/Error.h"
-#include "engine/PageComposer.h"
-#include "pdf/DocumentFailure.h"
+#include "pdf/DocumentSession.h"
 
-#include <exception>
 #include <future>
-#include <new>
+#include <utility>
+#include <vector>
 
 namespace vellmora {
 
-PDFContext::PDFContext(PDFDataConsumer& consumer) : m_composer(std::make_unique<PageComposer>(consumer)) {}
+using Kind = ComposeCommand::Kind;
+
+struct PDFContext::Contents {
+    PDFDataConsumer& consumer;
+    const PDFDocument& document;
+    Composition composition;
+    /// Compressed on a thread each while the pages are drawn.
+    std::vector<std::shared_future<EncodedPicture>> pictures;
+    QList<qsizetype> incompletePages;
+
+    void note(Kind kind, std::uint32_t detail = 0, qsizetype page = 0, const Rect& rect = {}) {
+        composition.commands.push_back({kind, detail, page, {rect.x, rect.y, rect.width, rect.height}});
+    }
+};
+
+PDFContext::PDFContext(std::unique_ptr<Contents> contents) : m_contents(std::move(contents)) {}
 
 PDFContext::~PDFContext() = default;
 
-std::unique_ptr<PDFContext> PDFContext::create(PDFDataConsumer& consumer) {
-    try {
-        return std::unique_ptr<PDFContext>(new PDFContext(consumer));
-    } catch (const std::exception&) {
-        return nullptr;
-    }
+std::unique_ptr<PDFContext> PDFContext::create(PDFDataConsumer& consumer, const PDFDocument& document,
+                                               WorkProgress* progress, Purpose purpose) {
+    auto contents = std::unique_ptr<Contents>(new Contents{consumer, document, {}, {}, {}});
+    contents->composition.isForView = purpose == Purpose::viewing;
+    contents->composition.progress = progress;
+    return std::unique_ptr<PDFContext>(new PDFContext(std::move(contents)));
 }
 
 void PDFContext::beginPage() {
-    m_composer->beginPage();
+    m_contents->note(Kind::beginPage);
 }
 
-void PDFContext::drawPage(const PDFDocument& document, qsizetype pageIndex, DisplayBox box) {
-    m_composer->drawPage(document.source(), pageIndex, box);
+void PDFContext::drawPage(qsizetype pageIndex, DisplayBox box) {
+    m_contents->note(Kind::drawPage, box == DisplayBox::cropBox ? 1 : 0, pageIndex);
 }
 
 PDFContext::Picture PDFContext::addPicture(const Image& image) {
-    const auto encoded = std::async(encodePicture, image).share();
-    return {m_composer->addPicture([encoded] { return encoded.get(); })};
+    m_contents->note(Kind::addPicture);
+    m_contents->pictures.push_back(std::async(encodePicture, image).share());
+    return {static_cast<int>(m_contents->pictures.size()) - 1};
 }
 
 void PDFContext::drawPicture(Picture picture, const Rect& rect) {
-    m_composer->drawPicture(picture.index, rect);
+    m_contents->note(Kind::drawPicture, static_cast<std::uint32_t>(picture.index), 0, rect);
 }
 
 void PDFContext::endPage() {
-    m_composer->endPage();
+    m_contents->note(Kind::endPage);
+    ++m_contents->composition.pageCount;
 }
 
 void PDFContext::close() {
-    try {
-        m_composer->close();
-    } catch (const Error&) {
-        throw;
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        throw documentError(DocumentFailure::notProduced);
+    Contents& contents = *m_contents;
+    if (!contents.pictures.empty()) {
+        contents.composition.pictures = [&pictures = contents.pictures] {
+            std::vector<EncodedPicture> encoded;
+            for (const auto& picture : pictures)
+                encoded.push_back(picture.get());
+            return encoded;
+        };
     }
+    contents.incompletePages = contents.document.session().compose(contents.composition, contents.consumer);
+    contents.consumer.finish();
 }
 
 QList<qsizetype> PDFContext::incompletePages() const {
-    return m_composer->incompletePages();
+    return m_contents->incompletePages;
 }
 
 }  // namespace vellmora

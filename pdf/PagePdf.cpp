@@ -7,14 +7,14 @@
 namespace vellmora {
 
 QByteArray makePagePdf(const PDFDocument& document, qsizetype pageIndex) {
-    const std::optional<PDFPage> page = document.page(pageIndex);
-    MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
-    if (!page || !context)
+    if (!document.page(pageIndex))
         return {};
+    MemoryConsumer consumer;
     try {
+        const auto context =
+            PDFContext::create(consumer, document, nullptr, PDFContext::Purpose::viewing);
         context->beginPage();
-        context->drawPage(document, pageIndex, DisplayBox::cropBox);
+        context->drawPage(pageIndex, DisplayBox::cropBox);
         context->endPage();
         context->close();
     } catch (const std::exception&) {

@@ -70,7 +70,7 @@ TEST_F(ContentViewSavingTest, WhatIsGoneIsWrittenAnew) {
     for (int i = 0; i < 2; ++i) {
         QFile::remove(path("Vertrag.pdf"));
         EXPECT_EQ(save(overwriteOriginal), QStringLiteral("Original überschrieben: Vertrag.pdf"));
-        EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Vertrag.pdf")))->pageCount(), 3);
+        EXPECT_EQ(openDocument(workspace.url(QStringLiteral("Vertrag.pdf")))->pageCount(), 3);
     }
 }
 

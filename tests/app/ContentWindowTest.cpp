@@ -2,6 +2,7 @@
 #include "base/Error.h"
 #include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
@@ -28,7 +29,7 @@ protected:
     }
     void start() {
         shown = std::make_unique<ContentWindow>(
-            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels), renderer,
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()), renderer,
             Theme(SystemFonts::load()));
         shown->window().show();
         shown->window().activateWindow();
@@ -111,7 +112,7 @@ TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     workspace.panels.answer = workspace.url(QStringLiteral("Kopie.pdf"));
     QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
-    EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
+    EXPECT_EQ(openDocument(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
 
     start();
     EXPECT_EQ(content().stampLibrary().presets().size(), 5);

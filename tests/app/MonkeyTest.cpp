@@ -3,6 +3,7 @@
 #include "preview/ProcessRenderer.h"
 #include "tests/app/Invariants.h"
 #include "tests/editor/EditorTestSupport.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
@@ -57,7 +58,7 @@ protected:
     void start() {
         shown.reset();
         shown = std::make_unique<ContentWindow>(
-            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels), renderer,
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()), renderer,
             Theme(SystemFonts::load()));
         shown->window().show();
         settle();
@@ -131,7 +132,7 @@ protected:
             !status.startsWith(QStringLiteral("PDF gespeichert")))
             return;
         ++saves;
-        const auto written = PDFDocument::open(*content().pdfSourceURL.value());
+        const auto written = openDocument(*content().pdfSourceURL.value());
         ASSERT_TRUE(written);
         EXPECT_EQ(written->pageCount(), content().pdfDocument.value()->pageCount());
     }

@@ -2,6 +2,7 @@
 #include "base/FileSnapshot.h"
 #include "base/SnapshotReader.h"
 #include "pdf/PDFContext.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
@@ -151,13 +152,13 @@ TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
 TEST_F(FileSnapshotTest, WhatWasCutOffBeforeItWasReadIsAnErrorAndNeverSaved) {
     const auto expectNoSave = [&](const std::vector<qint64>& streams, size_t content) {
         writePdf(path, streams, content);
-        const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+        const auto document = openDocument(QUrl::fromLocalFile(path));
         ASSERT_TRUE(document);
         QFile::resize(path, megabyte);
         MemoryConsumer consumer;
-        const auto context = PDFContext::create(consumer);
+        const auto context = PDFContext::create(consumer, *document);
         context->beginPage();
-        context->drawPage(*document, 0, DisplayBox::mediaBox);
+        context->drawPage(0, DisplayBox::mediaBox);
         context->endPage();
         EXPECT_THROW(context->close(), Error);
     };

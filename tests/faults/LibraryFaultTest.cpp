@@ -4,6 +4,7 @@
 #include "preview/ProcessRenderer.h"
 #include "tests/faults/OrdinaryUser.h"
 #include "tests/faults/Wholeness.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
@@ -62,7 +63,7 @@ protected:
         const OrdinaryUser user(workspace.path(QString()));
         writeFile(workspace.path(QStringLiteral("Vertrag.pdf")), pages(2).bytes());
         ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-        ContentWindow shown(std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels),
+        ContentWindow shown(std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
                             renderer, Theme(SystemFonts::load()));
         shown.window().show();
         ContentView& content = shown.content();

@@ -1,8 +1,10 @@
 #include "base/Error.h"
 #include "pdf/PDFContext.h"
 #include "pdf/PagePdf.h"
+#include "engine/PageComposer.h"
 #include "engine/objects/ContentText.h"
 #include "picture/DeflateStream.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/GermanNumbers.h"
@@ -45,7 +47,7 @@ TEST(PDFContextTest, WritesNoNumberThatReadersCannotTake) {
             "/MediaBox [0 0 9300000000000000000.0 100] /Annots [<< /Subtype /Square /C [1 0 0] /Rect [0 0 "
             "99999999999999999999.0 50] >>]")
         .page();
-    const auto written = PDFDocument::fromData(drawFirstPage(source));
+    const auto written = documentOf(drawFirstPage(source));
     ASSERT_TRUE(written);
     EXPECT_EQ(written->pageCount(), 1);
     EXPECT_EQ(written->page(0)->bounds(DisplayBox::mediaBox), (Rect{0, 0, 2147483647, 100}));
@@ -178,7 +180,8 @@ TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
 
 TEST(PDFContextTest, StoresAPictureOnceAndItsAlphaOnlyWhereItIsNeeded) {
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto document = pages(1).document();
+    const auto context = PDFContext::create(consumer, *document);
     const auto opaque = context->addPicture(Image(plainImage(4, 2, QColor(255, 0, 0))));
     const auto glassy = context->addPicture(Image(plainImage(4, 2, QColor(255, 0, 0, 100))));
     context->beginPage();
@@ -292,10 +295,10 @@ TEST(PDFContextTest, NamesPagesOnWhichOtherReadersMayShowMore) {
             .stream("/Filter /FlateDecode /DecodeParms << /Predictor 12 /Columns 3 >>", damaged)
             .document();
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto context = PDFContext::create(consumer, *document);
     for (qsizetype i = 0; i < document->pageCount(); ++i) {
         context->beginPage();
-        context->drawPage(*document, i, DisplayBox::mediaBox);
+        context->drawPage(i, DisplayBox::mediaBox);
         context->endPage();
     }
     context->close();
@@ -315,7 +318,13 @@ TEST(PDFContextDeathTest, FailsForWantOfMemoryRatherThanCutContentShort) {
         limit.rlim_cur = 2 * length;
         ::setrlimit(RLIMIT_AS, &limit);
         try {
-            drawFirstPage(source);
+            const ParsedDocument document(std::make_shared<const SnapshotReader>(source.bytes()));
+            MemoryConsumer consumer;
+            PageComposer composer(consumer);
+            composer.beginPage();
+            composer.drawPage(document, 0, DisplayBox::mediaBox);
+            composer.endPage();
+            composer.close();
         } catch (const std::bad_alloc&) {
             std::exit(0);
         }
@@ -327,7 +336,8 @@ TEST(PDFContextDeathTest, FailsForWantOfMemoryRatherThanCutContentShort) {
 
 TEST(PDFContextTest, PassesTheConsumersErrorOn) {
     FailingConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto document = pages(1).document();
+    const auto context = PDFContext::create(consumer, *document);
     context->beginPage();
     context->endPage();
     EXPECT_THROW(context->close(), Error);

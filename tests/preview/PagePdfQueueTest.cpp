@@ -1,5 +1,6 @@
 #include "preview/PDFView.h"
 #include "preview/ProcessRenderer.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
@@ -24,7 +25,7 @@ protected:
         return source.document();
     }
     double deliveredWidth(qsizetype delivery) const {
-        const auto drawing = PDFDocument::fromData(delivered[delivery][1].toByteArray());
+        const auto drawing = documentOf(delivered[delivery][1].toByteArray());
         return drawing ? drawing->page(0)->bounds(DisplayBox::mediaBox).width : 0;
     }
     QList<qsizetype> deliveredPages() const {
