@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <optional>
 #include <spawn.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <utility>
@@ -66,16 +65,6 @@ QString HelperProcess::installed(const QString& name) {
     return QFileInfo::exists(inBuildTree)
                ? inBuildTree
                : folder + QStringLiteral("/" VELLMORA_HELPER_DIR "/") + name;
-}
-
-bool HelperProcess::limitMemory([[maybe_unused]] std::uint64_t bytes) {
-// The sanitizers take terabytes of addresses for themselves.
-#if !defined __SANITIZE_ADDRESS__ && !defined __SANITIZE_THREAD__
-    const rlimit both{bytes, bytes};
-    return ::prlimit(m_pid, RLIMIT_AS, &both, nullptr) == 0;
-#else
-    return true;
-#endif
 }
 
 }  // namespace vellmora

@@ -2,7 +2,6 @@
 
 #include "base/FileDescriptor.h"
 
-#include <cstdint>
 #include <memory>
 #include <sys/types.h>
 
@@ -30,9 +29,6 @@ public:
     pid_t pid() const { return m_pid; }
     /// Becomes readable when an answer is there or the process is gone.
     int socket() const { return m_socket.get(); }
-
-    /// From now on the process gets no more addresses than that, in bytes. False where that cannot be had.
-    bool limitMemory(std::uint64_t bytes);
 
 private:
     HelperProcess(pid_t pid, FileDescriptor socket);

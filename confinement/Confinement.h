@@ -29,8 +29,14 @@ bool leaveDescriptors(int lastKept);
 /// files. Whether there is a file of some name can still be learned from the way in which opening it fails.
 /// The process dies with the one that started it.
 ///
+/// The limit of memory can be made tighter later (`limitMemory`).
+///
 /// To be called by a process of one thread. False where system calls cannot be refused; nothing from outside
 /// may be read then.
 bool confineProcess(const ConfinementPolicy& policy);
+
+/// From now on this process gets no more addresses than that, in bytes, and cannot have more again. False
+/// where it had less.
+bool limitMemory(std::uint64_t bytes);
 
 }  // namespace vellmora

@@ -28,6 +28,8 @@ static QString textOf(DocumentFailure failure) {
         case DocumentFailure::silent:
         case DocumentFailure::timeIsOver:
             return QStringLiteral("Das Dokument braucht zu viel Zeit.");
+        case DocumentFailure::tooLarge:
+            return QStringLiteral("Die neue Datei würde zu groß.");
         case DocumentFailure::notProduced:
             return QStringLiteral("Die PDF-Daten konnten nicht erzeugt werden.");
     }

@@ -23,6 +23,7 @@ enum class DocumentFailure : std::uint32_t {
     silent,      ///< said nothing for too long
     unsound,     ///< said what cannot be
     timeIsOver,  ///< for one page
+    tooLarge,    ///< the new file
 };
 inline constexpr auto lastFailureOfDocument = DocumentFailure::notProduced;
 

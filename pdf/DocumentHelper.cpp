@@ -9,14 +9,12 @@
 
 namespace vellmora {
 
-/// For a process to start and to confine itself, also on a machine that is busy.
-static constexpr DocumentHelper::Patience patienceForStart{std::chrono::seconds(10), std::nullopt};
-
-DocumentHelper::DocumentHelper(std::unique_ptr<HelperProcess> process, std::uint64_t memory)
+DocumentHelper::DocumentHelper(std::unique_ptr<HelperProcess> process, const Patience& forStart,
+                               const WorkProgress* progress)
     : m_process(std::move(process)) {
-    if (!m_process || !m_process->limitMemory(memory))
+    if (!m_process)
         throw HelperLost(DocumentFailure::notStarted);
-    if (receive(patienceForStart, nullptr).kind != DocumentReplyKind::ready)
+    if (receive(forStart, progress).kind != DocumentReplyKind::ready)
         throw HelperLost(DocumentFailure::unsound);
 }
 

@@ -45,9 +45,9 @@ public:
         std::vector<Value> asMany() const;
     };
 
-    /// Waits until the process is ready. `memory` is the most that it may take, in bytes of addresses. Throws
-    /// `HelperLost`.
-    DocumentHelper(std::unique_ptr<HelperProcess> process, std::uint64_t memory);
+    /// Waits until the process is ready. Throws `HelperLost`, or the `Error` of work that was cancelled.
+    DocumentHelper(std::unique_ptr<HelperProcess> process, const Patience& forStart,
+                   const WorkProgress* progress);
 
     pid_t pid() const { return m_process->pid(); }
     /// `file` may be negative. Throws `HelperLost`.

@@ -28,6 +28,8 @@ struct DocumentRequest {
     /// Of `compose`: the snapshot is whole. The process is to make sure that it has not read anything else.
     std::uint32_t isWhole;
     std::uint64_t size;  ///< of the snapshot, in bytes; of the commands or pictures, in bytes
+    /// Of `open`: the most that the process may take from then on, in bytes of addresses.
+    std::uint64_t memory;
 };
 
 struct ReceivedDocumentRequest {

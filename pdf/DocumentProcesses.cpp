@@ -5,7 +5,8 @@
 
 namespace vellmora {
 
-DocumentProcesses::DocumentProcesses(QString program) : m_program(std::move(program)) {
+DocumentProcesses::DocumentProcesses(QString program, const DocumentLimits& limits)
+    : m_program(std::move(program)), m_limits(limits) {
     m_starter.setMaxThreadCount(1);
     m_starter.setExpiryTimeout(-1);
 }

@@ -13,14 +13,7 @@ namespace {
 
 using Kind = DocumentReplyKind;
 
-/// What a process needs beside the source, which it maps.
-constexpr std::uint64_t memoryOfProcess = std::uint64_t{1} << 30;
-/// A process that works says so far more often.
-constexpr std::chrono::seconds longestSilence{12};
-constexpr std::chrono::seconds timeForView{4};
-/// A file has what the source has, and more where that refers to the same from many places.
-constexpr qint64 mostBytesForView = 64 << 20;
-constexpr qint64 mostBytesForFile = 1 << 30;
+/// A new file has what the source has, and more where that refers to the same from many places.
 constexpr qint64 mostTimesSource = 4;
 
 constexpr int maxAttempts = 2;
@@ -35,18 +28,18 @@ SharedMemory sharedMemory(const void* bytes, size_t size) {
     return memory;
 }
 
-DocumentHelper::Patience patienceFor(const Composition& composition) {
-    if (composition.isForView)
-        return {timeForView, DocumentHelper::Clock::now() + timeForView};
-    return {longestSilence, std::nullopt};
-}
-
 void report(const DocumentHelper::Reply& reply, WorkProgress* progress) {
     const auto state = reply.as<DocumentProgress>();
     if (state.done < 0 || state.done > state.total)
         throw HelperLost(DocumentFailure::unsound);
     if (progress)
         progress->report(state.done, state.total);
+}
+
+/// The first bytes of a new file.
+void requirePdf(std::string_view bytes, bool isFirst) {
+    if (isFirst && bytes.substr(0, 5) != "%PDF-")
+        throw HelperLost(DocumentFailure::unsound);
 }
 
 }  // namespace
@@ -88,10 +81,12 @@ void DocumentSession::fail(const FailedRequest& failed) {
 }
 
 DocumentStructure DocumentSession::start(WorkProgress* progress) {
-    const DocumentHelper::Patience patience{longestSilence, std::nullopt};
-    auto helper =
-        std::make_unique<DocumentHelper>(m_processes.take(), m_content->size() + memoryOfProcess);
-    helper->send({DocumentRequestKind::open, 0, m_content->size()}, m_content->memory(), m_content->file());
+    const DocumentLimits& limits = m_processes.limits();
+    const DocumentHelper::Patience patience{limits.silence, std::nullopt};
+    const DocumentHelper::Patience patienceForStart{limits.start, std::nullopt};
+    auto helper = std::make_unique<DocumentHelper>(m_processes.take(), patienceForStart, progress);
+    helper->send({DocumentRequestKind::open, 0, m_content->size(), m_content->size() + limits.memory},
+                 m_content->memory(), m_content->file());
     StructureReply structure;
     while (!structure.isComplete()) {
         const DocumentHelper::Reply reply = helper->receive(patience, progress);
@@ -121,22 +116,25 @@ void DocumentSession::restart(WorkProgress* progress) {
 void DocumentSession::sendComposition(const Composition& composition) {
     const size_t size = composition.commands.size() * sizeof(ComposeCommand);
     const SharedMemory commands = sharedMemory(composition.commands.data(), size);
-    m_helper->send({DocumentRequestKind::compose, composition.isForView ? 0U : 1U, size},
+    m_helper->send({DocumentRequestKind::compose, composition.isForView ? 0U : 1U, size, 0},
                    commands.descriptor());
     if (!composition.pictures)
         return;
     const QByteArray packed = packedPictures(composition.pictures());
     const auto packedSize = static_cast<size_t>(packed.size());
     const SharedMemory pictures = sharedMemory(packed.constData(), packedSize);
-    m_helper->send({DocumentRequestKind::pictures, 0, packedSize}, pictures.descriptor());
+    m_helper->send({DocumentRequestKind::pictures, 0, packedSize, 0}, pictures.descriptor());
 }
 
 QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDataConsumer& consumer,
                                            qint64& delivered) {
+    const DocumentLimits& limits = m_processes.limits();
     const auto sourceSize = static_cast<qint64>(m_content->size());
-    const qint64 most = composition.isForView ? sourceSize + mostBytesForView
-                                              : mostTimesSource * sourceSize + mostBytesForFile;
-    const DocumentHelper::Patience patience = patienceFor(composition);
+    const qint64 most = composition.isForView ? sourceSize + limits.bytesForView
+                                              : mostTimesSource * sourceSize + limits.bytesForFile;
+    DocumentHelper::Patience patience{limits.silence, std::nullopt};
+    if (composition.isForView)
+        patience.end = DocumentHelper::Clock::now() + limits.view;
     IndexList incomplete(composition.pageCount);
     for (;;) {
         const DocumentHelper::Reply reply = m_helper->receive(patience, composition.progress);
@@ -145,15 +143,17 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDa
                 report(reply, composition.progress);
                 break;
             case Kind::data:
+                requirePdf(reply.content, delivered == 0);
                 delivered += static_cast<qint64>(reply.content.size());
                 if (delivered > most)
-                    throw HelperLost(DocumentFailure::unsound);
+                    throw HelperLost(DocumentFailure::tooLarge);
                 consumer.write(reply.content.data(), static_cast<qint64>(reply.content.size()));
                 break;
             case Kind::incomplete:
                 incomplete.add(reply);
                 break;
             case Kind::composed:
+                requirePdf({}, delivered == 0);
                 return incomplete.indices();
             case Kind::failed:
                 fail(reply.as<FailedRequest>());
@@ -177,8 +177,7 @@ QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDat
         },
         delivered);
     // A spare process for the next document, when this one is on the screen.
-    if (composition.isForView)
-        m_processes.prepare();
+    m_processes.prepare();
     return incomplete;
 }
 

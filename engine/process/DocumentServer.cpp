@@ -1,6 +1,7 @@
 #include "engine/process/DocumentServer.h"
 
 #include "base/Error.h"
+#include "confinement/Confinement.h"
 #include "engine/PageComposer.h"
 
 #include <algorithm>
@@ -145,6 +146,8 @@ void DocumentServer::serve(ReceivedDocumentRequest request) {
 }
 
 void DocumentServer::open(ReceivedDocumentRequest request) {
+    if (!limitMemory(request.message.memory))
+        throw std::bad_alloc();
     m_content = std::make_shared<SnapshotReader>(std::move(request.memory), std::move(request.file),
                                                  request.message.size);
     m_content->whenRead([this] { m_replies.keepAlive(); });

@@ -14,7 +14,7 @@ int main() {
     if (!leaveDescriptors(helperSocket))
         return 1;
     ConfinementPolicy policy;
-    // The program sets the limit, before it hands anything over.
+    // The limit comes with the document.
     policy.memory = std::numeric_limits<std::uint64_t>::max();
     if (!confineProcess(policy))
         return 1;

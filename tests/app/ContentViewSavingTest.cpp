@@ -53,7 +53,7 @@ TEST_F(ContentViewSavingTest, ANewerVersionOfSomebodyElseIsNotOverwritten) {
 }
 
 TEST_F(ContentViewSavingTest, AnotherWindowIsSomebodyElse) {
-    ContentView other(workspace.makeLibrary(), workspace.panels);
+    ContentView other(workspace.makeLibrary(), workspace.panels, documentProcesses());
     content.loadPDF(writePdf("Vertrag.pdf"));
     other.loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));
     place();
@@ -130,7 +130,7 @@ TEST_F(ContentViewSavingTest, NoExceptionLeavesACommand) {
         std::optional<QUrl> runModal(const OpenPanel&) override { throw std::bad_alloc(); }
         std::optional<QUrl> runModal(const SavePanel&) override { throw std::runtime_error("odd"); }
     } panels;
-    ContentView odd(workspace.makeLibrary(), panels);
+    ContentView odd(workspace.makeLibrary(), panels, documentProcesses());
     odd.openPDF();
     EXPECT_EQ(odd.statusText.value(),
               QStringLiteral("PDF konnte nicht geladen werden. Der Arbeitsspeicher reicht nicht aus."));

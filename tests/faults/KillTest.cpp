@@ -1,6 +1,7 @@
 #include "app/ContentView.h"
 #include "library/StampPresetJson.h"
 #include "tests/faults/Wholeness.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
 #include "tests/support/TestImages.h"
@@ -118,7 +119,7 @@ TEST_F(KillTest, ASaveOverTheOriginalLeavesTheOldFileOrTheNewOne) {
                 EXPECT_TRUE(now.contains("/Subtype/Image")) << "without its stamp";
                 ++replaced;
             }
-            ContentView content(restart(), workspace.panels);
+            ContentView content(restart(), workspace.panels, documentProcesses());
             content.loadPDF(QUrl::fromLocalFile(contract));
             content.beginSaveFlow(ContentView::SaveMode::overwriteOriginal);
             EXPECT_EQ(content.statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
