@@ -152,7 +152,7 @@ TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
     std::string fonts;
     for (int i = 0; i < 20; ++i)
         fonts += "/F" + std::to_string(i) + " 9 0 R";
-    const auto document = PDFDocument::fromData(QByteArray::fromStdString(
+    const auto document = documentOf(QByteArray::fromStdString(
         "%PDF-1.7\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
         "2 0 obj<</Type/Pages/Kids[3 0 R 4 0 R]/Count 2/MediaBox[0 0 9 9]/Resources<</Font<<" +
         fonts +
@@ -161,10 +161,10 @@ TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
         "5 0 obj<</Filter/Unknown/Length 1>>stream\nx\nendstream endobj\n"
         "9 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj\n"));
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto context = PDFContext::create(consumer, *document);
     for (qsizetype page = 0; page < 2; ++page) {
         context->beginPage();
-        context->drawPage(*document, page, DisplayBox::mediaBox);
+        context->drawPage(page, DisplayBox::mediaBox);
         context->endPage();
     }
     context->close();

@@ -169,5 +169,5 @@ TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
 TEST(PDFDocumentTest, FindsThePagesWhereTheCatalogTakesItselfForTheTree) {
     QByteArray bytes = pages(2).bytes();
     bytes.replace("/Pages 2 0 R", "/Pages 1 0 R");
-    EXPECT_EQ(PDFDocument::fromData(bytes)->pageCount(), 2);
+    EXPECT_EQ(documentOf(bytes)->pageCount(), 2);
 }
