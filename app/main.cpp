@@ -32,7 +32,9 @@ int main(int argc, char** argv) {
     window.window().show();
     if (document) {
         renderer.prepare();
-        window.content().loadPDF(*document);
+        // Inside of the event loop, which may end while the document is loaded.
+        QMetaObject::invokeMethod(
+            &window, [&] { window.content().loadPDF(*document); }, Qt::QueuedConnection);
     }
     return app.run();
 }

@@ -62,9 +62,8 @@ HelperProcess::~HelperProcess() {
 QString HelperProcess::installed(const QString& name) {
     const QString folder = QCoreApplication::applicationDirPath();
     const QString inBuildTree = folder + QStringLiteral("/libexec/vellmora/") + name;
-    return QFileInfo::exists(inBuildTree)
-               ? inBuildTree
-               : folder + QStringLiteral("/" VELLMORA_HELPER_DIR "/") + name;
+    return QFileInfo::exists(inBuildTree) ? inBuildTree
+                                          : folder + QStringLiteral("/" VELLMORA_HELPER_DIR "/") + name;
 }
 
 }  // namespace vellmora

@@ -22,8 +22,8 @@ SharedMemory::SharedMemory(size_t size, Writers writers)
     if (memory == MAP_FAILED)
         return;
     // What is mapped already can be written to all the same.
-    const bool isSealed = (writers == Writers::all || seal(m_file, F_SEAL_FUTURE_WRITE)) &&
-                          seal(m_file, F_SEAL_SEAL);
+    const bool isSealed =
+        (writers == Writers::all || seal(m_file, F_SEAL_FUTURE_WRITE)) && seal(m_file, F_SEAL_SEAL);
     if (isSealed)
         m_bytes = static_cast<unsigned char*>(memory);
     else

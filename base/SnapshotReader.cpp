@@ -39,8 +39,8 @@ SnapshotReader::SnapshotReader(FileDescriptor memory, FileDescriptor file, size_
     : m_memory(std::move(memory)), m_file(std::move(file)), m_size(size) {
     m_header = map(snapshotContentOffset, PROT_READ, MAP_SHARED, m_memory, 0);
     if (size > 0)
-        m_bytes = static_cast<char*>(map(size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE, m_memory,
-                                         snapshotContentOffset));
+        m_bytes = static_cast<char*>(
+            map(size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE, m_memory, snapshotContentOffset));
     if (m_file.isValid())
         m_fetched.resize((size + blockSize - 1) / blockSize);
     else

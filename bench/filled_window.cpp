@@ -82,7 +82,8 @@ int main(int argc, char** argv) {
     ProcessRenderer renderer(ProcessRenderer::installedProgram());
     auto library = std::make_unique<StampLibrary>(
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
-    ContentWindow window(std::make_unique<ContentView>(std::move(library), panels, processes), renderer, Theme(fonts));
+    ContentWindow window(std::make_unique<ContentView>(std::move(library), panels, processes), renderer,
+                         Theme(fonts));
     window.window().show();
 
     ContentView& content = window.content();

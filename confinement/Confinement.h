@@ -9,8 +9,8 @@ namespace vellmora {
 
 /// What a process keeps that confines itself.
 struct ConfinementPolicy {
-    /// Files beneath these folders can be read, and nothing else be done to them. Where there are none, or the
-    /// kernel cannot tell folders apart (Landlock), no file can be opened at all.
+    /// Files beneath these folders can be read, and nothing else be done to them. Where there are none, or
+    /// the kernel cannot tell folders apart (Landlock), no file can be opened at all.
     std::vector<std::string> readableFolders;
     /// In bytes of addresses.
     std::uint64_t memory = std::uint64_t{3} << 30;

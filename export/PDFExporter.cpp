@@ -139,7 +139,8 @@ QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsBy
                                      WorkProgress* progress) {
     const QString original = originalURL.toLocalFile();
     ReplacementConsumer replacement(original);
-    QString missing = exported([&] { return writeTo(replacement, document, stampsByPage, versions, progress); });
+    QString missing =
+        exported([&] { return writeTo(replacement, document, stampsByPage, versions, progress); });
     requireNothingLost(versions.heldBy(original), document, missing);
     replacement.replaceOriginal();
     versions.confirm();

@@ -17,7 +17,8 @@ static QString textOf(DocumentFailure failure) {
         case DocumentFailure::unreadable:
             return QStringLiteral("Die Datei konnte nicht gelesen werden.");
         case DocumentFailure::changed:
-            return QStringLiteral("Die Datei wurde geändert, während sie gelesen wurde. Bitte erneut öffnen.");
+            return QStringLiteral(
+                "Die Datei wurde geändert, während sie gelesen wurde. Bitte erneut öffnen.");
         case DocumentFailure::outOfMemory:
             return QStringLiteral("Das Dokument braucht zu viel Arbeitsspeicher.");
         case DocumentFailure::notStarted:

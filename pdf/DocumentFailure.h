@@ -8,8 +8,8 @@ namespace vellmora {
 
 /// Why a document cannot be opened, or no file be made of it.
 enum class DocumentFailure : std::uint32_t {
-    empty,              ///< a file of no bytes
-    needsPassword,      ///< and not the empty one
+    empty,          ///< a file of no bytes
+    needsPassword,  ///< and not the empty one
     unknownEncryption,
     noPdf,
     tooDamaged,

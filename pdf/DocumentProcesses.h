@@ -13,9 +13,9 @@ namespace vellmora {
 
 /// What the process of a document may take. Far above what real documents need.
 struct DocumentLimits {
-    std::chrono::milliseconds start{10000};    ///< until it is ready, also on a machine that is busy
-    std::chrono::milliseconds silence{12000};  ///< while it works it says so far more often
-    std::chrono::milliseconds view{4000};      ///< for a look at one page
+    std::chrono::milliseconds start{10000};         ///< until it is ready, also on a machine that is busy
+    std::chrono::milliseconds silence{12000};       ///< while it works it says so far more often
+    std::chrono::milliseconds view{4000};           ///< for a look at one page
     std::uint64_t memory = std::uint64_t{1} << 30;  ///< in bytes, beside the source
     /// What a new file may have beside the source, in bytes; it may have the source several times, where it
     /// is not just a look at a page.

@@ -31,8 +31,8 @@ std::shared_ptr<const PDFDocument> PDFDocument::fromContent(
     }
 }
 
-PDFDocument::PDFDocument(std::shared_ptr<const FileSnapshot> content, std::unique_ptr<DocumentSession> session,
-                         DocumentStructure structure)
+PDFDocument::PDFDocument(std::shared_ptr<const FileSnapshot> content,
+                         std::unique_ptr<DocumentSession> session, DocumentStructure structure)
     : m_content(std::move(content)),
       m_session(std::move(session)),
       m_pages(std::move(structure.pages)),

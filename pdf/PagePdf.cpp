@@ -11,8 +11,7 @@ QByteArray makePagePdf(const PDFDocument& document, qsizetype pageIndex) {
         return {};
     MemoryConsumer consumer;
     try {
-        const auto context =
-            PDFContext::create(consumer, document, nullptr, PDFContext::Purpose::viewing);
+        const auto context = PDFContext::create(consumer, document, nullptr, PDFContext::Purpose::viewing);
         context->beginPage();
         context->drawPage(pageIndex, DisplayBox::cropBox);
         context->endPage();

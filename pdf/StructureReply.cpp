@@ -19,7 +19,8 @@ void require(bool isSound) {
 
 Rect soundRect(const std::array<double, 4>& values) {
     constexpr double greatest = 1e11;
-    require(std::all_of(values.begin(), values.end(), [](double value) { return std::abs(value) < greatest; }));
+    require(
+        std::all_of(values.begin(), values.end(), [](double value) { return std::abs(value) < greatest; }));
     require(values[2] > 0 && values[3] > 0);
     return {values[0], values[1], values[2], values[3]};
 }

@@ -4,8 +4,8 @@
 #include "engine/objects/ContentText.h"
 #include "engine/output/FileWriter.h"
 #include "engine/output/OutputStreams.h"
-#include "picture/PictureEncoding.h"
 #include "engine/output/PictureObject.h"
+#include "picture/PictureEncoding.h"
 
 #include <exception>
 #include <new>
@@ -135,7 +135,7 @@ void PageComposer::Writer::drawPicture(int picture, const Rect& rect) {
 }
 
 void PageComposer::Writer::paint(const std::string& name, const QPDFObjectHandle& object,
-                               const QTransform& matrix) {
+                                 const QTransform& matrix) {
     m_page.objects.replaceKey(name, object);
     m_page.content += paintObject(name, matrix);
 }

@@ -20,7 +20,8 @@ class GivenUpObjects {
 public:
     /// `file` was opened from `content`, which must outlive it, with the same `damage`. Nothing where no
     /// object can be brought back, else what must outlive `file`. Throws libqpdf's exceptions.
-    static std::unique_ptr<GivenUpObjects> bringBack(QPDF& file, const SnapshotReader& content, Damage damage);
+    static std::unique_ptr<GivenUpObjects> bringBack(QPDF& file, const SnapshotReader& content,
+                                                     Damage damage);
 
 private:
     GivenUpObjects(std::string_view bytes, const std::vector<Mend>& mends, Damage damage);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "base/SnapshotReader.h"
-#include "pdf/DocumentDamage.h"
 #include "engine/file/GivenUpObjects.h"
 #include "engine/file/OpenFile.h"
 #include "engine/file/PageOrientation.h"
 #include "engine/objects/Qpdf.h"
+#include "pdf/DocumentDamage.h"
 
 #include <memory>
 #include <mutex>
@@ -55,8 +55,8 @@ private:
     /// Pages that can be shown.
     qsizetype readablePageCount() const;
     bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
-    static std::unique_ptr<ParsedFile> read(const std::shared_ptr<const SnapshotReader>& content, Damage damage,
-                                            bool& needsPassword);
+    static std::unique_ptr<ParsedFile> read(const std::shared_ptr<const SnapshotReader>& content,
+                                            Damage damage, bool& needsPassword);
     /// Whether libqpdf has met damage since it was asked last.
     bool hasMetDamage() const;
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "pdf/PDFDataConsumer.h"
 #include "engine/objects/ObjectPlaces.h"
 #include "engine/output/ObjectText.h"
 #include "engine/output/StoredStreams.h"
+#include "pdf/PDFDataConsumer.h"
 
 #include <map>
 #include <string>

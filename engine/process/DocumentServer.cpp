@@ -60,8 +60,8 @@ private:
             throw std::runtime_error("no pictures");
         const size_t size = request->message.size;
         const Mapping packed(request->memory, size);
-        m_pictures = unpackedPictures(QByteArray::fromRawData(static_cast<const char*>(packed.bytes()),
-                                                              static_cast<qsizetype>(size)));
+        m_pictures = unpackedPictures(
+            QByteArray::fromRawData(static_cast<const char*>(packed.bytes()), static_cast<qsizetype>(size)));
     }
 
     int m_socket;
@@ -163,7 +163,8 @@ void DocumentServer::sendPages() {
     std::vector<PageBoxes> pages;
     for (qsizetype index = 0; index < m_document->pageCount(); ++index) {
         const PDFPage page = m_document->page(index);
-        pages.push_back({valuesOf(page.bounds(DisplayBox::mediaBox)), valuesOf(page.bounds(DisplayBox::cropBox))});
+        pages.push_back(
+            {valuesOf(page.bounds(DisplayBox::mediaBox)), valuesOf(page.bounds(DisplayBox::cropBox))});
     }
     m_replies.sendMany(DocumentReplyKind::pages, pages);
 }

@@ -48,8 +48,8 @@ void ReplyStream::sendMany(DocumentReplyKind kind, const std::vector<Value>& val
     constexpr size_t most = (1 << 16) / sizeof(Value);
     for (size_t sent = 0; sent < values.size(); sent += most) {
         const size_t count = std::min(most, values.size() - sent);
-        send(kind, std::string_view(reinterpret_cast<const char*>(values.data() + sent),
-                                    count * sizeof(Value)));
+        send(kind,
+             std::string_view(reinterpret_cast<const char*>(values.data() + sent), count * sizeof(Value)));
     }
 }
 

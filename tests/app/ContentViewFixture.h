@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/ContentView.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"

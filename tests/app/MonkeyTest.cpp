@@ -3,10 +3,10 @@
 #include "preview/ProcessRenderer.h"
 #include "tests/app/Invariants.h"
 #include "tests/editor/EditorTestSupport.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
@@ -58,8 +58,8 @@ protected:
     void start() {
         shown.reset();
         shown = std::make_unique<ContentWindow>(
-            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()), renderer,
-            Theme(SystemFonts::load()));
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
+            renderer, Theme(SystemFonts::load()));
         shown->window().show();
         settle();
     }

@@ -2,8 +2,8 @@
 #include "base/FileSnapshot.h"
 #include "base/SnapshotReader.h"
 #include "pdf/PDFContext.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 

@@ -130,9 +130,8 @@ TEST_F(ConfinementTest, MemoryIsLimitedAndNeverCode) {
     ASSERT_TRUE(canTakeMemory(most));
     EXPECT_FALSE(succeeds([] { return canTakeMemory(most); }));
     EXPECT_FALSE(succeeds([] { return limitMemory(size_t{400} << 20) && canTakeMemory(size_t{500} << 20); }));
-    EXPECT_FALSE(succeeds([] {
-        return limitMemory(size_t{400} << 20) && limitMemory(size_t{600} << 20);
-    })) << "not for good";
+    EXPECT_FALSE(succeeds([] { return limitMemory(size_t{400} << 20) && limitMemory(size_t{600} << 20); }))
+        << "not for good";
 }
 
 TEST_F(ConfinementTest, FilesOfTheUserCannotBeOpenedNorMadeNorLookedAt) {

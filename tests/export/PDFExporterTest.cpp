@@ -1,8 +1,8 @@
+#include "engine/objects/Qpdf.h"
 #include "export/PDFExportError.h"
 #include "export/PDFExporter.h"
-#include "engine/objects/Qpdf.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 

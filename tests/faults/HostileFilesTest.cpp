@@ -1,17 +1,17 @@
 #include "app/ContentWindow.h"
 #include "base/Error.h"
 #include "base/FileDescriptor.h"
+#include "engine/objects/Qpdf.h"
 #include "export/PDFExporter.h"
 #include "pdf/PagePdf.h"
-#include "engine/objects/Qpdf.h"
 #include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/faults/Wholeness.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
@@ -223,8 +223,9 @@ TEST_F(HostileFilesTest, NothingOfADocumentIsExecutedOrFetched) {
 
     const FolderWatch watch(path("geheim"));
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-    ContentWindow shown(std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()), renderer,
-                        Theme(SystemFonts::load()));
+    ContentWindow shown(
+        std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
+        renderer, Theme(SystemFonts::load()));
     ContentView& content = shown.content();
     shown.window().show();
     content.loadPDF(url("Vertrag.pdf"));

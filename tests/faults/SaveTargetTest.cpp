@@ -1,8 +1,8 @@
 #include "app/ContentView.h"
 #include "tests/faults/OrdinaryUser.h"
 #include "tests/faults/Wholeness.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 

@@ -22,7 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     MemoryConsumer consumer;
     PageComposer composer(consumer);
     composer.beginPage();
-    composer.drawPicture(composer.addPicture([&] { return encodePicture(*image); }), {10, 10, points.width, points.height});
+    composer.drawPicture(composer.addPicture([&] { return encodePicture(*image); }),
+                         {10, 10, points.width, points.height});
     composer.endPage();
     composer.close();
     const ParsedDocument written(std::make_shared<const SnapshotReader>(consumer.bytes()));

@@ -132,8 +132,8 @@ TEST_F(DocumentProcessTest, ACancelledSaveEndsAndLeavesTheDocument) {
     EXPECT_EQ(savedPages(*document), 4);
     WorkProgress cancelled;
     cancelled.cancel();
-    EXPECT_THROW(PDFDocument::open(QUrl::fromLocalFile(QStringLiteral("/nowhere.pdf")), processes, &cancelled),
-                 Error);
+    EXPECT_THROW(
+        PDFDocument::open(QUrl::fromLocalFile(QStringLiteral("/nowhere.pdf")), processes, &cancelled), Error);
 }
 
 TEST_F(DocumentProcessTest, WithoutAProgramNothingIsOpened) {
@@ -184,10 +184,9 @@ INSTANTIATE_TEST_SUITE_P(, LyingWhileOpening,
                          testing::Values("never ready", "not ready", "silent", "no number", "no width",
                                          "far away", "too many pages", "half a page",
                                          "lost page that is not there", "lost page twice", "data too early",
-                                         "unknown reply", "unknown failure",
-                                         "a failure of the program's own", "endless reply",
-                                         "progress beyond the end", "ends while opening", "half a reply",
-                                         "fewer than none"));
+                                         "unknown reply", "unknown failure", "a failure of the program's own",
+                                         "endless reply", "progress beyond the end", "ends while opening",
+                                         "half a reply", "fewer than none"));
 
 TEST_P(LyingWhileWriting, WritesNothing) {
     const auto document = PDFDocument::fromData(bytes, processes);

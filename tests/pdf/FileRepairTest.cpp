@@ -1,9 +1,9 @@
 #include "base/Error.h"
 #include "pdf/PagePdf.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 
 using namespace vellmora;
 using namespace vellmora::test;

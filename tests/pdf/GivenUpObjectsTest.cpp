@@ -1,9 +1,9 @@
-#include "pdf/PagePdf.h"
 #include "engine/file/TokenMending.h"
-#include "tests/support/TestDocuments.h"
+#include "pdf/PagePdf.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 
 using namespace vellmora;
 using namespace vellmora::test;

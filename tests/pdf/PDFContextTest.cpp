@@ -1,13 +1,13 @@
 #include "base/Error.h"
-#include "pdf/PDFContext.h"
-#include "pdf/PagePdf.h"
 #include "engine/PageComposer.h"
 #include "engine/objects/ContentText.h"
+#include "pdf/PDFContext.h"
+#include "pdf/PagePdf.h"
 #include "picture/DeflateStream.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/GermanNumbers.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "base/Error.h"
 #include "pdf/PDFDocument.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 
 #include <unistd.h>

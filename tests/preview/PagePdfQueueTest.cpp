@@ -1,7 +1,7 @@
 #include "preview/PDFView.h"
 #include "preview/ProcessRenderer.h"
-#include "tests/support/TestDocuments.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pdf/PDFContext.h"
 #include "engine/objects/Qpdf.h"
+#include "pdf/PDFContext.h"
 #include "tests/support/TestPdf.h"
 
 #include <string>
