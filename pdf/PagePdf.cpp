@@ -6,12 +6,12 @@
 
 namespace vellmora {
 
-QByteArray makePagePdf(const PDFDocument& document, qsizetype pageIndex) {
+QByteArray makePagePdf(const PDFDocument& document, qsizetype pageIndex, WorkProgress* progress) {
     if (!document.page(pageIndex))
         return {};
     MemoryConsumer consumer;
     try {
-        const auto context = PDFContext::create(consumer, document, nullptr, PDFContext::Purpose::viewing);
+        const auto context = PDFContext::create(consumer, document, progress, PDFContext::Purpose::viewing);
         context->beginPage();
         context->drawPage(pageIndex, DisplayBox::cropBox);
         context->endPage();
