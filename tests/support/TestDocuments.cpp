@@ -4,9 +4,17 @@
 
 namespace vellmora::test {
 
+/// A sanitizer, or a busy machine, takes its time.
+static DocumentLimits patientLimits() {
+    using namespace std::chrono_literals;
+    DocumentLimits limits;
+    limits.start = limits.silence = limits.view = 60s;
+    return limits;
+}
+
 DocumentProcesses& documentProcesses() {
     // Never destroyed: documents may be kept until the very end.
-    static auto* const processes = new DocumentProcesses(QStringLiteral(VELLMORA_DOCUMENT));
+    static auto* const processes = new DocumentProcesses(QStringLiteral(VELLMORA_DOCUMENT), patientLimits());
     return *processes;
 }
 
