@@ -13,8 +13,9 @@
 
 namespace vellmora {
 
-ContentView::ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels)
-    : m_stampLibrary(std::move(library)), m_panels(panels) {}
+ContentView::ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels,
+                         DocumentProcesses& processes)
+    : m_stampLibrary(std::move(library)), m_panels(panels), m_processes(processes) {}
 
 ContentView::~ContentView() = default;
 
@@ -61,7 +62,14 @@ void ContentView::openPDF() {
     }
 }
 
+void ContentView::cancelWork() {
+    if (m_work)
+        m_work->cancel();
+}
+
 bool ContentView::handlePDFDrop(const QList<QUrl>& items) {
+    if (isWorking())
+        return false;
     const auto file =
         std::find_if(items.begin(), items.end(), [](const QUrl& url) { return url.isLocalFile(); });
     if (file == items.end()) {
@@ -83,9 +91,12 @@ void ContentView::loadDroppedFile(const QUrl& url) {
 }
 
 void ContentView::loadPDF(const QUrl& url) {
-    WorkScope work(*this);
+    if (isWorking())
+        return;
+    WorkScope work(*this, QStringLiteral("PDF wird geladen…"), WorkScope::AtEnd::cancel);
     try {
-        const auto document = work.await([&] { return PDFDocument::open(url); });
+        const auto document =
+            work.await([&](WorkProgress* progress) { return PDFDocument::open(url, m_processes, progress); });
         m_versions = FileVersions(document->content());
         pdfDocument = document;
         pdfSourceURL = url;
@@ -95,12 +106,12 @@ void ContentView::loadPDF(const QUrl& url) {
         statusText =
             withRemark(QStringLiteral("PDF geladen: ") + url.fileName(), damageText(document->damage()));
     } catch (...) {
-        statusText = notLoaded();
+        statusText = work.isCancelled() ? QStringLiteral("Laden abgebrochen.") : notLoaded();
     }
 }
 
 void ContentView::beginSaveFlow(SaveMode mode) {
-    if (pdfDocument.value())
+    if (pdfDocument.value() && !isWorking())
         performSave(mode);
 }
 
@@ -113,6 +124,14 @@ void ContentView::performSave(SaveMode mode) {
     }
 }
 
+static QString isBeingSaved() {
+    return QStringLiteral("PDF wird gespeichert…");
+}
+
+static QString notSaved() {
+    return QStringLiteral("Speichern abgebrochen.");
+}
+
 void ContentView::saveOverOriginalPDF() {
     const auto document = pdfDocument.value();
     const std::optional<QUrl> url = pdfSourceURL;
@@ -120,15 +139,17 @@ void ContentView::saveOverOriginalPDF() {
         statusText = QStringLiteral("Keine originale PDF-Datei zum Überschreiben verfügbar.");
         return;
     }
-    WorkScope work(*this);
+    WorkScope work(*this, isBeingSaved(), WorkScope::AtEnd::finish);
     try {
-        const QString missing = work.await([&, stamps = stampsByPage.value()] {
-            return PDFExporter::replaceOriginal(*document, stamps, *url, m_versions);
+        const QString missing = work.await([&, stamps = stampsByPage.value()](WorkProgress* progress) {
+            return PDFExporter::replaceOriginal(*document, stamps, *url, m_versions, progress);
         });
         pdfSourceURL = url;
         statusText = withRemark(QStringLiteral("Original überschrieben: ") + url->fileName(), missing);
     } catch (...) {
-        statusText = QStringLiteral("Fehler beim Überschreiben: ") + Error::current().localizedDescription();
+        statusText = work.isCancelled() ? notSaved()
+                                        : QStringLiteral("Fehler beim Überschreiben: ") +
+                                              Error::current().localizedDescription();
     }
 }
 
@@ -154,15 +175,15 @@ void ContentView::saveAsNewPDF() {
 }
 
 void ContentView::saveAsNewPDF(const PDFDocument& document, const QUrl& url) {
-    WorkScope work(*this);
+    WorkScope work(*this, isBeingSaved(), WorkScope::AtEnd::finish);
     try {
-        const QString missing = work.await([&, stamps = stampsByPage.value()] {
-            return PDFExporter::save(document, stamps, url, m_versions);
+        const QString missing = work.await([&, stamps = stampsByPage.value()](WorkProgress* progress) {
+            return PDFExporter::save(document, stamps, url, m_versions, progress);
         });
         pdfSourceURL = url;
         statusText = withRemark(QStringLiteral("PDF gespeichert: ") + url.fileName(), missing);
     } catch (...) {
-        statusText = notSavedAs();
+        statusText = work.isCancelled() ? notSaved() : notSavedAs();
     }
 }
 

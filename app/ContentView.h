@@ -15,11 +15,17 @@
 
 namespace vellmora {
 
+class DocumentProcesses;
+class WorkProgress;
+
 /// The document workspace of one window and the program's commands.
 ///
 /// The fields are state cells: views read them, are told of changes, and bind to some of them in both
 /// directions. Every command ends with a German message in `statusText` or, where it had no effect, leaves it
 /// as it was; no command throws. Main thread only.
+///
+/// While a document is read or written the event loop runs, inside of the command. Other commands that do the
+/// same have no effect meanwhile.
 class ContentView : public QObject {
     Q_OBJECT
 
@@ -27,8 +33,8 @@ public:
     enum class SaveMode { overwriteOriginal, saveAs };
     static QString actionLabel(SaveMode mode);
 
-    /// `panels` must outlive the object.
-    ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels);
+    /// `panels` and `processes` must outlive the object.
+    ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels, DocumentProcesses& processes);
     ~ContentView() override;
 
     StampLibrary& stampLibrary() { return *m_stampLibrary; }
@@ -43,6 +49,14 @@ public:
     /// The file that the document came from or was last saved to; what "Speichern" writes over.
     QProperty<std::optional<QUrl>> pdfSourceURL;
 
+    /// How much of the work that takes long is done, 0 to 1; nothing while there is none.
+    QProperty<std::optional<double>> workProgress;
+
+    /// A document is being read or written. No command that would do the same begins meanwhile.
+    bool isWorking() const { return m_work != nullptr; }
+    /// Has the work end as soon as it can, with everything as it was before. It may be done already.
+    void cancelWork();
+
     /// "3 / 12", or an en dash without a document.
     QString pageDisplayText() const;
     /// Stamps on all pages.
@@ -50,7 +64,8 @@ public:
 
     void openPDF();
     /// Takes the first file of what was dropped and answers true, or refuses the drop. The file is loaded
-    /// when the drop is over: whoever dragged it waits for the answer.
+    /// when the drop is over: whoever dragged it waits for the answer. Refused as well while a document is
+    /// read or written.
     bool handlePDFDrop(const QList<QUrl>& items);
     void loadPDF(const QUrl& url);
 
@@ -67,7 +82,7 @@ public:
 Q_SIGNALS:
     /// Around work that may take long: reading or writing a document. No panel is open in between.
     void willWork();
-    /// In between, once the work has taken a while. The event loop stands still.
+    /// In between, once the work has taken a while. The event loop runs.
     void worksLong();
     void didWork();
     /// A stamp with these bytes is placed next; `image` is what they hold. A view that shows it need not
@@ -75,7 +90,6 @@ Q_SIGNALS:
     void willPlaceStamp(const QByteArray& imageData, const Image& image);
 
 private:
-    /// Emits `willWork` and `didWork` around its life.
     class WorkScope;
 
     /// A message and, where there is something to add, that.
@@ -90,7 +104,9 @@ private:
 
     std::unique_ptr<StampLibrary> m_stampLibrary;
     FilePanels& m_panels;
-    FileVersions m_versions;  ///< of the document's file
+    DocumentProcesses& m_processes;
+    WorkProgress* m_work = nullptr;  ///< of the work that is being done
+    FileVersions m_versions;         ///< of the document's file
 };
 
 }  // namespace vellmora

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QShortcut>
 
 namespace vellmora {
 
@@ -31,6 +32,9 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
     observe(m_content->statusText);
     observe(m_content->isPDFDropTargeted);
     observe(m_content->pdfSourceURL);
+    observe(m_content->workProgress);
+    m_cancel = new QShortcut(Qt::Key_Escape, m_window.get(), [this] { m_content->cancelWork(); });
+    m_cancel->setEnabled(false);
     connect(&m_content->stampLibrary(), &StampLibrary::objectWillChange, this, [this] {
         m_hasLibraryChanged = true;
         scheduleRefresh();
@@ -106,20 +110,34 @@ QList<ContentWindow::Command> ContentWindow::makeCommands() {
 
 void ContentWindow::beginWork() {
     m_isWorking = true;
+    m_cancel->setEnabled(true);
 }
 
+/// A command cannot be chosen from now on. Where the one that is at work had the focus, it gets it again.
 void ContentWindow::showWaitCursor() {
-    if (!std::exchange(m_showsWaitCursor, true))
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (std::exchange(m_showsWaitCursor, true))
+        return;
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    m_focusBefore = m_window->focusWidget();
+    enableCommands();
 }
 
-/// The clicks and keys that came during the work are delivered here, while no second command runs. A file
-/// that was dropped during the work is loaded here.
+/// The clicks and keys that came at the end of the work are delivered here, while no second command runs.
 void ContentWindow::endWork() {
     QCoreApplication::processEvents();
-    if (std::exchange(m_showsWaitCursor, false))
-        QGuiApplication::restoreOverrideCursor();
     m_isWorking = false;
+    m_cancel->setEnabled(false);
+    if (!std::exchange(m_showsWaitCursor, false))
+        return;
+    QGuiApplication::restoreOverrideCursor();
+    enableCommands();
+    if (m_focusBefore)
+        m_focusBefore->setFocus();
+}
+
+void ContentWindow::enableCommands() {
+    for (const Command& command : m_commands)
+        command.action->setEnabled(command.isAllowed() && !m_showsWaitCursor);
 }
 
 MainWindow::Callbacks ContentWindow::makeCallbacks() {
@@ -168,9 +186,9 @@ void ContentWindow::refresh() {
     const bool hasDocument = m_content->pdfDocument.value() != nullptr;
     if (hasDocument && !m_editor)
         makeEditor();
-    for (const Command& command : m_commands)
-        command.action->setEnabled(command.isAllowed());
+    enableCommands();
     m_window->commandBar().setStatusText(m_content->statusText);
+    m_window->commandBar().setProgress(m_content->workProgress);
     m_window->sidebar().setFigures(workspaceFigures());
     if (std::exchange(m_hasLibraryChanged, false))
         m_window->sidebar().setLibrary(libraryContent());

@@ -10,7 +10,10 @@
 #include <vector>
 
 #include <QObject>
+#include <QPointer>
 #include <QPropertyNotifier>
+
+class QShortcut;
 
 namespace vellmora {
 
@@ -53,6 +56,7 @@ private:
     void beginWork();
     void showWaitCursor();
     void endWork();
+    void enableCommands();
     void makeEditor();
     QString nameOfStamp(const StampItem& stamp) const;
     WorkspaceFigures workspaceFigures() const;
@@ -67,8 +71,10 @@ private:
     std::vector<QPropertyNotifier> m_observers;
     bool m_isRefreshScheduled = false;
     bool m_hasLibraryChanged = true;
+    QShortcut* m_cancel = nullptr;  ///< Escape, while there is work
     bool m_isWorking = false;
     bool m_showsWaitCursor = false;
+    QPointer<QWidget> m_focusBefore;
 };
 
 }  // namespace vellmora

@@ -1,34 +1,51 @@
 #pragma once
 
 #include "app/ContentView.h"
+#include "base/WorkProgress.h"
 
-#include <chrono>
+#include <functional>
 #include <future>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace vellmora {
 
+/// Work that may take long, on a document of the workspace: while it is done on a thread of its own, the
+/// event loop runs, and no second one begins. After a while the workspace says what is being done, and how
+/// far it is.
 class ContentView::WorkScope {
 public:
-    explicit WorkScope(ContentView& content) : m_content(content) { Q_EMIT m_content.willWork(); }
-    ~WorkScope() { Q_EMIT m_content.didWork(); }
+    /// What happens to the work where the program ends meanwhile.
+    enum class AtEnd { cancel, finish };
+
+    /// `text` is for the status line, for example "PDF wird geladen…".
+    WorkScope(ContentView& content, QString text, AtEnd atEnd);
+    ~WorkScope();
     WorkScope(const WorkScope&) = delete;
     WorkScope& operator=(const WorkScope&) = delete;
 
-    /// Runs the task and waits for it; what it throws is thrown on. The task gets a thread of its own only so
-    /// that this one is free to tell when it takes long; where there is none to be had, it runs on this one.
+    /// Runs the task and waits for it; what it throws is thrown on. The task gets the `WorkProgress` to
+    /// report to.
     template <typename Task>
     auto await(Task task) {
-        auto result = std::async(std::launch::async | std::launch::deferred, std::move(task));
-        if (result.wait_for(patience) == std::future_status::timeout)
-            Q_EMIT m_content.worksLong();
-        return result.get();
+        std::optional<std::invoke_result_t<Task, WorkProgress*>> result;
+        run([&] { result.emplace(task(&m_progress)); });
+        return std::move(*result);
     }
 
+    /// Somebody wanted the work to end before it was done.
+    bool isCancelled() const { return m_progress.isCancelled(); }
+
 private:
-    static constexpr std::chrono::milliseconds patience{100};
+    void run(const std::function<void()>& task);
+    void endWithProgram(std::future<void>& work);
+    void show();
 
     ContentView& m_content;
+    QString m_text;
+    AtEnd m_atEnd;
+    WorkProgress m_progress;
 };
 
 }  // namespace vellmora

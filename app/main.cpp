@@ -1,6 +1,7 @@
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
 #include "desktop/DialogFilePanels.h"
+#include "pdf/DocumentProcesses.h"
 #include "preview/ProcessRenderer.h"
 #include "ui/FirstPaint.h"
 
@@ -11,23 +12,29 @@ using namespace vellmora;
 int main(int argc, char** argv) {
     VellmoraApp app(argc, argv);
     const std::optional<QUrl> document = app.documentToOpen();
+    DocumentProcesses processes(DocumentProcesses::installedProgram());
+    if (document)
+        processes.prepare();
     const SystemFonts fonts = SystemFonts::load();
     DialogFilePanels panels;
     ProcessRenderer renderer(ProcessRenderer::installedProgram());
 
     auto library = std::make_unique<StampLibrary>(
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
-    auto content = std::make_unique<ContentView>(std::move(library), panels);
+    auto content = std::make_unique<ContentView>(std::move(library), panels, processes);
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().fitInto(window.window().screen()->availableSize());
     const FirstPaint firstPaint(window.window());
     QObject::connect(&firstPaint, &FirstPaint::painted, &renderer, &ProcessRenderer::prepare);
+    QObject::connect(&firstPaint, &FirstPaint::painted, [&] { processes.prepare(); });
     QObject::connect(&firstPaint, &FirstPaint::painted, &window.content().stampLibrary(),
                      &StampLibrary::redrawDueBuiltins);
     window.window().show();
     if (document) {
         renderer.prepare();
-        window.content().loadPDF(*document);
+        // Inside of the event loop, which may end while the document is loaded.
+        QMetaObject::invokeMethod(
+            &window, [&] { window.content().loadPDF(*document); }, Qt::QueuedConnection);
     }
     return app.run();
 }

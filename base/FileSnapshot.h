@@ -1,5 +1,10 @@
 #pragma once
 
+#include "base/Error.h"
+#include "base/SharedMemory.h"
+
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -10,47 +15,72 @@
 namespace vellmora {
 
 class FileDescriptor;
+struct FileState;
+namespace files {
+struct OpenedFile;
+}
 
-/// The bytes of a file, at hand before all of them are read: a large file is read by a thread of its own from
-/// `readAhead()` on, and who needs a part of it earlier reads that part. Once it is read, the file itself is
-/// not needed any more. A file that changed while it was read is noticed: its bytes may be of two versions.
+/// What lies at the beginning of a snapshot's memory, for those who read it from another process.
+struct SnapshotHeader {
+    /// So many bytes of the content are there, from its beginning on.
+    std::atomic<std::uint64_t> copied;
+};
+static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
+
+/// The content lies behind the header, from here on: whole pages can be mapped.
+inline constexpr size_t snapshotContentOffset = 1 << 12;
+
+/// The bytes of a file, in sealed memory that this program alone can write to. A small file is there at once,
+/// a large one is copied by a thread of its own from `readAhead()` on. Once it is copied, the file itself is
+/// not needed any more. A file that changed while it was copied is noticed: its bytes may be of two versions.
 ///
-/// May be used by several threads at a time.
+/// Another process can read along (`SnapshotReader`). May be used by several threads at a time.
 class FileSnapshot {
 public:
     /// Throws `Error` as `files::read` does, also where a small file keeps changing.
     static std::shared_ptr<const FileSnapshot> open(const QString& path);
 
-    explicit FileSnapshot(QByteArray bytes);
+    /// Throws `std::bad_alloc`.
+    explicit FileSnapshot(const QByteArray& bytes);
     ~FileSnapshot();
     FileSnapshot(const FileSnapshot&) = delete;
     FileSnapshot& operator=(const FileSnapshot&) = delete;
 
-    size_t size() const { return static_cast<size_t>(m_bytes.size()); }
+    size_t size() const { return m_size; }
+    /// Waits until all is copied; throws the `Error` of what cannot be read.
+    std::string_view all() const;
 
-    /// A range inside of the content, in memory that lives as long as it. Waits until it is read; throws
-    /// `Error` where it cannot be, or is not there any more.
-    std::string_view range(size_t offset, size_t length) const;
-    std::string_view all() const { return range(0, size()); }
-
-    /// Begins to read all that is left.
+    /// Begins to copy all that is left.
     void readAhead() const;
 
-    /// Throws the `Error` of a range that could not be read, whoever asked for it, or of a file that is known
-    /// to have changed.
+    /// Throws the `Error` of what could not be read so far, or of a file that is known to have changed.
     void requireReadable() const;
-    /// Waits until all is read, and throws where it is not the content that the file had at one time.
+    /// Waits until all is copied, and throws where it is not the content that the file had at one time.
     void requireWhole() const;
 
     /// True where the open file holds these bytes and no others; `path` is what an error names.
     bool isHeldBy(const FileDescriptor& file, const QString& path) const;
 
-private:
-    class Reading;
-    FileSnapshot(QByteArray bytes, std::unique_ptr<Reading> reading);
+    /// What to say of an error that another process met when it read along.
+    Error readingError(int error) const;
 
-    QByteArray m_bytes;
-    std::unique_ptr<Reading> m_reading;  ///< none where all is there
+    /// The header and the content; others cannot write to it.
+    int memory() const { return m_memory.descriptor(); }
+    /// The file, for who cannot wait for a part of it; negative where all is there.
+    int file() const;
+
+private:
+    class Copying;
+    explicit FileSnapshot(size_t size);
+    static std::shared_ptr<const FileSnapshot> readSmall(const files::OpenedFile& opened,
+                                                         const FileState& before, const QString& path);
+    char* bytes() const;
+    SnapshotHeader& header() const;
+
+    /// Its bytes change while they are copied, which nobody can tell who waits for them.
+    mutable SharedMemory m_memory;
+    size_t m_size;
+    std::unique_ptr<Copying> m_copying;  ///< none where all is there
 };
 
 /// Hands the open file's bytes from its beginning to `take`, piece by piece with their offsets, until that

@@ -5,15 +5,29 @@
 
 namespace vellmora {
 
-SharedMemory::SharedMemory(size_t size)
+namespace {
+
+bool seal(const FileDescriptor& file, int seals) {
+    return ::fcntl(file.get(), F_ADD_SEALS, seals) == 0;
+}
+
+}  // namespace
+
+SharedMemory::SharedMemory(size_t size, Writers writers)
     : m_file(::memfd_create("vellmora", MFD_CLOEXEC | MFD_ALLOW_SEALING)), m_size(size) {
-    if (!m_file.isValid() || ::ftruncate(m_file.get(), static_cast<off_t>(size)) != 0)
-        return;
-    if (::fcntl(m_file.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
+    if (!m_file.isValid() || ::ftruncate(m_file.get(), static_cast<off_t>(size)) != 0 ||
+        !seal(m_file, F_SEAL_SHRINK | F_SEAL_GROW))
         return;
     void* memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, m_file.get(), 0);
-    if (memory != MAP_FAILED)
+    if (memory == MAP_FAILED)
+        return;
+    // What is mapped already can be written to all the same.
+    const bool isSealed =
+        (writers == Writers::all || seal(m_file, F_SEAL_FUTURE_WRITE)) && seal(m_file, F_SEAL_SEAL);
+    if (isSealed)
         m_bytes = static_cast<unsigned char*>(memory);
+    else
+        ::munmap(memory, size);
 }
 
 SharedMemory::~SharedMemory() {

@@ -3,6 +3,7 @@
 #include "base/FileDescriptor.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace vellmora {
 
@@ -10,15 +11,23 @@ namespace vellmora {
 /// other side cannot make it shrink under the reader's hands.
 class SharedMemory {
 public:
-    /// Not valid where the system gives no memory.
-    explicit SharedMemory(size_t size);
+    /// Who may write to it: everybody who gets the descriptor, or only who made it.
+    enum class Writers { all, maker };
+
+    /// Zeros. `size` is in bytes, and not 0. Not valid where the system gives no memory.
+    explicit SharedMemory(size_t size, Writers writers = Writers::all);
     ~SharedMemory();
+    SharedMemory(SharedMemory&& other) noexcept
+        : m_file(std::move(other.m_file)),
+          m_size(other.m_size),
+          m_bytes(std::exchange(other.m_bytes, nullptr)) {}
     SharedMemory(const SharedMemory&) = delete;
     SharedMemory& operator=(const SharedMemory&) = delete;
 
     bool isValid() const { return m_bytes != nullptr; }
     int descriptor() const { return m_file.get(); }
     unsigned char* bytes() { return m_bytes; }
+    const unsigned char* bytes() const { return m_bytes; }
 
 private:
     FileDescriptor m_file;

@@ -10,6 +10,7 @@
 #include "base/Files.h"
 #include "desktop/DialogFilePanels.h"
 #include "editor/InteractiveStampView.h"
+#include "pdf/DocumentProcesses.h"
 #include "preview/ProcessRenderer.h"
 
 #include <cstdio>
@@ -76,10 +77,13 @@ int main(int argc, char** argv) {
         return 1;
     const SystemFonts fonts = SystemFonts::load();
     DialogFilePanels panels;
+    DocumentProcesses processes(DocumentProcesses::installedProgram());
+    processes.prepare();
     ProcessRenderer renderer(ProcessRenderer::installedProgram());
     auto library = std::make_unique<StampLibrary>(
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
-    ContentWindow window(std::make_unique<ContentView>(std::move(library), panels), renderer, Theme(fonts));
+    ContentWindow window(std::make_unique<ContentView>(std::move(library), panels, processes), renderer,
+                         Theme(fonts));
     window.window().show();
 
     ContentView& content = window.content();

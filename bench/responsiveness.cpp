@@ -9,6 +9,7 @@
 #include "app/ContentWindow.h"
 #include "app/VellmoraApp.h"
 #include "desktop/DialogFilePanels.h"
+#include "pdf/DocumentProcesses.h"
 #include "preview/ProcessRenderer.h"
 
 #include <algorithm>
@@ -124,7 +125,7 @@ public:
                                                      systemClock(),
                                                      m_panels,
                                                      fonts}),
-                                                 m_panels),
+                                                 m_panels, m_processes),
                    m_renderer, Theme(fonts)) {
         m_renderer.prepare();
         m_rendererProcess = m_renderer.processID();
@@ -201,6 +202,7 @@ private:
 
     QTemporaryDir m_folder;
     DialogFilePanels m_panels;
+    DocumentProcesses m_processes{DocumentProcesses::installedProgram()};
     ProcessRenderer m_renderer{ProcessRenderer::installedProgram()};
     ContentWindow m_window;
     std::optional<pid_t> m_rendererProcess;

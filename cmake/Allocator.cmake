@@ -1,4 +1,4 @@
-# What allocates the memory of the program: parsing and writing a document is many small pieces, for which the C
+# What allocates the memory of the document process: parsing and writing a document is many small pieces, for which the C
 # library's own allocator takes a fifth of the time more. The sanitizers bring theirs.
 add_library(vellmora_allocator INTERFACE)
 if(NOT VELLMORA_SANITIZE AND NOT VELLMORA_FUZZ)

@@ -6,6 +6,7 @@
 #include <memory>
 #include <seccomp.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 
 namespace vellmora {
 
@@ -98,6 +99,8 @@ bool filterCalls(bool canOpenFiles) {
     filter.allow(SCMP_SYS(mprotect), hasNone(2, PROT_EXEC));
     // Of this process only.
     filter.allow(SCMP_SYS(sched_getaffinity), is(0, 0));
+    // A tighter limit of its own memory.
+    filter.allow(SCMP_SYS(prlimit64), is(0, 0), is(1, RLIMIT_AS));
     // To nobody but the other end.
     filter.allow(SCMP_SYS(sendto), scmp_arg_cmp{4, SCMP_CMP_EQ, 0, 0});
     // Neither for writing, nor emptied, made, or opened just for its name.

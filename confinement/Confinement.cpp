@@ -16,19 +16,15 @@ namespace {
 
 constexpr rlim_t mostOpenFiles = 64;
 
-void limit(__rlimit_resource resource, rlim_t value) {
+bool limit(__rlimit_resource resource, rlim_t value) {
     const rlimit both{value, value};
-    ::setrlimit(resource, &both);
+    return ::setrlimit(resource, &both) == 0;
 }
 
-void limitResources([[maybe_unused]] rlim_t memory) {
+void limitResources() {
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, 0);
     limit(RLIMIT_NOFILE, mostOpenFiles);
-// The sanitizers take terabytes of addresses for themselves.
-#if !defined __SANITIZE_ADDRESS__ && !defined __SANITIZE_THREAD__
-    limit(RLIMIT_AS, memory);
-#endif
 }
 
 }  // namespace
@@ -45,13 +41,23 @@ bool leaveDescriptors(int lastKept) {
     return ::close_range(first, std::numeric_limits<unsigned>::max(), 0) == 0;
 }
 
+bool limitMemory([[maybe_unused]] std::uint64_t bytes) {
+// The sanitizers take terabytes of addresses for themselves.
+#if !defined __SANITIZE_ADDRESS__ && !defined __SANITIZE_THREAD__
+    return limit(RLIMIT_AS, bytes);
+#else
+    return true;
+#endif
+}
+
 bool confineProcess(const ConfinementPolicy& policy) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     ::prctl(PR_SET_DUMPABLE, 0);
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
         return false;
-    limitResources(policy.memory);
-    const bool canOpenFiles = allowOnlyReading(policy.readableFolders);
+    limitResources();
+    limitMemory(policy.memory);
+    const bool canOpenFiles = allowOnlyReading(policy.readableFolders) && !policy.readableFolders.empty();
     if (canOpenFiles && policy.prepare)
         policy.prepare();
     return filterCalls(canOpenFiles);

@@ -9,8 +9,8 @@ namespace vellmora {
 
 /// What a process keeps that confines itself.
 struct ConfinementPolicy {
-    /// Files beneath these folders can be read, and nothing else be done to them. Where the kernel cannot
-    /// tell folders apart (Landlock), no file can be opened at all.
+    /// Files beneath these folders can be read, and nothing else be done to them. Where there are none, or
+    /// the kernel cannot tell folders apart (Landlock), no file can be opened at all.
     std::vector<std::string> readableFolders;
     /// In bytes of addresses.
     std::uint64_t memory = std::uint64_t{3} << 30;
@@ -29,8 +29,14 @@ bool leaveDescriptors(int lastKept);
 /// files. Whether there is a file of some name can still be learned from the way in which opening it fails.
 /// The process dies with the one that started it.
 ///
+/// The limit of memory can be made tighter later (`limitMemory`).
+///
 /// To be called by a process of one thread. False where system calls cannot be refused; nothing from outside
 /// may be read then.
 bool confineProcess(const ConfinementPolicy& policy);
+
+/// From now on this process gets no more addresses than that, in bytes, and cannot have more again. False
+/// where it had less.
+bool limitMemory(std::uint64_t bytes);
 
 }  // namespace vellmora

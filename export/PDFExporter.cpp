@@ -46,7 +46,7 @@ void drawPages(PDFContext& context, const PDFDocument& document, const StampsByP
         if (!document.page(index))
             continue;
         context.beginPage();
-        context.drawPage(document, index, DisplayBox::mediaBox);
+        context.drawPage(index, DisplayBox::mediaBox);
         for (const StampItem& stamp : stampsByPage.value(index)) {
             if (const auto picture = pictures.pictureOf(stamp))
                 context.drawPicture(*picture, stamp.rect);
@@ -55,19 +55,16 @@ void drawPages(PDFContext& context, const PDFDocument& document, const StampsByP
     }
 }
 
-/// Takes a digest of what it hands on to the file. The file is finished only where the document is known to
-/// be of one piece.
+/// Takes a digest of what it hands on to the file.
 class WatchedConsumer : public PDFDataConsumer {
 public:
-    WatchedConsumer(PDFDataConsumer& file, const PDFDocument& document, FileVersions& versions)
-        : m_file(file), m_document(document), m_versions(versions) {}
+    WatchedConsumer(PDFDataConsumer& file, FileVersions& versions) : m_file(file), m_versions(versions) {}
 
     void write(const char* bytes, qint64 count) override {
         m_digest.add({bytes, static_cast<size_t>(count)});
         m_file.write(bytes, count);
     }
     void finish() override {
-        m_document.content()->requireWhole();
         m_versions.expect(m_digest);
         m_file.finish();
     }
@@ -75,17 +72,14 @@ public:
 private:
     PDFDataConsumer& m_file;
     ContentDigest m_digest;
-    const PDFDocument& m_document;
     FileVersions& m_versions;
 };
 
 /// Answers what the file lacks.
 QString writeTo(PDFDataConsumer& file, const PDFDocument& document, const StampsByPage& stampsByPage,
-                FileVersions& versions) {
-    WatchedConsumer consumer(file, document, versions);
-    const auto context = PDFContext::create(consumer);
-    if (!context)
-        throw PDFExportError(PDFExportError::Case::couldNotCreateContext);
+                FileVersions& versions, WorkProgress* progress) {
+    WatchedConsumer consumer(file, versions);
+    const auto context = PDFContext::create(consumer, document, progress);
     drawPages(*context, document, stampsByPage);
     context->close();
     return missingText(document.damage(), context->incompletePages());
@@ -126,10 +120,10 @@ void requireNothingLost(FileVersions::Held original, const PDFDocument& document
 }  // namespace
 
 QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to,
-                          FileVersions& versions) {
+                          FileVersions& versions, WorkProgress* progress) {
     QString missing = exported([&] {
         FileConsumer file(to.toLocalFile());
-        return writeTo(file, document, stampsByPage, versions);
+        return writeTo(file, document, stampsByPage, versions, progress);
     });
     versions.confirm();
     return missing;
@@ -141,10 +135,12 @@ QString PDFExporter::save(const PDFDocument& document, const StampsByPage& stamp
 }
 
 QString PDFExporter::replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
-                                     const QUrl& originalURL, FileVersions& versions) {
+                                     const QUrl& originalURL, FileVersions& versions,
+                                     WorkProgress* progress) {
     const QString original = originalURL.toLocalFile();
     ReplacementConsumer replacement(original);
-    QString missing = exported([&] { return writeTo(replacement, document, stampsByPage, versions); });
+    QString missing =
+        exported([&] { return writeTo(replacement, document, stampsByPage, versions, progress); });
     requireNothingLost(versions.heldBy(original), document, missing);
     replacement.replaceOriginal();
     versions.confirm();

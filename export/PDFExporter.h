@@ -8,11 +8,14 @@
 
 namespace vellmora {
 
+class WorkProgress;
+
 /// Writes a document with the stamps placed on it as a fresh PDF; neither is changed.
 ///
 /// Every page is drawn unchanged and then its stamps over it, in list order, stretched to their rectangles.
 /// Of a stamp only the rectangle (page space) and the picture are read; one without a readable picture is
-/// left out, as are stamps of pages that the document does not have. Both calls are synchronous.
+/// left out, as are stamps of pages that the document does not have. Both calls are synchronous; `progress`
+/// may be null.
 class PDFExporter {
 public:
     PDFExporter() = delete;
@@ -20,7 +23,7 @@ public:
     /// Answers what the new file lacks of the document, as `missingText` does. `versions` learns what was
     /// written. Throws `PDFExportError`; the target is as it was then.
     static QString save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to,
-                        FileVersions& versions);
+                        FileVersions& versions, WorkProgress* progress = nullptr);
     /// The same for who saves once.
     static QString save(const PDFDocument& document, const StampsByPage& stampsByPage, const QUrl& to);
 
@@ -32,7 +35,8 @@ public:
     /// step loses the change. The file that was opened is not replaced by one that lacks some of it, but one
     /// that was written from the same document may be.
     static QString replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
-                                   const QUrl& originalURL, FileVersions& versions);
+                                   const QUrl& originalURL, FileVersions& versions,
+                                   WorkProgress* progress = nullptr);
     /// The same for who saves once, over what was opened.
     static QString replaceOriginal(const PDFDocument& document, const StampsByPage& stampsByPage,
                                    const QUrl& originalURL);

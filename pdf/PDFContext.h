@@ -7,22 +7,30 @@
 
 #include <memory>
 
+#include <QList>
+
 namespace vellmora {
+
+class WorkProgress;
 
 /// Writes a fresh PDF, page after page. What is written carries no document information, outline, links,
 /// form, script or attachment: only pages, as a screen viewer shows them.
 ///
-/// Order of calls: for each page `beginPage`, any drawing, `endPage`; at last `close`. Nothing reaches the
-/// consumer before `close`.
+/// Order of calls: for each page `beginPage`, any drawing, `endPage`; at last `close`. Until then the calls
+/// are only noted down; they are carried out by the document's process.
 class PDFContext {
 public:
     /// A picture that was added to the file; valid for the context that gave it.
     struct Picture {
         int index = 0;
     };
+    /// What the file is for. A look at a page has little time, and little size beside what the document has.
+    enum class Purpose { saving, viewing };
 
-    /// Nothing where libqpdf cannot start a document.
-    static std::unique_ptr<PDFContext> create(PDFDataConsumer& consumer);
+    /// Consumer and document must outlive the context, and so must `progress`, which may be null.
+    static std::unique_ptr<PDFContext> create(PDFDataConsumer& consumer, const PDFDocument& document,
+                                              WorkProgress* progress = nullptr,
+                                              Purpose purpose = Purpose::saving);
     ~PDFContext();
     PDFContext(const PDFContext&) = delete;
     PDFContext& operator=(const PDFContext&) = delete;
@@ -30,13 +38,11 @@ public:
     /// Begins an empty page, of A4 size until `drawPage` gives it another.
     void beginPage();
 
-    /// Draws a source page into the page that was begun. The output page gets that page's `box` as its media
-    /// box, and its rotation; with the media box also its crop, bleed, trim and art boxes, where it has them.
-    /// What is drawn after it is placed in its page space. Content is carried over losslessly, also what
-    /// is damaged in it; what cannot be read is left out. Throws `std::bad_alloc` and nothing else.
-    ///
-    /// The document must live until `close`; other threads that draw from it wait for that.
-    void drawPage(const PDFDocument& document, qsizetype pageIndex, DisplayBox box);
+    /// Draws a page of the document into the page that was begun. The output page gets that page's `box` as
+    /// its media box, and its rotation; with the media box also its crop, bleed, trim and art boxes, where it
+    /// has them. What is drawn after it is placed in its page space. Content is carried over losslessly, also
+    /// what is damaged in it; what cannot be read is left out.
+    void drawPage(qsizetype pageIndex, DisplayBox box);
 
     /// Stores a picture once; it can be drawn any number of times on any page.
     Picture addPicture(const Image& image);
@@ -47,8 +53,8 @@ public:
 
     void endPage();
 
-    /// Writes the file. Throws the consumer's `Error`, or one of the PDF domain where writing fails
-    /// otherwise, or `std::bad_alloc`.
+    /// Writes the file. Throws the consumer's `Error`, or one of its own where writing fails otherwise, or
+    /// `std::bad_alloc`.
     void close();
 
     /// After `close`: the output's pages on which something of the source is missing, since it could not be
@@ -56,10 +62,10 @@ public:
     QList<qsizetype> incompletePages() const;
 
 private:
-    explicit PDFContext(PDFDataConsumer& consumer);
+    struct Contents;
+    explicit PDFContext(std::unique_ptr<Contents> contents);
 
-    class Writer;
-    std::unique_ptr<Writer> m_writer;
+    std::unique_ptr<Contents> m_contents;
 };
 
 }  // namespace vellmora

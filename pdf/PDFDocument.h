@@ -5,50 +5,66 @@
 
 #include <memory>
 #include <optional>
+#include <sys/types.h>
+#include <vector>
 
 #include <QByteArray>
 #include <QUrl>
 
 namespace vellmora {
 
+class DocumentProcesses;
+class DocumentSession;
 class FileSnapshot;
-class ParsedFile;
+struct DocumentStructure;
+class WorkProgress;
 
 /// An open document: a snapshot of the file's bytes and what its structure says of the pages.
 ///
+/// The structure is read in a process of its own, which belongs to the document and may be lost at any time.
 /// Soon after opening (the rest of a large file is read meanwhile) the file is not touched again; it may be
 /// replaced, truncated or unplugged. What was not read in time is never saved as if it were. Documents are
 /// compared by identity and shared, also among threads.
 class PDFDocument {
 public:
+    /// `processes` must outlive the document; `progress` may be null, and is to live until the call returns.
     /// Throws `Error` where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond
     /// repair, encrypted with a password that is not empty); its reason says why.
-    static std::shared_ptr<const PDFDocument> open(const QUrl& url);
-    static std::shared_ptr<const PDFDocument> fromData(const QByteArray& bytes);
+    static std::shared_ptr<const PDFDocument> open(const QUrl& url, DocumentProcesses& processes,
+                                                   WorkProgress* progress = nullptr);
+    static std::shared_ptr<const PDFDocument> fromData(const QByteArray& bytes, DocumentProcesses& processes);
 
-    PDFDocument(std::shared_ptr<const FileSnapshot> content, std::unique_ptr<ParsedFile> source);
+    PDFDocument(std::shared_ptr<const FileSnapshot> content, std::unique_ptr<DocumentSession> session,
+                DocumentStructure structure);
     ~PDFDocument();
     PDFDocument(const PDFDocument&) = delete;
     PDFDocument& operator=(const PDFDocument&) = delete;
 
-    qsizetype pageCount() const;
+    qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     /// Nothing for an index outside 0 … pageCount − 1.
     std::optional<PDFPage> page(qsizetype index) const;
 
     /// What is known to be missing since the document was opened.
-    const DocumentDamage& damage() const;
+    const DocumentDamage& damage() const { return m_damage; }
 
     /// The bytes that were opened.
     const std::shared_ptr<const FileSnapshot>& content() const { return m_content; }
 
-    /// What the engine reads; not for use outside of `pdf/`.
-    const ParsedFile& source() const { return *m_source; }
+    /// Of the process that reads the document; nothing while there is none. Waits while it is at work.
+    std::optional<pid_t> processID() const;
+
+    /// What `PDFContext` speaks with; not for use outside of `pdf/`.
+    DocumentSession& session() const { return *m_session; }
 
 private:
-    static std::shared_ptr<const PDFDocument> fromContent(const std::shared_ptr<const FileSnapshot>& content);
+    static std::shared_ptr<const PDFDocument> fromContent(const std::shared_ptr<const FileSnapshot>& content,
+                                                          DocumentProcesses& processes,
+                                                          WorkProgress* progress);
 
     std::shared_ptr<const FileSnapshot> m_content;
-    std::unique_ptr<ParsedFile> m_source;
+    std::unique_ptr<DocumentSession> m_session;
+    std::vector<PDFPage> m_pages;
+    DocumentDamage m_damage;
 };
 
 }  // namespace vellmora

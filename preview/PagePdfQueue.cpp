@@ -11,16 +11,24 @@ PagePdfQueue::PagePdfQueue() {
 }
 
 PagePdfQueue::~PagePdfQueue() {
+    endDrawing();
     m_thread.waitForDone();
 }
 
 void PagePdfQueue::setDocument(const std::shared_ptr<const PDFDocument>& document) {
     m_waiting.clear();
+    if (m_document != document)
+        endDrawing();
     m_document = document;
 }
 
+void PagePdfQueue::endDrawing() {
+    if (m_job)
+        m_job->progress->cancel();
+}
+
 void PagePdfQueue::request(qsizetype pageIndex) {
-    if (m_job == Job{m_document, pageIndex})
+    if (m_job && m_job->isFor(m_document, pageIndex))
         return;
     std::erase(m_waiting, pageIndex);
     if (m_waiting.size() >= maxWaiting)
@@ -32,10 +40,11 @@ void PagePdfQueue::request(qsizetype pageIndex) {
 void PagePdfQueue::drawNext() {
     if (m_job || m_waiting.empty())
         return;
-    m_job = Job{m_document, m_waiting.back()};
+    m_job = Job{m_document, m_waiting.back(), std::make_shared<WorkProgress>()};
     m_waiting.pop_back();
     m_thread.start([this, job = *m_job] {
-        const QByteArray drawing = job.document ? makePagePdf(*job.document, job.pageIndex) : QByteArray();
+        const QByteArray drawing =
+            job.document ? makePagePdf(*job.document, job.pageIndex, job.progress.get()) : QByteArray();
         QMetaObject::invokeMethod(
             this, [this, job, drawing] { take(job, drawing); }, Qt::QueuedConnection);
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/WorkProgress.h"
 #include "pdf/PDFDocument.h"
 
 #include <memory>
@@ -19,10 +20,10 @@ class PagePdfQueue : public QObject {
 
 public:
     PagePdfQueue();
-    /// Waits for the page that is being drawn.
+    /// Ends the drawing of a page, as far as it is not done.
     ~PagePdfQueue() override;
 
-    /// Forgets all requests.
+    /// Forgets all requests, and ends what is being drawn: the document's process is lost with it.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
     /// The newest request is served first, and one that many newer ones have overtaken is dropped.
     void request(qsizetype pageIndex);
@@ -35,8 +36,12 @@ private:
     struct Job {
         std::shared_ptr<const PDFDocument> document;
         qsizetype pageIndex = 0;
-        bool operator==(const Job&) const = default;
+        std::shared_ptr<WorkProgress> progress = nullptr;
+        bool isFor(const std::shared_ptr<const PDFDocument>& other, qsizetype page) const {
+            return document == other && pageIndex == page;
+        }
     };
+    void endDrawing();
     void drawNext();
     void take(const Job& job, const QByteArray& drawing);
 

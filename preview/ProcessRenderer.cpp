@@ -1,10 +1,9 @@
 #include "preview/ProcessRenderer.h"
 
+#include "base/HelperProcess.h"
+
 #include <cstring>
 #include <utility>
-
-#include <QCoreApplication>
-#include <QFileInfo>
 
 namespace vellmora {
 
@@ -21,11 +20,7 @@ ProcessRenderer::ProcessRenderer(QString program, std::chrono::milliseconds time
 ProcessRenderer::~ProcessRenderer() = default;
 
 QString ProcessRenderer::installedProgram() {
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString name = QStringLiteral("/vellmora-render");
-    const QString inBuildTree = folder + QStringLiteral("/libexec/vellmora") + name;
-    return QFileInfo::exists(inBuildTree) ? inBuildTree
-                                          : folder + QStringLiteral("/" VELLMORA_RENDERER_DIR) + name;
+    return HelperProcess::installed(QStringLiteral("vellmora-render"));
 }
 
 void ProcessRenderer::beginDocument() {

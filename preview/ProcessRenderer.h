@@ -28,8 +28,7 @@ public:
     explicit ProcessRenderer(QString program, std::chrono::milliseconds timeLimit = defaultTimeLimit);
     ~ProcessRenderer() override;
 
-    /// The renderer that belongs to the running program: below it in a build tree, or where it was installed.
-    /// Found from the program's own place, so that an installation can be moved.
+    /// The renderer that belongs to the running program.
     static QString installedProgram();
 
     /// Starts the process ahead of the first request, which then takes less time.

@@ -46,9 +46,6 @@ bool sendRenderRequest(int socket, const RenderRequestMessage& request, int draw
 /// Waits for the next request; nothing when the program is gone.
 std::optional<ReceivedRenderRequest> receiveRenderRequest(int socket);
 
-/// The renderer process finds its end of the socket here.
-inline constexpr int rendererSocket = 3;
-
 /// Largest picture that is asked for, in pixels.
 inline constexpr std::int64_t maxRenderedPixels = std::int64_t{64} << 20;
 

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "base/FileDescriptor.h"
+#include "base/HelperProcess.h"
 #include "preview/RenderMessages.h"
 
 #include <memory>
 #include <optional>
-#include <sys/types.h>
 
 #include <QString>
 
@@ -16,13 +15,10 @@ class RendererProcess {
 public:
     /// Starts the program; null where that fails.
     static std::unique_ptr<RendererProcess> start(const QString& program);
-    ~RendererProcess();
-    RendererProcess(const RendererProcess&) = delete;
-    RendererProcess& operator=(const RendererProcess&) = delete;
 
-    pid_t pid() const { return m_pid; }
+    pid_t pid() const { return m_process->pid(); }
     /// Becomes readable when a reply is there or the process is gone.
-    int socket() const { return m_socket.get(); }
+    int socket() const { return m_process->socket(); }
 
     /// False where the process is gone. Never blocks.
     bool send(const RenderRequestMessage& request, int drawing, int pixels);
@@ -30,10 +26,9 @@ public:
     std::optional<RenderReplyMessage> receive();
 
 private:
-    RendererProcess(pid_t pid, FileDescriptor socket);
+    explicit RendererProcess(std::unique_ptr<HelperProcess> process) : m_process(std::move(process)) {}
 
-    pid_t m_pid;
-    FileDescriptor m_socket;
+    std::unique_ptr<HelperProcess> m_process;
 };
 
 }  // namespace vellmora

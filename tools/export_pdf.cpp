@@ -10,6 +10,7 @@
 #include "base/Error.h"
 #include "base/Files.h"
 #include "export/PDFExporter.h"
+#include "pdf/DocumentProcesses.h"
 
 #include <chrono>
 #include <cstdio>
@@ -120,9 +121,9 @@ long peakResidentKilobytes() {
     return usage.ru_maxrss;
 }
 
-std::shared_ptr<const PDFDocument> open(const QUrl& url) {
+std::shared_ptr<const PDFDocument> open(const QUrl& url, DocumentProcesses& processes) {
     try {
-        return PDFDocument::open(url);
+        return PDFDocument::open(url, processes);
     } catch (const Error& error) {
         std::fprintf(stderr, "PDF konnte nicht geladen werden. %s\n", qPrintable(error.reason()));
         return nullptr;
@@ -132,10 +133,14 @@ std::shared_ptr<const PDFDocument> open(const QUrl& url) {
 int run(const Arguments& arguments) {
     const QUrl in = QUrl::fromLocalFile(QFileInfo(arguments.in).absoluteFilePath());
     const QUrl out = QUrl::fromLocalFile(QFileInfo(arguments.out).absoluteFilePath());
+    // The tools lie one folder below the program.
+    DocumentProcesses processes(QCoreApplication::applicationDirPath() +
+                                QStringLiteral("/../libexec/vellmora/vellmora-document"));
+    processes.prepare();
     for (int i = 0; i < arguments.repeat; ++i) {
         QElapsedTimer timer;
         timer.start();
-        const auto document = open(in);
+        const auto document = open(in, processes);
         if (!document)
             return 2;
         const double openTime = milliseconds(timer);

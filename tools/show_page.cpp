@@ -6,6 +6,7 @@
 // or the page could not be opened, 4 the page was not rendered (crash, limit or time).
 
 #include "base/Error.h"
+#include "pdf/DocumentProcesses.h"
 #include "pdf/PagePdf.h"
 #include "preview/ProcessRenderer.h"
 
@@ -36,9 +37,9 @@ double milliseconds(const QElapsedTimer& timer) {
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
-std::shared_ptr<const PDFDocument> open(const QString& path) {
+std::shared_ptr<const PDFDocument> open(const QString& path, DocumentProcesses& processes) {
     try {
-        return PDFDocument::open(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
+        return PDFDocument::open(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()), processes);
     } catch (const Error&) {
         return nullptr;
     }
@@ -56,7 +57,9 @@ int main(int argc, char** argv) {
     // The tools lie one folder below the program.
     ProcessRenderer renderer(QCoreApplication::applicationDirPath() +
                              QStringLiteral("/../libexec/vellmora/vellmora-render"));
-    const auto document = open(words[1]);
+    DocumentProcesses processes(QCoreApplication::applicationDirPath() +
+                                QStringLiteral("/../libexec/vellmora/vellmora-document"));
+    const auto document = open(words[1], processes);
     const qsizetype index = words[2].toLongLong() - 1;
     const auto page = document ? document->page(index) : std::nullopt;
     if (!page)

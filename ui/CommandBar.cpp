@@ -11,6 +11,7 @@ namespace {
 
 constexpr int buttonSpacing = 8;
 constexpr double statusSize = 12;
+constexpr int progressHeight = 3;
 
 }  // namespace
 
@@ -38,8 +39,22 @@ void CommandBar::setStatusText(const QString& text) {
     m_status->setToolTip(text);
 }
 
+void CommandBar::setProgress(std::optional<double> progress) {
+    if (m_progress == progress)
+        return;
+    m_progress = progress;
+    update();
+}
+
 void CommandBar::paintEvent(QPaintEvent*) {
-    QPainter(this).fillRect(rect(), Theme::commandBarBackground(palette()));
+    QPainter painter(this);
+    painter.fillRect(rect(), Theme::commandBarBackground(palette()));
+    if (!m_progress)
+        return;
+    QRectF bar(0, height() - progressHeight, width(), progressHeight);
+    painter.fillRect(bar, Theme::divider(palette()));
+    bar.setWidth(bar.width() * *m_progress);
+    painter.fillRect(bar, Theme::accent(palette()));
 }
 
 }  // namespace vellmora

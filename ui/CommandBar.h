@@ -3,6 +3,8 @@
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
+#include <optional>
+
 #include <QAction>
 #include <QList>
 #include <QWidget>
@@ -22,12 +24,15 @@ public:
 
     /// A text that is longer than its line can be read in the tooltip.
     void setStatusText(const QString& text);
+    /// How much of some long work is done, 0 to 1: a thin bar below the buttons. Nothing hides it.
+    void setProgress(std::optional<double> progress);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     TextLabel* m_status;
+    std::optional<double> m_progress;
 };
 
 }  // namespace vellmora

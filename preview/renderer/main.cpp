@@ -1,6 +1,7 @@
 // The renderer process: gets drawings of pages from the program and puts their pixels into shared memory. It
 // trusts nothing that it is given, and the program trusts nothing that comes back.
 
+#include "base/HelperProcess.h"
 #include "confinement/Confinement.h"
 #include "preview/RenderMessages.h"
 #include "preview/renderer/PageEngine.h"
@@ -40,13 +41,13 @@ bool serve(PageEngine& engine, const ReceivedRenderRequest& request) {
 
 bool answer(RenderReply content) {
     const RenderReplyMessage message{static_cast<std::uint32_t>(content)};
-    return ::send(rendererSocket, &message, sizeof message, MSG_NOSIGNAL) == sizeof message;
+    return ::send(helperSocket, &message, sizeof message, MSG_NOSIGNAL) == sizeof message;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (!leaveDescriptors(rendererSocket))
+    if (!leaveDescriptors(helperSocket))
         return 1;
     const QCoreApplication app(argc, argv);
     PageEngine engine;
@@ -58,7 +59,7 @@ int main(int argc, char** argv) {
         return 1;
     bool isHeard = answer(RenderReply::ready);
     while (isHeard) {
-        const std::optional<ReceivedRenderRequest> request = receiveRenderRequest(rendererSocket);
+        const std::optional<ReceivedRenderRequest> request = receiveRenderRequest(helperSocket);
         if (!request)
             break;
         isHeard = answer(serve(engine, *request) ? RenderReply::rendered : RenderReply::notRendered);

@@ -3,6 +3,7 @@
 #include "app/ContentView.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
@@ -28,7 +29,7 @@ protected:
     QList<StampItem> stampsOn(qsizetype page) const { return content.stampsByPage.value().value(page); }
 
     TestWorkspace workspace;
-    ContentView content{workspace.makeLibrary(), workspace.panels};
+    ContentView content{workspace.makeLibrary(), workspace.panels, documentProcesses()};
 };
 
 }  // namespace vellmora::test

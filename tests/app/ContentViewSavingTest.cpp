@@ -53,7 +53,7 @@ TEST_F(ContentViewSavingTest, ANewerVersionOfSomebodyElseIsNotOverwritten) {
 }
 
 TEST_F(ContentViewSavingTest, AnotherWindowIsSomebodyElse) {
-    ContentView other(workspace.makeLibrary(), workspace.panels);
+    ContentView other(workspace.makeLibrary(), workspace.panels, documentProcesses());
     content.loadPDF(writePdf("Vertrag.pdf"));
     other.loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));
     place();
@@ -70,7 +70,7 @@ TEST_F(ContentViewSavingTest, WhatIsGoneIsWrittenAnew) {
     for (int i = 0; i < 2; ++i) {
         QFile::remove(path("Vertrag.pdf"));
         EXPECT_EQ(save(overwriteOriginal), QStringLiteral("Original überschrieben: Vertrag.pdf"));
-        EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Vertrag.pdf")))->pageCount(), 3);
+        EXPECT_EQ(openDocument(workspace.url(QStringLiteral("Vertrag.pdf")))->pageCount(), 3);
     }
 }
 
@@ -120,7 +120,7 @@ TEST_F(ContentViewSavingTest, ContentThatOnlySavingFindsUnreadableIsToldAndTheOr
                        "fehlt. Bitte „Speichern unter…“ wählen."));
     EXPECT_EQ(readFile(path("Vertrag.pdf")), source);
     EXPECT_EQ(saveAs("Kopie.pdf"), QStringLiteral("PDF gespeichert: Kopie.pdf – Inhalt von Seite 2 fehlt"));
-    EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 2);
+    EXPECT_EQ(openDocument(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 2);
     EXPECT_EQ(readFile(path("Vertrag.pdf")), source);
 }
 
@@ -130,7 +130,7 @@ TEST_F(ContentViewSavingTest, NoExceptionLeavesACommand) {
         std::optional<QUrl> runModal(const OpenPanel&) override { throw std::bad_alloc(); }
         std::optional<QUrl> runModal(const SavePanel&) override { throw std::runtime_error("odd"); }
     } panels;
-    ContentView odd(workspace.makeLibrary(), panels);
+    ContentView odd(workspace.makeLibrary(), panels, documentProcesses());
     odd.openPDF();
     EXPECT_EQ(odd.statusText.value(),
               QStringLiteral("PDF konnte nicht geladen werden. Der Arbeitsspeicher reicht nicht aus."));

@@ -169,7 +169,7 @@ TEST_F(ContentViewTest, SavesOverTheOriginalAndKeepsTheWorkspace) {
     const auto stamps = content.stampsByPage.value();
     content.beginSaveFlow(overwriteOriginal);
     EXPECT_EQ(status(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
-    EXPECT_EQ(PDFDocument::open(url)->pageCount(), 3);
+    EXPECT_EQ(openDocument(url)->pageCount(), 3);
     EXPECT_NE(readFile(url.toLocalFile()), pages(3).bytes());
     EXPECT_EQ(content.pdfDocument.value(), document);
     EXPECT_EQ(content.stampsByPage.value(), stamps);

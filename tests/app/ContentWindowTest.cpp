@@ -4,10 +4,12 @@
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
+#include <csignal>
 #include <new>
 
 #include <QDropEvent>
@@ -28,8 +30,8 @@ protected:
     }
     void start() {
         shown = std::make_unique<ContentWindow>(
-            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels), renderer,
-            Theme(SystemFonts::load()));
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
+            renderer, Theme(SystemFonts::load()));
         shown->window().show();
         shown->window().activateWindow();
         if (!QTest::qWaitForWindowActive(&shown->window()))
@@ -111,7 +113,7 @@ TEST_F(ContentWindowTest, DoesTheWholeJobAndRemembersTheLibrary) {
     workspace.panels.answer = workspace.url(QStringLiteral("Kopie.pdf"));
     QTest::keyClick(&shown->window(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_EQ(content().statusText.value(), QStringLiteral("PDF gespeichert: Kopie.pdf"));
-    EXPECT_EQ(PDFDocument::open(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
+    EXPECT_EQ(openDocument(workspace.url(QStringLiteral("Kopie.pdf")))->pageCount(), 3);
 
     start();
     EXPECT_EQ(content().stampLibrary().presets().size(), 5);
@@ -258,4 +260,56 @@ TEST_F(ContentWindowTest, ShowsTheWaitCursorFromWhenWorkTakesLongToItsEnd) {
     QMetaObject::invokeMethod(&content(), loadDroppedFile, Qt::QueuedConnection);
     Q_EMIT content().didWork();
     EXPECT_EQ(shape(), std::nullopt) << "after work that came in between";
+}
+
+TEST_F(ContentWindowTest, TakesNoSecondDocumentWhileOneIsLoadedAndTheLoadCanBeCancelled) {
+    const QString path = workspace.path(QStringLiteral("Angehalten.pdf"));
+    writeFile(path, pages(1).bytes());
+    // A process that never answers: only the user ends this before its time is over.
+    qputenv("VELLMORA_LIE", "silent");
+    DocumentProcesses silent(QStringLiteral(VELLMORA_LYING_DOCUMENT));
+    ContentView other(workspace.makeLibrary(), workspace.panels, silent);
+    QList<std::optional<double>> progress;
+    int turns = 0;
+    const auto observer = other.workProgress.addNotifier([&] { progress.append(other.workProgress); });
+    const auto text = other.statusText.addNotifier([&] {
+        if (other.statusText.value() == QStringLiteral("PDF wird geladen…") && ++turns == 1) {
+            EXPECT_TRUE(other.isWorking());
+            EXPECT_FALSE(other.handlePDFDrop({QUrl::fromLocalFile(path)}));
+            other.loadPDF(QUrl::fromLocalFile(path));
+            other.cancelWork();
+        }
+    });
+    other.loadPDF(QUrl::fromLocalFile(path));
+    qunsetenv("VELLMORA_LIE");
+    EXPECT_EQ(turns, 1);
+    EXPECT_EQ(other.statusText.value(), QStringLiteral("Laden abgebrochen."));
+    EXPECT_FALSE(other.pdfDocument.value());
+    EXPECT_FALSE(other.isWorking());
+    ASSERT_FALSE(progress.isEmpty());
+    EXPECT_EQ(progress.last(), std::nullopt);
+}
+
+TEST_F(ContentWindowTest, EscapeCancelsASaveAndLeavesEverythingAsItWas) {
+    content().loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));
+    content().addStampToCurrentPage(content().stampLibrary().selectedPreset());
+    const auto document = content().pdfDocument.value();
+    const auto press = content().statusText.addNotifier([&] {
+        if (content().statusText.value() == QStringLiteral("PDF wird gespeichert…")) {
+            EXPECT_FALSE(button("Speichern").isEnabled());
+            QMetaObject::invokeMethod(
+                &shown->window(), [&] { QTest::keyClick(&shown->window(), Qt::Key_Escape); },
+                Qt::QueuedConnection);
+        }
+    });
+    const QByteArray before = readFile(workspace.path(QStringLiteral("Vertrag.pdf")));
+    ::kill(*document->processID(), SIGSTOP);
+    content().beginSaveFlow(ContentView::SaveMode::overwriteOriginal);
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("Speichern abgebrochen."));
+    EXPECT_EQ(readFile(workspace.path(QStringLiteral("Vertrag.pdf"))), before);
+    EXPECT_EQ(content().totalStampCount(), 1);
+    settle();
+    EXPECT_TRUE(button("Speichern").isEnabled());
+    content().beginSaveFlow(ContentView::SaveMode::overwriteOriginal);
+    EXPECT_EQ(content().statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));
 }

@@ -6,6 +6,7 @@
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
@@ -57,8 +58,8 @@ protected:
     void start() {
         shown.reset();
         shown = std::make_unique<ContentWindow>(
-            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels), renderer,
-            Theme(SystemFonts::load()));
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
+            renderer, Theme(SystemFonts::load()));
         shown->window().show();
         settle();
     }
@@ -131,7 +132,7 @@ protected:
             !status.startsWith(QStringLiteral("PDF gespeichert")))
             return;
         ++saves;
-        const auto written = PDFDocument::open(*content().pdfSourceURL.value());
+        const auto written = openDocument(*content().pdfSourceURL.value());
         ASSERT_TRUE(written);
         EXPECT_EQ(written->pageCount(), content().pdfDocument.value()->pageCount());
     }

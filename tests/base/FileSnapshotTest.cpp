@@ -1,12 +1,17 @@
 #include "base/Error.h"
 #include "base/FileSnapshot.h"
+#include "base/SnapshotReader.h"
 #include "pdf/PDFContext.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
 #include <atomic>
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 #include <QFile>
@@ -26,6 +31,15 @@ protected:
     QTemporaryDir folder;
     QString path = folder.filePath(QStringLiteral("datei.pdf"));
 };
+
+FileDescriptor duplicate(int descriptor) {
+    return FileDescriptor(descriptor < 0 ? -1 : ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+}
+
+/// What another process sees.
+SnapshotReader readerOf(const FileSnapshot& content) {
+    return {duplicate(content.memory()), duplicate(content.file()), content.size()};
+}
 
 /// A page, and after it streams of these lengths, one of which is its content. They are holes, which take no
 /// room on the disk.
@@ -65,19 +79,34 @@ TEST_F(FileSnapshotTest, ManyReadersGetTheSameBytesInAnyOrder) {
     const auto content = FileSnapshot::open(path);
     ASSERT_EQ(content->size(), static_cast<size_t>(bytes.size()));
     std::atomic<int> wrong = 0;
-    std::vector<std::jthread> readers;
+    std::vector<std::jthread> threads;
     for (const size_t step : {size_t{1} << 20, size_t{777777}, size_t{3} << 20}) {
-        readers.emplace_back([&, step] {
+        threads.emplace_back([&, step] {
+            SnapshotReader reader = readerOf(*content);
             for (size_t end = content->size(); end > step; end -= step) {
-                const std::string_view part = content->range(end - step, step);
+                const std::string_view part = reader.range(end - step, step);
                 wrong += std::string_view(bytes.constData() + (end - step), step) == part ? 0 : 1;
             }
+            content->requireWhole();
+            wrong += reader.agreesWithSnapshot() ? 0 : 1;
         });
     }
-    readers.clear();
+    content->readAhead();
+    threads.clear();
     EXPECT_EQ(wrong, 0);
     EXPECT_TRUE(content->all() == std::string_view(bytes.constData(), content->size()));
+    EXPECT_TRUE(readerOf(*content).all() == content->all());
     content->requireReadable();
+}
+
+TEST_F(FileSnapshotTest, OthersCanNeitherWriteToItNorCutItShort) {
+    const FileSnapshot content(QByteArray("stays"));
+    const FileDescriptor memory = duplicate(content.memory());
+    EXPECT_NE(::ftruncate(memory.get(), 0), 0);
+    EXPECT_LT(::pwrite(memory.get(), "gone!", 5, snapshotContentOffset), 0);
+    EXPECT_EQ(::mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, memory.get(), 0), MAP_FAILED);
+    EXPECT_TRUE(readerOf(content).all() == "stays");
+    EXPECT_EQ(readerOf(FileSnapshot(QByteArray())).size(), 0U);
 }
 
 TEST_F(FileSnapshotTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
@@ -95,11 +124,12 @@ TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
         QFile::remove(path);
         writeFile(path, bytes);
         const auto content = FileSnapshot::open(path);
-        content->range(0, 100);
+        SnapshotReader reader = readerOf(*content);
+        reader.range(0, 100);
         whatOthersDo();
         try {
             content->requireWhole();
-            return true;
+            return reader.agreesWithSnapshot();
         } catch (const Error& error) {
             EXPECT_TRUE(error.reason().startsWith(QStringLiteral("Die Datei wurde geändert, während ")));
             return false;
@@ -122,13 +152,13 @@ TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
 TEST_F(FileSnapshotTest, WhatWasCutOffBeforeItWasReadIsAnErrorAndNeverSaved) {
     const auto expectNoSave = [&](const std::vector<qint64>& streams, size_t content) {
         writePdf(path, streams, content);
-        const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+        const auto document = openDocument(QUrl::fromLocalFile(path));
         ASSERT_TRUE(document);
         QFile::resize(path, megabyte);
         MemoryConsumer consumer;
-        const auto context = PDFContext::create(consumer);
+        const auto context = PDFContext::create(consumer, *document);
         context->beginPage();
-        context->drawPage(*document, 0, DisplayBox::mediaBox);
+        context->drawPage(0, DisplayBox::mediaBox);
         context->endPage();
         EXPECT_THROW(context->close(), Error);
     };

@@ -129,6 +129,9 @@ TEST_F(ConfinementTest, MemoryIsLimitedAndNeverCode) {
     constexpr size_t most = size_t{4} << 30;
     ASSERT_TRUE(canTakeMemory(most));
     EXPECT_FALSE(succeeds([] { return canTakeMemory(most); }));
+    EXPECT_FALSE(succeeds([] { return limitMemory(size_t{400} << 20) && canTakeMemory(size_t{500} << 20); }));
+    EXPECT_FALSE(succeeds([] { return limitMemory(size_t{400} << 20) && limitMemory(size_t{600} << 20); }))
+        << "not for good";
 }
 
 TEST_F(ConfinementTest, FilesOfTheUserCannotBeOpenedNorMadeNorLookedAt) {
@@ -184,6 +187,22 @@ TEST_F(ConfinementTest, FontsCanBeReadAndNothingElseBeDoneToThem) {
     });
 }
 
+TEST_F(ConfinementTest, WithoutFoldersNoFileCanBeOpenedAtAll) {
+    policy.readableFolders.clear();
+    expectRefused({
+        {"font", [&] { return canOpen(font, O_RDONLY); }},
+        {"device", [] { return canOpen("/dev/null", O_RDONLY); }},
+        {"folder", [] { return canOpen("/", O_RDONLY | O_DIRECTORY); }},
+        {"own memory", [] { return canOpen("/proc/self/mem", O_RDWR); }},
+        {"old way", [&] { return canCall(SYS_open, font.c_str(), O_RDONLY); }},
+        {"newer way", [&] { return canCall(SYS_openat2, AT_FDCWD, font.c_str(), nullptr, 24); }},
+        {"a thread", canStartThread},
+        {"socket", [] { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; }},
+        {"connect", [] { return canCall(SYS_connect, 0, nullptr, 0); }},
+        {"kill", [] { return ::kill(::getppid(), 0) == 0; }},
+    });
+}
+
 TEST_F(ConfinementTest, NoOtherProcessCanBeReached) {
     const pid_t parent = ::getpid();
     rlimit all{};
@@ -218,6 +237,7 @@ TEST_F(ConfinementTest, NoOtherProcessCanBeReached) {
              return ::ioctl(ends[0], FIOASYNC, &on) == 0;
          }},
         {"limits", [&] { return ::prlimit(parent, RLIMIT_NOFILE, nullptr, &all) == 0; }},
+        {"other limits", [&] { return ::prlimit(0, RLIMIT_NOFILE, nullptr, &all) == 0; }},
         {"priority", [=] { return ::getpriority(PRIO_PROCESS, static_cast<id_t>(parent)) >= 0; }},
         {"affinity", [=] { return canCall(SYS_sched_getaffinity, parent, 0, nullptr); }},
         {"scheduler", [=] { return canCall(SYS_sched_setscheduler, parent, -1, nullptr); }},

@@ -1,7 +1,8 @@
+#include "engine/objects/Qpdf.h"
 #include "export/PDFExportError.h"
 #include "export/PDFExporter.h"
-#include "pdf/objects/Qpdf.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
@@ -170,7 +171,7 @@ TEST_F(PDFExporterTest, AFailedSaveLeavesTheTargetAndNoLitter) {
 TEST_F(PDFExporterTest, ReplacesTheOriginalAlsoWhereItIsTheOpenSource) {
     const QByteArray source = pages(2).bytes();
     writeFile(path("Vertrag.pdf"), source);
-    const auto document = PDFDocument::open(url("Vertrag.pdf"));
+    const auto document = openDocument(url("Vertrag.pdf"));
     const StampsByPage stamps{{0, {stamp(plainPng(4, 4, Qt::red), {10, 10, 50, 50})}}};
     FileVersions versions(document->content());
     for (int i = 0; i < 2; ++i) {

@@ -5,6 +5,7 @@
 #include "tests/faults/Wholeness.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
@@ -57,7 +58,8 @@ protected:
         QDir().mkpath(workspace.path(QStringLiteral("Akten")));
         writeFile(contract(), source);
         writeFile(workspace.path(QStringLiteral("Kanzlei.png")), plainPng(40, 20, Qt::red));
-        content = std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels);
+        content =
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses());
         content->loadPDF(QUrl::fromLocalFile(contract()));
         content->addStampToCurrentPage(library().selectedPreset());
     }

@@ -1,9 +1,9 @@
 #include "app/ContentWindow.h"
 #include "base/Error.h"
 #include "base/FileDescriptor.h"
+#include "engine/objects/Qpdf.h"
 #include "export/PDFExporter.h"
 #include "pdf/PagePdf.h"
-#include "pdf/objects/Qpdf.h"
 #include "preview/ProcessRenderer.h"
 #include "tests/editor/EditorTestSupport.h"
 #include "tests/faults/Wholeness.h"
@@ -11,6 +11,7 @@
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
@@ -45,7 +46,7 @@ protected:
     /// Opens the document, draws its first pages and saves it with a stamp. What is written is whole, or the
     /// save fails with an error. False where it does not open.
     bool opensAndSaves(const QByteArray& bytes) {
-        const auto document = open([&] { return PDFDocument::fromData(bytes); });
+        const auto document = open([&] { return documentOf(bytes); });
         if (!document)
             return false;
         for (qsizetype page = 0; page < std::min<qsizetype>(document->pageCount(), 4); ++page)
@@ -222,8 +223,9 @@ TEST_F(HostileFilesTest, NothingOfADocumentIsExecutedOrFetched) {
 
     const FolderWatch watch(path("geheim"));
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-    ContentWindow shown(std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels), renderer,
-                        Theme(SystemFonts::load()));
+    ContentWindow shown(
+        std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
+        renderer, Theme(SystemFonts::load()));
     ContentView& content = shown.content();
     shown.window().show();
     content.loadPDF(url("Vertrag.pdf"));
@@ -260,10 +262,10 @@ TEST_F(HostileFilesTest, FilesOfTwoGigabytes) {
     constexpr qint64 size = (qint64(2) << 30) + 1000;
     writeFile(path("leer.pdf"), {});
     ASSERT_TRUE(QFile::resize(path("leer.pdf"), size));  // a hole takes no room
-    EXPECT_FALSE(open([&] { return PDFDocument::open(url("leer.pdf")); }));
+    EXPECT_FALSE(open([&] { return openDocument(url("leer.pdf")); }));
     writeFile(path("Vertrag.pdf"), pages(3).bytes());
     ASSERT_TRUE(QFile::resize(path("Vertrag.pdf"), size));
-    const auto document = PDFDocument::open(url("Vertrag.pdf"));
+    const auto document = openDocument(url("Vertrag.pdf"));
     ASSERT_TRUE(document);
     PDFExporter::save(*document, {}, url("Kopie.pdf"));
     EXPECT_TRUE(isWholePdf(readFile(path("Kopie.pdf")), 3));

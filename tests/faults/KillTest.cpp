@@ -3,6 +3,7 @@
 #include "tests/faults/Wholeness.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/LongRun.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
@@ -118,7 +119,7 @@ TEST_F(KillTest, ASaveOverTheOriginalLeavesTheOldFileOrTheNewOne) {
                 EXPECT_TRUE(now.contains("/Subtype/Image")) << "without its stamp";
                 ++replaced;
             }
-            ContentView content(restart(), workspace.panels);
+            ContentView content(restart(), workspace.panels, documentProcesses());
             content.loadPDF(QUrl::fromLocalFile(contract));
             content.beginSaveFlow(ContentView::SaveMode::overwriteOriginal);
             EXPECT_EQ(content.statusText.value(), QStringLiteral("Original überschrieben: Vertrag.pdf"));

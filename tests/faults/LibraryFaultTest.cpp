@@ -6,6 +6,7 @@
 #include "tests/faults/Wholeness.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
@@ -61,8 +62,9 @@ protected:
         const OrdinaryUser user(workspace.path(QString()));
         writeFile(workspace.path(QStringLiteral("Vertrag.pdf")), pages(2).bytes());
         ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
-        ContentWindow shown(std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels),
-                            renderer, Theme(SystemFonts::load()));
+        ContentWindow shown(
+            std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
+            renderer, Theme(SystemFonts::load()));
         shown.window().show();
         ContentView& content = shown.content();
         content.loadPDF(workspace.url(QStringLiteral("Vertrag.pdf")));

@@ -2,6 +2,7 @@
 #include "tests/faults/OrdinaryUser.h"
 #include "tests/faults/Wholeness.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 #include "tests/support/TestWorkspace.h"
 
@@ -76,7 +77,7 @@ protected:
 
     TestWorkspace workspace;
     const QByteArray source = pages(pageCount).bytes();
-    ContentView content{workspace.makeLibrary(), workspace.panels};
+    ContentView content{workspace.makeLibrary(), workspace.panels, documentProcesses()};
 };
 
 unsigned permissions(const QString& path) {

@@ -1,6 +1,6 @@
 #include "tests/faults/Wholeness.h"
 
-#include "pdf/objects/Qpdf.h"
+#include "engine/objects/Qpdf.h"
 
 #include <exception>
 

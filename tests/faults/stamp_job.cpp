@@ -13,6 +13,7 @@
 #include "preview/ProcessRenderer.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestWorkspace.h"
 
 #include <cstdio>
@@ -70,7 +71,8 @@ int main(int argc, char** argv) {
     if (arguments[1] == QStringLiteral("library"))
         return workOnTheLibrary(environment, home + QStringLiteral("/Kanzlei.png"), arguments[3].toInt());
     auto library = std::make_unique<StampLibrary>(environment);
-    ContentWindow shown(std::make_unique<ContentView>(std::move(library), panels), renderer, Theme(fonts));
+    ContentWindow shown(std::make_unique<ContentView>(std::move(library), panels, documentProcesses()),
+                        renderer, Theme(fonts));
     shown.window().show();
     shown.window().activateWindow();
     if (!QTest::qWaitForWindowActive(&shown.window()))

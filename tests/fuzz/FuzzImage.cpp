@@ -1,6 +1,7 @@
 // A picture with any bytes in it, imported and put on a page.
 
-#include "pdf/PDFContext.h"
+#include "base/Image.h"
+#include "engine/PageComposer.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -19,13 +20,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (qint64(image->pixels().width()) * image->pixels().height() > mostPixels)
         return 0;
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
-    context->beginPage();
-    context->drawPicture(context->addPicture(*image), {10, 10, points.width, points.height});
-    context->endPage();
-    context->close();
-    const auto written = PDFDocument::fromData(consumer.bytes());
-    if (written->pageCount() != 1)
+    PageComposer composer(consumer);
+    composer.beginPage();
+    composer.drawPicture(composer.addPicture([&] { return encodePicture(*image); }),
+                         {10, 10, points.width, points.height});
+    composer.endPage();
+    composer.close();
+    const ParsedDocument written(std::make_shared<const SnapshotReader>(consumer.bytes()));
+    if (written.pageCount() != 1)
         std::abort();
     return 0;
 }

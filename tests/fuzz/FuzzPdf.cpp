@@ -1,8 +1,7 @@
 // A document with any bytes in it, opened, shown and written with a stamp on each page.
 
 #include "base/Error.h"
-#include "pdf/PDFContext.h"
-#include "pdf/PagePdf.h"
+#include "engine/PageComposer.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,29 +19,29 @@ void requireSoundBox(const Rect& box) {
         std::abort();
 }
 
-QByteArray withStamps(const PDFDocument& document, qsizetype pageCount) {
+QByteArray withStamps(const ParsedDocument& document, qsizetype pageCount) {
     QImage pixels(3, 2, QImage::Format_ARGB32);
     pixels.fill(qRgba(255, 0, 0, 128));
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
-    const PDFContext::Picture picture = context->addPicture(Image(pixels));
+    PageComposer composer(consumer);
+    const int picture = composer.addPicture([&] { return encodePicture(Image(pixels)); });
     for (qsizetype index = 0; index < pageCount; ++index) {
-        const Rect box = document.page(index)->bounds(DisplayBox::mediaBox);
+        const Rect box = document.page(index).bounds(DisplayBox::mediaBox);
         requireSoundBox(box);
-        requireSoundBox(document.page(index)->bounds(DisplayBox::cropBox));
-        context->beginPage();
-        context->drawPage(document, index, DisplayBox::mediaBox);
-        context->drawPicture(picture, {box.x, box.y, 30, 20});
-        context->endPage();
+        requireSoundBox(document.page(index).bounds(DisplayBox::cropBox));
+        composer.beginPage();
+        composer.drawPage(document, index, DisplayBox::mediaBox);
+        composer.drawPicture(picture, {box.x, box.y, 30, 20});
+        composer.endPage();
     }
-    context->close();
+    composer.close();
     return consumer.bytes();
 }
 
-std::shared_ptr<const PDFDocument> opened(const QByteArray& bytes) {
+std::unique_ptr<ParsedDocument> opened(const QByteArray& bytes) {
     try {
-        return PDFDocument::fromData(bytes);
-    } catch (const Error&) {
+        return std::make_unique<ParsedDocument>(std::make_shared<const SnapshotReader>(bytes));
+    } catch (const Unparsable&) {
         return nullptr;
     }
 }
@@ -58,13 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     QByteArray bytes;
     try {
         bytes = withStamps(*document, pageCount);
-    } catch (const Error&) {  // a save may fail, with a message
+    } catch (const std::exception&) {  // a save may fail, with a message
         return 0;
     }
     const auto written = opened(bytes);
     if (!written || written->pageCount() != pageCount)
         std::abort();
-    if (pageCount > 0)
-        makePagePdf(*document, 0);
     return 0;
 }

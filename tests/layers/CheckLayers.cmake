@@ -1,8 +1,8 @@
-# Fails where a file under ROOT includes a library that its layer must not know, or a folder above its own inside `pdf/`.
+# Fails where a file under ROOT includes a library that its layer must not know, or a folder above its own inside `engine/`.
 cmake_minimum_required(VERSION 3.25)
 
 # The folders of the engine, from the ground up: each may include those before it.
-set(engine pdf/objects pdf/file pdf/output pdf/picture pdf/fonts pdf/appearance pdf/compose)
+set(engine engine/objects engine/file engine/output engine/fonts engine/appearance engine/compose)
 
 set(wrong FALSE)
 function(report file include)
@@ -23,7 +23,7 @@ foreach(file IN LISTS files)
         if(place GREATER_EQUAL 0 AND includedPlace GREATER place)
             report(${file} ${include})
         endif()
-        if(include MATCHES "^qpdf/" AND NOT file MATCHES "^pdf/")
+        if(include MATCHES "^qpdf/" AND NOT file MATCHES "^engine/")
             report(${file} ${include})
         endif()
         if(include MATCHES "^(QtPdf/|QPdf)" AND NOT file MATCHES "^preview/renderer/")

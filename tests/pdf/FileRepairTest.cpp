@@ -3,6 +3,7 @@
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -20,7 +21,7 @@ bool hasContent(const PDFDocument& document, qsizetype index) {
 qsizetype readablePages(const QByteArray& bytes) {
     std::shared_ptr<const PDFDocument> document;
     try {
-        document = PDFDocument::fromData(bytes);
+        document = documentOf(bytes);
     } catch (const Error&) {
         return -1;
     }
@@ -177,7 +178,7 @@ TEST(FileRepairTest, SurvivesDeepFiles) {
 }
 
 TEST(FileRepairTest, SaysWhatIsDamaged) {
-    const auto damage = [](const QByteArray& bytes) { return PDFDocument::fromData(bytes)->damage(); };
+    const auto damage = [](const QByteArray& bytes) { return documentOf(bytes)->damage(); };
     const QByteArray whole = pages(3).bytes();
     EXPECT_TRUE(damage(whole).isNone());
     EXPECT_EQ(damage(QByteArray(whole).replace("startxref\n", "startxref\n9")),

@@ -1,8 +1,9 @@
+#include "engine/file/TokenMending.h"
 #include "pdf/PagePdf.h"
-#include "pdf/file/TokenMending.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -49,7 +50,7 @@ QByteArray document(const Entries& entries) {
 
 /// Whether both pages are there, and the first is drawn with its content and font.
 testing::AssertionResult isWhole(const QByteArray& bytes) {
-    const auto document = PDFDocument::fromData(bytes);
+    const auto document = documentOf(bytes);
     if (!document || document->pageCount() != 2)
         return testing::AssertionFailure() << "pages: " << (document ? document->pageCount() : -1);
     Output output(makePagePdf(*document, 0));
@@ -110,7 +111,7 @@ TEST(GivenUpObjectsTest, BringsBackStringsAndContentOfEncryptedFiles) {
         writer.setObjectStreamMode(qpdf_o_disable);
     });
     ASSERT_EQ(bytes.count("/Mark 1"), 2);
-    const auto opened = PDFDocument::fromData(bytes.replace("/Mark 1", "/Mark 99999999999999999999"));
+    const auto opened = documentOf(bytes.replace("/Mark 1", "/Mark 99999999999999999999"));
     ASSERT_TRUE(opened);
     EXPECT_TRUE(isWhole(bytes));
     Output output(makePagePdf(*opened, 0));
@@ -134,10 +135,10 @@ TEST(GivenUpObjectsTest, KeepsLayersTogetherWhereALaterPageIsDamaged) {
                               .catalog("/OCProperties << /OCGs [1001 0 R] /D << /OFF [1001 0 R] >> >>")
                               .document();
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto context = PDFContext::create(consumer, *document);
     for (qsizetype i = 0; i < 2; ++i) {
         context->beginPage();
-        context->drawPage(*document, i, DisplayBox::mediaBox);
+        context->drawPage(i, DisplayBox::mediaBox);
         context->endPage();
     }
     context->close();

@@ -1,12 +1,14 @@
 #include "base/Error.h"
+#include "engine/PageComposer.h"
+#include "engine/objects/ContentText.h"
+#include "engine/objects/PDFValues.h"
 #include "pdf/PDFContext.h"
 #include "pdf/PagePdf.h"
-#include "pdf/objects/ContentText.h"
-#include "pdf/objects/DeflateStream.h"
-#include "pdf/objects/PDFValues.h"
+#include "picture/DeflateStream.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/GermanNumbers.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 
 #include <cmath>
@@ -49,7 +51,7 @@ TEST(PDFContextTest, WritesNoNumberThatReadersCannotTake) {
             "/MediaBox [0 0 9300000000000000000.0 100] /Annots [<< /Subtype /Square /C [1 0 0] /Rect [0 0 "
             "99999999999999999999.0 50] >>]")
         .page();
-    const auto written = PDFDocument::fromData(drawFirstPage(source));
+    const auto written = documentOf(drawFirstPage(source));
     ASSERT_TRUE(written);
     EXPECT_EQ(written->pageCount(), 1);
     EXPECT_EQ(written->page(0)->bounds(DisplayBox::mediaBox), (Rect{0, 0, 2147483647, 100}));
@@ -185,7 +187,7 @@ TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
     std::string fonts;
     for (int i = 0; i < 20; ++i)
         fonts += "/F" + std::to_string(i) + " 9 0 R";
-    const auto document = PDFDocument::fromData(QByteArray::fromStdString(
+    const auto document = documentOf(QByteArray::fromStdString(
         "%PDF-1.7\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
         "2 0 obj<</Type/Pages/Kids[3 0 R 4 0 R]/Count 2/MediaBox[0 0 9 9]/Resources<</Font<<" +
         fonts +
@@ -194,10 +196,10 @@ TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
         "5 0 obj<</Filter/Unknown/Length 1>>stream\nx\nendstream endobj\n"
         "9 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj\n"));
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto context = PDFContext::create(consumer, *document);
     for (qsizetype page = 0; page < 2; ++page) {
         context->beginPage();
-        context->drawPage(*document, page, DisplayBox::mediaBox);
+        context->drawPage(page, DisplayBox::mediaBox);
         context->endPage();
     }
     context->close();
@@ -213,7 +215,8 @@ TEST(PDFContextTest, PagesThatMayNeedAllOfTheirTreesResourcesShareOneCopy) {
 
 TEST(PDFContextTest, StoresAPictureOnceAndItsAlphaOnlyWhereItIsNeeded) {
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto document = pages(1).document();
+    const auto context = PDFContext::create(consumer, *document);
     const auto opaque = context->addPicture(Image(plainImage(4, 2, QColor(255, 0, 0))));
     const auto glassy = context->addPicture(Image(plainImage(4, 2, QColor(255, 0, 0, 100))));
     context->beginPage();
@@ -327,10 +330,10 @@ TEST(PDFContextTest, NamesPagesOnWhichOtherReadersMayShowMore) {
             .stream("/Filter /FlateDecode /DecodeParms << /Predictor 12 /Columns 3 >>", damaged)
             .document();
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto context = PDFContext::create(consumer, *document);
     for (qsizetype i = 0; i < document->pageCount(); ++i) {
         context->beginPage();
-        context->drawPage(*document, i, DisplayBox::mediaBox);
+        context->drawPage(i, DisplayBox::mediaBox);
         context->endPage();
     }
     context->close();
@@ -350,7 +353,13 @@ TEST(PDFContextDeathTest, FailsForWantOfMemoryRatherThanCutContentShort) {
         limit.rlim_cur = 2 * length;
         ::setrlimit(RLIMIT_AS, &limit);
         try {
-            drawFirstPage(source);
+            const ParsedDocument document(std::make_shared<const SnapshotReader>(source.bytes()));
+            MemoryConsumer consumer;
+            PageComposer composer(consumer);
+            composer.beginPage();
+            composer.drawPage(document, 0, DisplayBox::mediaBox);
+            composer.endPage();
+            composer.close();
         } catch (const std::bad_alloc&) {
             std::exit(0);
         }
@@ -362,7 +371,8 @@ TEST(PDFContextDeathTest, FailsForWantOfMemoryRatherThanCutContentShort) {
 
 TEST(PDFContextTest, PassesTheConsumersErrorOn) {
     FailingConsumer consumer;
-    const auto context = PDFContext::create(consumer);
+    const auto document = pages(1).document();
+    const auto context = PDFContext::create(consumer, *document);
     context->beginPage();
     context->endPage();
     EXPECT_THROW(context->close(), Error);

@@ -2,6 +2,7 @@
 #include "pdf/PDFDocument.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 
 #include <unistd.h>
@@ -43,7 +44,7 @@ TEST(PDFDocumentTest, SaysWhyAFileIsRefused) {
     const QTemporaryDir folder;
     const auto reason = [&](const QString& path) {
         try {
-            PDFDocument::open(QUrl::fromLocalFile(path));
+            openDocument(QUrl::fromLocalFile(path));
             return QStringLiteral("none");
         } catch (const Error& error) {
             return error.reason();
@@ -71,7 +72,7 @@ TEST(PDFDocumentTest, IsASnapshotOfTheFile) {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("a.pdf"));
     writeFile(path, pages(2).bytes());
-    const auto document = PDFDocument::open(QUrl::fromLocalFile(path));
+    const auto document = openDocument(QUrl::fromLocalFile(path));
     ASSERT_EQ(::truncate(qPrintable(path), 10), 0);
     EXPECT_EQ(document->pageCount(), 2);
     EXPECT_EQ(mediaBox(*document, 1), (Rect{0, 0, 595, 842}));
@@ -108,7 +109,7 @@ TEST(PDFDocumentTest, TakesAnyQuarterTurnForARotationAndNothingElse) {
 TEST(PDFDocumentTest, SurvivesLoopsRepeatsAndOddKidsInThePageTree) {
     QByteArray bytes = pages(1).object("<< /Type /Pages /Kids [ 3 0 R 2 0 R ] >>").bytes();
     bytes.replace("/Kids [ 3 0 R ]", "/Kids [ 2 0 R 3 0 R (x) 3 0 R 99 0 R 1000 0 R 1000 0 R ]");
-    const auto document = PDFDocument::fromData(bytes);
+    const auto document = documentOf(bytes);
     ASSERT_TRUE(document);
     EXPECT_EQ(document->pageCount(), 4);
 }
@@ -117,7 +118,7 @@ TEST(PDFDocumentTest, ShowsALostPageAsABlankOneButNoDeletedPage) {
     const auto pageCount = [](const char* count) {
         QByteArray bytes = pages(2).bytes();
         bytes.replace("3 0 R 5 0 R ] /Count 2", QByteArray("3 0 R 99 0 R 5 0 R ] /Count ") + count);
-        return PDFDocument::fromData(bytes)->pageCount();
+        return documentOf(bytes)->pageCount();
     };
     EXPECT_EQ(pageCount("3"), 3);
     EXPECT_EQ(pageCount("2"), 2);
@@ -132,13 +133,13 @@ TEST(PDFDocumentTest, DoesNotGrowWithoutBoundWhereNodesAreRepeated) {
     }
     QByteArray bytes = builder.bytes();
     bytes.replace("/Pages 2 0 R", "/Pages 1000 0 R");
-    EXPECT_LT(PDFDocument::fromData(bytes)->pageCount(), 100000);
+    EXPECT_LT(documentOf(bytes)->pageCount(), 100000);
 }
 
 TEST(PDFDocumentTest, EndsWhereAnArrayOfKidsLeadsToItself) {
     QByteArray bytes = pages(1).object("[ 3 0 R << /Type /Pages /Kids 1000 0 R >> 3 0 R ]").bytes();
     bytes.replace("/Kids [ 3 0 R ]", "/Kids 1000 0 R");
-    EXPECT_EQ(PDFDocument::fromData(bytes)->pageCount(), 2);
+    EXPECT_EQ(documentOf(bytes)->pageCount(), 2);
 }
 
 TEST(PDFDocumentTest, BoundsPagesThatAreNamedByRepeatedArrays) {
@@ -150,7 +151,7 @@ TEST(PDFDocumentTest, BoundsPagesThatAreNamedByRepeatedArrays) {
     }
     QByteArray bytes = pages(1).object("[ " + leaves + "]").bytes();
     bytes.replace("/Kids [ 3 0 R ]", QByteArray::fromStdString("/Kids [ " + nodes + "]"));
-    const qsizetype count = PDFDocument::fromData(bytes)->pageCount();
+    const qsizetype count = documentOf(bytes)->pageCount();
     EXPECT_GE(count, 3000) << "a page may stand in the tree as often as the file names it";
     EXPECT_LT(count, 20000);
 }
@@ -160,7 +161,7 @@ TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
         PdfBuilder().page("/Parent 1000 0 R").page().object("<< /Rotate 90 /Parent 1000 0 R >>").bytes();
     bytes.replace("/Pages 2 0 R", "/Pages 9 9 R").replace("/Type /Pages", "/Type /Trees");
     bytes.replace("/Parent 2 0 R /Parent 1000 0 R", "              /Parent 1000 0 R");
-    const auto document = PDFDocument::fromData(bytes);
+    const auto document = documentOf(bytes);
     ASSERT_TRUE(document);
     ASSERT_EQ(document->pageCount(), 2);
     EXPECT_EQ(mediaBox(*document), (Rect{0, 0, 842, 595})) << "attributes of lost nodes count, in a loop too";
@@ -169,5 +170,5 @@ TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
 TEST(PDFDocumentTest, FindsThePagesWhereTheCatalogTakesItselfForTheTree) {
     QByteArray bytes = pages(2).bytes();
     bytes.replace("/Pages 2 0 R", "/Pages 1 0 R");
-    EXPECT_EQ(PDFDocument::fromData(bytes)->pageCount(), 2);
+    EXPECT_EQ(documentOf(bytes)->pageCount(), 2);
 }

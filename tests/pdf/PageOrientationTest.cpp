@@ -1,4 +1,4 @@
-#include "pdf/file/PageOrientation.h"
+#include "engine/file/PageOrientation.h"
 #include "tests/support/GTestQt.h"
 
 using namespace vellmora;

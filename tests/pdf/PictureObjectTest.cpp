@@ -1,6 +1,6 @@
 #include "base/Image.h"
-#include "pdf/picture/PictureEncoding.h"
-#include "pdf/picture/PictureObject.h"
+#include "engine/output/PictureObject.h"
+#include "picture/PictureEncoding.h"
 #include "tests/base/PngChunk.h"
 #include "tests/support/DrawnPdf.h"
 #include "tests/support/GTestQt.h"

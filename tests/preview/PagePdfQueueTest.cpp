@@ -1,9 +1,12 @@
 #include "preview/PDFView.h"
 #include "preview/ProcessRenderer.h"
 #include "tests/support/EventLoop.h"
+#include "tests/support/TestDocuments.h"
 #include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
+#include <chrono>
+#include <csignal>
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
@@ -24,7 +27,7 @@ protected:
         return source.document();
     }
     double deliveredWidth(qsizetype delivery) const {
-        const auto drawing = PDFDocument::fromData(delivered[delivery][1].toByteArray());
+        const auto drawing = documentOf(delivered[delivery][1].toByteArray());
         return drawing ? drawing->page(0)->bounds(DisplayBox::mediaBox).width : 0;
     }
     QList<qsizetype> deliveredPages() const {
@@ -65,6 +68,25 @@ TEST_F(PagePdfQueueTest, DeliversNothingOfADocumentThatIsGone) {
     EXPECT_EQ(deliveredPages(), (QList<qsizetype>{7, 0}));
     EXPECT_EQ(delivered[0][1].toByteArray(), QByteArray()) << "no such page";
     EXPECT_EQ(deliveredWidth(1), 100);
+}
+
+TEST_F(PagePdfQueueTest, APageThatNeverComesHoldsUpNeitherTheNextDocumentNorTheEnd) {
+    DocumentLimits patient;
+    patient.view = patient.silence = std::chrono::hours(1);
+    DocumentProcesses processes(QStringLiteral(VELLMORA_DOCUMENT), patient);
+    const auto stuck = [&] {
+        auto document = PDFDocument::fromData(pages(1).bytes(), processes);
+        ::kill(*document->processID(), SIGSTOP);
+        return document;
+    };
+    drawings.setDocument(stuck());
+    drawings.request(0);
+    drawings.setDocument(distinctPages(1));
+    drawings.request(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() == 1; }));
+    EXPECT_EQ(deliveredWidth(0), 100);
+    drawings.setDocument(stuck());
+    drawings.request(0);
 }
 
 TEST(PageTurningTest, ShowsThePageThatQuickTurningEndsAtAndThoseItPassed) {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "engine/objects/Qpdf.h"
 #include "pdf/PDFContext.h"
-#include "pdf/objects/Qpdf.h"
 #include "tests/support/TestPdf.h"
 
 #include <string>
@@ -37,10 +37,10 @@ private:
 /// The bytes of a context's output for the first page of a document.
 inline QByteArray drawFirstPage(const PdfBuilder& source) {
     MemoryConsumer consumer;
-    const auto context = PDFContext::create(consumer);
     const auto document = source.document();
+    const auto context = PDFContext::create(consumer, *document);
     context->beginPage();
-    context->drawPage(*document, 0, DisplayBox::mediaBox);
+    context->drawPage(0, DisplayBox::mediaBox);
     context->endPage();
     context->close();
     return consumer.bytes();

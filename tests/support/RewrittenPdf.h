@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pdf/objects/Qpdf.h"
+#include "engine/objects/Qpdf.h"
 
 #include <functional>
 

@@ -25,7 +25,8 @@ public:
     PdfBuilder& catalog(const std::string& entries);
 
     QByteArray bytes() const;
-    std::shared_ptr<const PDFDocument> document() const { return PDFDocument::fromData(bytes()); }
+    /// Opened by a process of the test's own.
+    std::shared_ptr<const PDFDocument> document() const;
 
     static constexpr int firstExtraObject = 1000;
 

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/FileDescriptor.h"
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <QByteArray>
+
+namespace vellmora {
+
+/// A snapshot's content as another process reads it, while it is still being copied: what is not there yet
+/// is read from the file. One thread only.
+class SnapshotReader {
+public:
+    /// `memory` is a snapshot's of `size` bytes; `file` may be invalid where all is copied. Throws
+    /// `std::bad_alloc` where it cannot be mapped.
+    SnapshotReader(FileDescriptor memory, FileDescriptor file, size_t size);
+    /// Bytes that are there.
+    explicit SnapshotReader(QByteArray bytes);
+    ~SnapshotReader();
+    SnapshotReader(const SnapshotReader&) = delete;
+    SnapshotReader& operator=(const SnapshotReader&) = delete;
+
+    size_t size() const { return m_size; }
+    /// A range inside of the content, in memory that lives as long as the object. Throws `Error` where it
+    /// cannot be read.
+    std::string_view range(size_t offset, size_t length) const;
+    std::string_view all() const { return range(0, m_size); }
+
+    /// `report` is called every now and then while ranges are read.
+    void whenRead(std::function<void()> report) { m_report = std::move(report); }
+
+    /// Throws the `Error` of a range that could not be read, whoever asked for it.
+    void requireReadable() const;
+    /// Once all is copied: whether what was read from the file is the same. Where it is not, the file has
+    /// changed in between.
+    bool agreesWithSnapshot();
+
+private:
+    void fetch(size_t begin, size_t end) const;
+
+    QByteArray m_given;
+    FileDescriptor m_memory;
+    FileDescriptor m_file;
+    size_t m_size;
+    const void* m_header = nullptr;
+    /// Private: a page shows the snapshot until it is written to.
+    char* m_bytes = nullptr;
+    mutable std::uint64_t m_copied = 0;  ///< as far as is known
+    mutable std::vector<bool> m_fetched;
+    mutable int m_error = 0;
+    std::function<void()> m_report;
+    mutable unsigned m_unreported = 0;  ///< ranges
+};
+
+}  // namespace vellmora

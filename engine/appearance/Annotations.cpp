@@ -1,0 +1,121 @@
+#include "engine/appearance/Annotations.h"
+
+#include "engine/appearance/FieldAppearance.h"
+#include "engine/appearance/FreeTextAppearance.h"
+#include "engine/appearance/ShapeAppearance.h"
+#include "engine/appearance/TextMarkupAppearance.h"
+
+namespace vellmora {
+
+namespace {
+
+/// The normal appearance in the annotation's current state; null where there is none.
+QPDFObjectHandle normalAppearance(const Annotation& annotation) {
+    QPDFObjectHandle appearances = annotation.entry("/AP");
+    if (!appearances.isDictionary())
+        return QPDFObjectHandle::newNull();
+    QPDFObjectHandle normal = appearances.getKey("/N");
+    if (normal.isStream() || !normal.isDictionary())
+        return normal;
+    QPDFObjectHandle state = annotation.entry("/AS");
+    return state.isName() ? normal.getKey(state.getName()) : QPDFObjectHandle::newNull();
+}
+
+/// Whether the file says how the annotation looks, even if that is nothing in its current state.
+bool bringsAppearance(const Annotation& annotation) {
+    QPDFObjectHandle appearances = annotation.entry("/AP");
+    if (!appearances.isDictionary())
+        return false;
+    QPDFObjectHandle normal = appearances.getKey("/N");
+    return normal.isStream() || normal.isDictionary();
+}
+
+/// Maps the appearance's transformed bounding box onto the annotation's rectangle (ISO 32000-2, 12.5.5,
+/// algorithm "appearance streams"); the form's own matrix is applied when the form is painted.
+std::optional<QTransform> placement(QPDFObjectHandle form, const Rect& rect) {
+    const auto box = rectangleOf(form.getDict().getKey("/BBox"));
+    if (!box)
+        return std::nullopt;
+    const Rect transformed = mapRect(matrixOf(form.getDict().getKey("/Matrix")), *box);
+    if (transformed.isEmpty())
+        return std::nullopt;
+    const double sx = rect.width / transformed.width;
+    const double sy = rect.height / transformed.height;
+    return QTransform(sx, 0, 0, sy, rect.x - transformed.x * sx, rect.y - transformed.y * sy);
+}
+
+/// Turns an annotation that stays upright against the rotation of the page.
+QTransform uprightMatrix(const Annotation& annotation, const ParsedPage& page) {
+    if (!annotation.isUpright())
+        return {};
+    const Rect& rect = annotation.rect();
+    return QTransform::fromTranslate(-rect.minX(), -rect.maxY()) *
+           QTransform().rotate(page.orientation.rotation()) *
+           QTransform::fromTranslate(rect.minX(), rect.maxY());
+}
+
+std::optional<QPDFObjectHandle> drawAppearance(const Annotation& annotation, const ParsedFile& source,
+                                               AppearanceTools& tools) {
+    if (annotation.is("/Widget"))
+        return drawField(annotation, source, tools);
+    if (annotation.is("/FreeText"))
+        return drawFreeText(annotation, source, tools);
+    if (auto form = drawTextMarkup(annotation, tools.copier.output()))
+        return form;
+    return drawShape(annotation, tools.copier.output());
+}
+
+bool isToBeDrawn(const Annotation& annotation, const QPDFObjectHandle& normal, const ParsedFile& source,
+                 AppearanceTools& tools) {
+    return !bringsAppearance(annotation) ||
+           (annotation.is("/Widget") && needsNewAppearance(annotation, normal, source, tools));
+}
+
+}  // namespace
+
+std::vector<Annotation> visibleAnnotations(const ParsedPage& page) {
+    QPDFObjectHandle annotations = QPDFObjectHandle(page.dictionary).getKey("/Annots");
+    std::vector<Annotation> ordinary;
+    std::vector<Annotation> fields;
+    if (!annotations.isArray())
+        return ordinary;
+    for (QPDFObjectHandle item : annotations.aitems()) {
+        if (!item.isDictionary())
+            continue;
+        const Annotation annotation(item);
+        if (annotation.isVisible())
+            (annotation.is("/Widget") ? fields : ordinary).push_back(annotation);
+    }
+    ordinary.insert(ordinary.end(), fields.begin(), fields.end());
+    return ordinary;
+}
+
+std::optional<AnnotationAppearance> Appearances::make(const Annotation& annotation, const ParsedFile& source,
+                                                      const ParsedPage& page) {
+    QPDFObjectHandle normal = normalAppearance(annotation);
+    std::optional<AnnotationAppearance> appearance;
+    if (!isToBeDrawn(annotation, normal, source, m_tools))
+        appearance = carry(annotation, normal, source);
+    else if (const auto form = *m_drawn.get(annotation.dictionary(),
+                                            [&] { return drawAppearance(annotation, source, m_tools); }))
+        appearance = AnnotationAppearance{*form, {}};
+    if (appearance)
+        appearance->matrix *= uprightMatrix(annotation, page);
+    return appearance;
+}
+
+std::optional<AnnotationAppearance> Appearances::carry(const Annotation& annotation, QPDFObjectHandle normal,
+                                                       const ParsedFile& source) {
+    if (!normal.isStream() || annotation.rect().isEmpty())
+        return std::nullopt;
+    const auto matrix = placement(normal, annotation.rect());
+    if (!matrix)
+        return std::nullopt;
+    QPDFObjectHandle form = m_tools.copier.copy(normal);
+    form.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+    if (annotation.is("/Widget") && !form.getDict().getKey("/Resources").isDictionary())
+        form.getDict().replaceKey("/Resources", m_tools.copier.copy(formResources(annotation, source)));
+    return AnnotationAppearance{form, *matrix};
+}
+
+}  // namespace vellmora

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "base/Rect.h"
+#include "engine/compose/PageResources.h"
+#include "engine/file/ParsedFile.h"
+#include "engine/objects/PDFValues.h"
+#include "engine/output/ObjectCopier.h"
+
+#include <array>
+#include <functional>
+#include <map>
+
+namespace vellmora {
+
+/// The arrays that stand for the boxes of pages: one for all pages of a size, however many there are.
+class BoxArrays {
+public:
+    const QPDFObjectHandle& of(const Rect& box) {
+        const auto [entry, isNew] = m_arrays.try_emplace({box.x, box.y, box.width, box.height});
+        if (isNew)
+            entry->second = arrayOf(box);
+        return entry->second;
+    }
+
+private:
+    std::map<std::array<double, 4>, QPDFObjectHandle> m_arrays;
+};
+
+/// The content of a page as one form XObject of the output. As a form it cannot disturb what is drawn after
+/// it, even where its operators are not balanced. One content stream passes through as it is, still
+/// compressed and byte for byte, also where it is damaged; several are joined.
+/// `onIncomplete` is called, when the output is written, where some of it cannot be decoded for that.
+QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, PageResources& resources,
+                              const ParsedPage& page, std::function<void()> onIncomplete);
+
+}  // namespace vellmora

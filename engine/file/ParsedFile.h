@@ -1,0 +1,76 @@
+#pragma once
+
+#include "base/SnapshotReader.h"
+#include "engine/file/GivenUpObjects.h"
+#include "engine/file/OpenFile.h"
+#include "engine/file/PageOrientation.h"
+#include "engine/objects/Qpdf.h"
+#include "pdf/DocumentDamage.h"
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace vellmora {
+
+/// One page as the file has it; attributes that it inherits from the page tree are resolved.
+struct ParsedPage {
+    QPDFObjectHandle dictionary;
+    QPDFObjectHandle resources;       ///< the nearest that are named; null where none are
+    QPDFObjectHandle outerResources;  ///< that hold where those are a reference to nothing
+    PageOrientation orientation;
+    Rect cropBox;                       ///< what is shown: in the file's own space, inside the media box
+    std::optional<Rect> statedCropBox;  ///< as the file states it; it may reach out of the media box
+    bool isLost = false;                ///< the tree names it, but the file does not have it: a blank page
+};
+
+/// The parsed file behind a document.
+class ParsedFile {
+public:
+    /// Nothing where the content is no PDF, or cannot be read. No exception leaves this function.
+    static std::unique_ptr<ParsedFile> open(const std::shared_ptr<const SnapshotReader>& content);
+
+    qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
+    const ParsedPage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
+    /// For drawing: whatever reads objects changes what libqpdf keeps of the file. Counts and boxes of
+    /// the pages are read without it.
+    std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(m_mutex); }
+
+    /// The bytes as they are parsed: those that were opened, or a repaired copy.
+    const SnapshotReader& content() const { return *m_content; }
+    bool isEncrypted() const { return m_qpdf.isEncrypted(); }
+    const DocumentDamage& damage() const { return m_damage; }
+
+    /// Brings back the objects that libqpdf has given up since the document was opened; they are null
+    /// without that, also those that were read before. True where there are any: what was drawn with them is
+    /// to be drawn again. To be called under the lock. Throws `std::bad_alloc` where libqpdf has given up
+    /// anything for want of memory, which it takes for damage.
+    bool bringBackObjects() const;
+    QPDFObjectHandle catalog() const { return m_catalog; }
+
+private:
+    ParsedFile(std::shared_ptr<const SnapshotReader> content, Damage damage);
+    static std::unique_ptr<ParsedFile> choose(const std::shared_ptr<const SnapshotReader>& content,
+                                              bool& isRepaired);
+    void findDamage(const SnapshotReader& opened, bool isRepaired);
+    /// Pages that can be shown.
+    qsizetype readablePageCount() const;
+    bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
+    static std::unique_ptr<ParsedFile> read(const std::shared_ptr<const SnapshotReader>& content,
+                                            Damage damage, bool& needsPassword);
+    /// Whether libqpdf has met damage since it was asked last.
+    bool hasMetDamage() const;
+
+    mutable std::recursive_mutex m_mutex;
+    std::shared_ptr<const SnapshotReader> m_content;
+    Damage m_reading;
+    mutable std::unique_ptr<GivenUpObjects> m_givenUp;
+    mutable bool m_allAreRead = false;  ///< all objects of the file: no more can be given up
+    mutable QPDF m_qpdf;
+    QPDFObjectHandle m_catalog;
+    std::vector<ParsedPage> m_pages;
+    DocumentDamage m_damage;
+};
+
+}  // namespace vellmora

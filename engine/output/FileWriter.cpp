@@ -1,0 +1,149 @@
+#include "engine/output/FileWriter.h"
+
+#include "engine/objects/CrossReferences.h"
+#include "picture/DeflateStream.h"
+
+#include <optional>
+#include <utility>
+
+#include <QUuid>
+
+#include <qpdf/Pl_String.hh>
+
+namespace vellmora {
+
+namespace {
+
+/// The comment tells programs that transfer files that this one is not text.
+constexpr std::string_view header = "%PDF-1.7\n%\xbf\xf7\xa2\xfe\n";
+constexpr size_t blockSize = 1 << 18;
+/// From this size on bytes are handed over as they lie.
+constexpr size_t largeSize = 1 << 14;
+/// Readers unpack the whole stream for one of its objects.
+constexpr size_t objectsInStream = 100;
+/// What a source has uncompressed for all its size would take seconds.
+constexpr size_t largestToCompress = 16 << 20;
+
+using Handle = QPDFObjectHandle;
+using Entries = std::map<std::string, Handle>;
+
+/// What was not compressed so far is, except pictures: trying costs seconds and gains little.
+bool isToBeCompressed(Handle stream) {
+    return stream.getDict().getKey("/Filter").isNull() && !stream.isStreamOfType("", "/Image");
+}
+
+std::string newIdentifier() {
+    const QByteArray half = '<' + QUuid::createUuid().toRfc4122().toHex() + '>';
+    return '[' + half.toStdString() + half.toStdString() + ']';
+}
+
+}  // namespace
+
+FileWriter::FileWriter(const StoredStreams& streams, PDFDataConsumer& consumer)
+    : m_streams(streams), m_consumer(consumer), m_streamText(m_numbers), m_packedText(m_numbers) {
+    m_block.reserve(blockSize);
+}
+
+void FileWriter::write(const QPDFObjectHandle& catalog) {
+    put(header);
+    const int catalogNumber = m_numbers.of(catalog);
+    for (int number = 1; number <= m_numbers.count(); ++number) {
+        Handle object = m_numbers.object(number);
+        if (!object.isInitialized())
+            continue;
+        if (object.isStream())
+            writeStream(number, object);
+        else
+            pack(number, object);
+        if (m_packedNumbers.size() == objectsInStream)
+            writePackedObjects();
+    }
+    writePackedObjects();
+    writeCrossReferences(catalogNumber);
+    flush();
+}
+
+void FileWriter::writeStream(int number, Handle stream) {
+    Entries entries = stream.getDict().getDictAsMap();
+    const auto stored = m_streams.find(stream);
+    const bool isCompressed = isToBeCompressed(stream) && (!stored || stored->length <= largestToCompress);
+    if (stored && !isCompressed) {
+        writeStreamObject(number, std::move(entries), stored->bytes());
+        return;
+    }
+    std::string data;
+    Pl_String receiver("stream", nullptr, data);
+    stream.pipeStreamData(&receiver, nullptr, 0, qpdf_dl_none);
+    if (isCompressed) {
+        data = deflated(data);
+        entries["/Filter"] = Handle::newName("/FlateDecode");
+        entries.erase("/DecodeParms");
+    }
+    writeStreamObject(number, std::move(entries), data);
+}
+
+void FileWriter::writeStreamObject(int number, Entries entries, std::string_view data) {
+    entries["/Length"] = Handle::newInteger(static_cast<long long>(data.size()));
+    m_places[number] = {m_position, 0, 0};
+    m_streamText.clear();
+    m_streamText.add(std::to_string(number));
+    m_streamText.add("0");
+    m_streamText.add("obj");
+    m_streamText.addDictionary(entries);
+    m_streamText.add("stream\n");
+    put(m_streamText.text());
+    put(data);
+    put("\nendstream\nendobj\n");
+}
+
+void FileWriter::pack(int number, const Handle& object) {
+    m_packedNumbers.push_back(number);
+    m_packedPlaces.push_back(m_packedText.text().size());
+    m_packedText.addContent(object);
+}
+
+void FileWriter::writePackedObjects() {
+    if (m_packedNumbers.empty())
+        return;
+    const int container = m_numbers.reserve();
+    std::string data;
+    for (size_t i = 0; i < m_packedNumbers.size(); ++i) {
+        data += std::to_string(m_packedNumbers[i]) + ' ' + std::to_string(m_packedPlaces[i]) + ' ';
+        m_places[m_packedNumbers[i]] = {m_position, container, static_cast<int>(i)};
+    }
+    const size_t first = data.size();
+    data += m_packedText.text();
+    writeStreamObject(container,
+                      {{"/Type", Handle::newName("/ObjStm")},
+                       {"/N", Handle::newInteger(static_cast<long long>(m_packedNumbers.size()))},
+                       {"/First", Handle::newInteger(static_cast<long long>(first))},
+                       {"/Filter", Handle::newName("/FlateDecode")}},
+                      deflated(data));
+    m_packedNumbers.clear();
+    m_packedPlaces.clear();
+    m_packedText.clear();
+}
+
+void FileWriter::writeCrossReferences(int catalogNumber) {
+    const Trailer trailer{std::to_string(catalogNumber) + " 0 R", {}, newIdentifier()};
+    const int ownNumber = m_numbers.reserve();
+    put(crossReferences(std::move(m_places), trailer, m_position, ownNumber));
+}
+
+void FileWriter::put(std::string_view bytes) {
+    if (m_block.size() + bytes.size() > blockSize || bytes.size() >= largeSize)
+        flush();
+    if (bytes.size() >= largeSize)
+        m_consumer.write(bytes.data(), static_cast<qint64>(bytes.size()));
+    else
+        m_block += bytes;
+    m_position += bytes.size();
+}
+
+void FileWriter::flush() {
+    if (!m_block.empty())
+        m_consumer.write(m_block.data(), static_cast<qint64>(m_block.size()));
+    m_block.clear();
+}
+
+}  // namespace vellmora

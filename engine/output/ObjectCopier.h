@@ -1,0 +1,59 @@
+#pragma once
+
+#include "engine/objects/Qpdf.h"
+#include "engine/output/StoredStreams.h"
+
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace vellmora {
+
+/// Copies objects of source files into the output, each indirect object once however often it is met, and
+/// however long the chains of references are. The bytes of streams stay where they are and are fetched when
+/// the output is written, so the sources must live until then.
+class ObjectCopier {
+public:
+    explicit ObjectCopier(QPDF& output) : m_output(output) {}
+
+    /// The object's counterpart in the output. References to pages become null: a page brings only what it
+    /// draws.
+    QPDFObjectHandle copy(const QPDFObjectHandle& object);
+
+    /// Gives a stream of the output the bytes of one of a source, as they are stored.
+    void carryData(QPDFObjectHandle target, const QPDFObjectHandle& source);
+
+    /// Where the file that objects are copied from lies in memory, so that bytes need not be copied. Not for
+    /// encrypted files.
+    void addFile(const QPDF* source, const SnapshotReader& file) { m_files[source] = &file; }
+
+    /// From now on: objects that are met the first time from then on can be forgotten.
+    void beginStep() { m_copiedInStep.clear(); }
+    /// Copies anew what was copied in the step: the source has changed.
+    void forgetStep();
+
+    QPDF& output() { return m_output; }
+    const StoredStreams& storedStreams() const { return m_storedStreams; }
+    /// All streams that got the bytes of one of a source.
+    const std::vector<QPDFObjectHandle>& carriedStreams() const { return m_carriedStreams; }
+
+private:
+    using Source = std::pair<QPDF*, QPDFObjGen>;
+
+    static constexpr int maxNesting = 500;  ///< of direct objects within one another
+
+    QPDFObjectHandle counterpart(QPDFObjectHandle object, int levels = maxNesting);
+    QPDFObjectHandle makeCounterpart(QPDFObjectHandle object);
+    void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
+
+    QPDF& m_output;
+    std::map<const QPDF*, const SnapshotReader*> m_files;
+    StoredStreams m_storedStreams;
+    std::vector<QPDFObjectHandle> m_carriedStreams;
+    std::map<Source, QPDFObjectHandle> m_copies;
+    std::vector<Source> m_copiedInStep;
+    /// Counterparts that are empty so far, each with its source.
+    std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> m_pending;
+};
+
+}  // namespace vellmora

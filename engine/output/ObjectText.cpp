@@ -1,0 +1,116 @@
+#include "engine/output/ObjectText.h"
+
+#include <algorithm>
+
+namespace vellmora {
+
+int ObjectNumbers::of(const QPDFObjectHandle& object) {
+    const auto place = static_cast<size_t>(object.getObjGen().getObj());
+    if (place >= m_numbers.size())
+        m_numbers.resize(std::max(place + 1, 2 * m_numbers.size()));
+    int& number = m_numbers[place];
+    if (number == 0) {
+        m_objects.push_back(object);
+        number = count();
+    }
+    return number;
+}
+
+int ObjectNumbers::reserve() {
+    m_objects.emplace_back();
+    return count();
+}
+
+namespace {
+
+/// A name may be empty: what follows its slash directly would be taken for it.
+bool endsWord(char last) {
+    return std::string_view("\n )>[]<").find(last) != std::string_view::npos;
+}
+
+bool startsWord(char first) {
+    return std::string_view("(<>[]/").find(first) != std::string_view::npos;
+}
+
+/// A character that stands for itself in a name.
+bool isPlain(char c) {
+    return c > ' ' && c <= '~' && std::string_view("#()<>[]{}/%").find(c) == std::string_view::npos;
+}
+
+/// libqpdf keeps a sign that escapes nothing as a null character, and would write one that was escaped
+/// as if it were an escape.
+std::string escaped(char c) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    const auto code = static_cast<unsigned char>(c);
+    return code == 0 ? "#" : std::string{'#', digits[code >> 4], digits[code & 15]};
+}
+
+}  // namespace
+
+void ObjectText::add(std::string_view word) {
+    if (!m_text.empty() && !endsWord(m_text.back()) && !startsWord(word.front()))
+        m_text += ' ';
+    m_text += word;
+}
+
+void ObjectText::addName(const std::string& name) {
+    if (std::all_of(name.begin() + 1, name.end(), isPlain)) {
+        add(name);
+        return;
+    }
+    std::string word = "/";
+    for (const char c : std::string_view(name).substr(1))
+        word += isPlain(c) ? std::string(1, c) : escaped(c);
+    add(word);
+}
+
+void ObjectText::addValue(const QPDFObjectHandle& value) {
+    if (!value.isIndirect()) {
+        addContent(value);
+        return;
+    }
+    add(std::to_string(m_numbers.of(value)));
+    add("0");
+    add("R");
+}
+
+void ObjectText::addDictionary(const std::map<std::string, QPDFObjectHandle>& entries) {
+    add("<<");
+    for (const auto& [key, value] : entries) {
+        if (QPDFObjectHandle(value).isNull())
+            continue;
+        addName(key);
+        addValue(value);
+    }
+    add(">>");
+}
+
+void ObjectText::addContent(QPDFObjectHandle object) {
+    switch (object.getTypeCode()) {
+        case ::ot_dictionary:
+            addDictionary(object.getDictAsMap());
+            break;
+        case ::ot_stream:
+            addDictionary(object.getDict().getDictAsMap());
+            break;
+        case ::ot_array:
+            add("[");
+            for (const QPDFObjectHandle& item : object.getArrayAsVector())
+                addValue(item);
+            add("]");
+            break;
+        case ::ot_name:
+            addName(object.getName());
+            break;
+        case ::ot_boolean:
+        case ::ot_integer:
+        case ::ot_real:
+        case ::ot_string:
+            add(object.unparseResolved());
+            break;
+        default:
+            add("null");
+    }
+}
+
+}  // namespace vellmora

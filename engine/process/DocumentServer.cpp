@@ -1,0 +1,182 @@
+#include "engine/process/DocumentServer.h"
+
+#include "base/Error.h"
+#include "confinement/Confinement.h"
+#include "engine/PageComposer.h"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+#include <sys/mman.h>
+#include <utility>
+#include <vector>
+
+namespace vellmora {
+
+namespace {
+
+/// Memory of the program, for reading.
+class Mapping {
+public:
+    Mapping(const FileDescriptor& memory, size_t size) : m_size(std::max<size_t>(size, 1)) {
+        m_bytes = ::mmap(nullptr, m_size, PROT_READ, MAP_SHARED, memory.get(), 0);
+        if (m_bytes == MAP_FAILED)
+            throw std::bad_alloc();
+    }
+    ~Mapping() { ::munmap(m_bytes, m_size); }
+    Mapping(const Mapping&) = delete;
+    Mapping& operator=(const Mapping&) = delete;
+
+    const void* bytes() const { return m_bytes; }
+
+private:
+    size_t m_size;
+    void* m_bytes;
+};
+
+std::array<double, 4> valuesOf(const Rect& rect) {
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+
+Rect rectOf(const std::array<double, 4>& values) {
+    return {values[0], values[1], values[2], values[3]};
+}
+
+/// The pictures that the program sends while the pages are drawn.
+class LatePictures {
+public:
+    explicit LatePictures(int socket) : m_socket(socket) {}
+
+    EncodedPicture take(size_t index) {
+        if (m_pictures.empty())
+            receive();
+        return std::move(m_pictures.at(index));
+    }
+
+private:
+    void receive() {
+        const auto request = receiveDocumentRequest(m_socket);
+        if (!request || request->message.kind != DocumentRequestKind::pictures)
+            throw std::runtime_error("no pictures");
+        const size_t size = request->message.size;
+        const Mapping packed(request->memory, size);
+        m_pictures = unpackedPictures(
+            QByteArray::fromRawData(static_cast<const char*>(packed.bytes()), static_cast<qsizetype>(size)));
+    }
+
+    int m_socket;
+    std::vector<EncodedPicture> m_pictures;
+};
+
+/// Carries out the commands for a new file.
+class Composing {
+public:
+    Composing(const ParsedDocument& document, ReplyStream& replies, int socket)
+        : m_document(document), m_replies(replies), m_pictures(socket), m_composer(replies) {}
+
+    void run(const ComposeCommand* commands, size_t count) {
+        m_pageCount = std::count_if(commands, commands + count, [](const ComposeCommand& command) {
+            return command.kind == ComposeCommand::Kind::endPage;
+        });
+        for (size_t i = 0; i < count; ++i)
+            carryOut(commands[i]);
+        m_composer.close();
+        m_replies.sendIndices(DocumentReplyKind::incomplete, m_composer.incompletePages());
+    }
+
+private:
+    void carryOut(const ComposeCommand& command) {
+        switch (command.kind) {
+            case ComposeCommand::Kind::beginPage:
+                return m_composer.beginPage();
+            case ComposeCommand::Kind::drawPage:
+                return drawPage(command.page, command.detail != 0);
+            case ComposeCommand::Kind::addPicture:
+                m_composer.addPicture([this, index = m_pictureCount++] { return m_pictures.take(index); });
+                return;
+            case ComposeCommand::Kind::drawPicture:
+                return m_composer.drawPicture(static_cast<int>(command.detail), rectOf(command.rect));
+            case ComposeCommand::Kind::endPage:
+                m_composer.endPage();
+                return m_replies.setProgress(++m_donePages, m_pageCount);
+        }
+    }
+
+    void drawPage(qsizetype index, bool isCropBox) {
+        if (index < 0 || index >= m_document.pageCount())
+            throw std::out_of_range("no such page");
+        m_composer.drawPage(m_document, index, isCropBox ? DisplayBox::cropBox : DisplayBox::mediaBox);
+    }
+
+    const ParsedDocument& m_document;
+    ReplyStream& m_replies;
+    LatePictures m_pictures;
+    PageComposer m_composer;
+    size_t m_pictureCount = 0;
+    qsizetype m_donePages = 0;
+    qsizetype m_pageCount = 0;
+};
+
+}  // namespace
+
+void DocumentServer::run() {
+    while (auto request = receiveDocumentRequest(m_socket)) {
+        try {
+            serve(std::move(*request));
+        } catch (const Unparsable& failure) {
+            m_replies.fail(failure.reason);
+        } catch (const Error& error) {
+            m_replies.fail(DocumentFailure::unreadable, error.code());
+        } catch (const std::bad_alloc&) {
+            m_replies.fail(DocumentFailure::outOfMemory);
+        } catch (const std::exception&) {
+            m_replies.fail(DocumentFailure::notProduced);
+        }
+    }
+}
+
+void DocumentServer::serve(ReceivedDocumentRequest request) {
+    m_replies.setProgress(0, 0);
+    if (request.message.kind == DocumentRequestKind::open && !m_content)
+        open(std::move(request));
+    else if (request.message.kind == DocumentRequestKind::compose && m_document)
+        compose(request);
+    else
+        throw std::logic_error("not now");
+}
+
+void DocumentServer::open(ReceivedDocumentRequest request) {
+    if (!limitMemory(request.message.memory))
+        throw std::bad_alloc();
+    m_content = std::make_shared<SnapshotReader>(std::move(request.memory), std::move(request.file),
+                                                 request.message.size);
+    m_content->whenRead([this] { m_replies.keepAlive(); });
+    m_document = std::make_unique<ParsedDocument>(m_content);
+    sendPages();
+    const DocumentDamage& damage = m_document->damage();
+    m_replies.sendIndices(DocumentReplyKind::lostPages, damage.lostPages);
+    m_replies.send(DocumentReplyKind::opened,
+                   OpenedDocument{damage.isRepaired, damage.isCutOff, damage.uncountedPages});
+}
+
+void DocumentServer::sendPages() {
+    std::vector<PageBoxes> pages;
+    for (qsizetype index = 0; index < m_document->pageCount(); ++index) {
+        const PDFPage page = m_document->page(index);
+        pages.push_back(
+            {valuesOf(page.bounds(DisplayBox::mediaBox)), valuesOf(page.bounds(DisplayBox::cropBox))});
+    }
+    m_replies.sendMany(DocumentReplyKind::pages, pages);
+}
+
+void DocumentServer::compose(const ReceivedDocumentRequest& request) {
+    if (request.message.isWhole != 0 && !m_content->agreesWithSnapshot())
+        return m_replies.fail(DocumentFailure::changed);
+    const Mapping commands(request.memory, request.message.size);
+    Composing(*m_document, m_replies, m_socket)
+        .run(static_cast<const ComposeCommand*>(commands.bytes()),
+             request.message.size / sizeof(ComposeCommand));
+    m_replies.send(DocumentReplyKind::composed);
+}
+
+}  // namespace vellmora

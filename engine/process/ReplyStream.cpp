@@ -1,0 +1,64 @@
+#include "engine/process/ReplyStream.h"
+
+#include "base/HelperProcess.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace vellmora {
+
+namespace {
+
+/// The program is told that often, and does not wait for much longer.
+constexpr std::chrono::milliseconds interval{200};
+
+void sendAll(std::string_view bytes, int flags) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::send(helperSocket, bytes.data(), bytes.size(), MSG_NOSIGNAL | flags);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            ::_exit(0);
+        bytes.remove_prefix(static_cast<size_t>(count));
+    }
+}
+
+}  // namespace
+
+void ReplyStream::send(DocumentReplyKind kind, std::string_view content) {
+    const DocumentReplyHeader header{static_cast<std::uint32_t>(kind),
+                                     static_cast<std::uint32_t>(content.size())};
+    const std::string_view start(reinterpret_cast<const char*>(&header), sizeof header);
+    sendAll(start, content.empty() ? 0 : MSG_MORE);
+    sendAll(content, 0);
+    m_lastSent = Clock::now();
+}
+
+void ReplyStream::sendIndices(DocumentReplyKind kind, const QList<qsizetype>& indices) {
+    sendMany(kind, std::vector<std::int64_t>(indices.begin(), indices.end()));
+}
+
+void ReplyStream::fail(DocumentFailure reason, int error) {
+    send(DocumentReplyKind::failed, FailedRequest{static_cast<std::uint32_t>(reason), error});
+}
+
+void ReplyStream::setProgress(qsizetype done, qsizetype total) {
+    m_progress = {done, total};
+    keepAlive();
+}
+
+void ReplyStream::keepAlive() {
+    if (Clock::now() - m_lastSent >= interval)
+        send(DocumentReplyKind::progress, m_progress);
+}
+
+void ReplyStream::write(const char* bytes, qint64 count) {
+    for (qint64 sent = 0; sent < count; sent += maxReplyLength) {
+        const qint64 length = std::min<qint64>(count - sent, maxReplyLength);
+        send(DocumentReplyKind::data, std::string_view(bytes + sent, static_cast<size_t>(length)));
+    }
+}
+
+}  // namespace vellmora

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "pdf/DocumentFailure.h"
+#include "pdf/DocumentMessages.h"
+#include "pdf/PDFDataConsumer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string_view>
+#include <vector>
+
+#include <QList>
+
+namespace vellmora {
+
+/// What the process says to the program. It ends where the program is gone.
+class ReplyStream : public PDFDataConsumer {
+public:
+    void send(DocumentReplyKind kind, std::string_view content = {});
+    template <typename Value>
+    void send(DocumentReplyKind kind, const Value& value) {
+        send(kind, std::string_view(reinterpret_cast<const char*>(&value), sizeof value));
+    }
+    /// As many replies as they need.
+    template <typename Value>
+    void sendMany(DocumentReplyKind kind, const std::vector<Value>& values);
+    void sendIndices(DocumentReplyKind kind, const QList<qsizetype>& indices);
+    void fail(DocumentFailure reason, int error = 0);
+
+    /// So many pages of so many are done. Says so now and then.
+    void setProgress(qsizetype done, qsizetype total);
+    /// The process is at work. To be called often; says so now and then.
+    void keepAlive();
+
+    /// Bytes of the new file.
+    void write(const char* bytes, qint64 count) override;
+    void finish() override {}
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    DocumentProgress m_progress{0, 0};
+    Clock::time_point m_lastSent = Clock::now();
+};
+
+template <typename Value>
+void ReplyStream::sendMany(DocumentReplyKind kind, const std::vector<Value>& values) {
+    constexpr size_t most = (1 << 16) / sizeof(Value);
+    for (size_t sent = 0; sent < values.size(); sent += most) {
+        const size_t count = std::min(most, values.size() - sent);
+        send(kind,
+             std::string_view(reinterpret_cast<const char*>(values.data() + sent), count * sizeof(Value)));
+    }
+}
+
+}  // namespace vellmora

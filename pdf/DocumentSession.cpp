@@ -1,0 +1,184 @@
+#include "pdf/DocumentSession.h"
+
+#include "pdf/StructureReply.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace vellmora {
+
+namespace {
+
+using Kind = DocumentReplyKind;
+
+/// A new file has what the source has, and more where that refers to the same from many places.
+constexpr qint64 mostTimesSource = 4;
+
+constexpr int maxAttempts = 2;
+
+/// Bytes for the process to read.
+SharedMemory sharedMemory(const void* bytes, size_t size) {
+    SharedMemory memory(std::max<size_t>(size, 1), SharedMemory::Writers::maker);
+    if (!memory.isValid())
+        throw std::bad_alloc();
+    if (size > 0)
+        std::memcpy(memory.bytes(), bytes, size);
+    return memory;
+}
+
+void report(const DocumentHelper::Reply& reply, WorkProgress* progress) {
+    const auto state = reply.as<DocumentProgress>();
+    if (state.done < 0 || state.done > state.total)
+        throw HelperLost(DocumentFailure::unsound);
+    if (progress)
+        progress->report(state.done, state.total);
+}
+
+/// The first bytes of a new file.
+void requirePdf(std::string_view bytes, bool isFirst) {
+    if (isFirst && bytes.substr(0, 5) != "%PDF-")
+        throw HelperLost(DocumentFailure::unsound);
+}
+
+}  // namespace
+
+DocumentSession::DocumentSession(DocumentProcesses& processes, std::shared_ptr<const FileSnapshot> content)
+    : m_processes(processes), m_content(std::move(content)) {}
+
+std::optional<pid_t> DocumentSession::processID() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_helper ? std::optional(m_helper->pid()) : std::nullopt;
+}
+
+/// Runs the task, once more where the process ended before anything came of it: it may have been dying
+/// before. A process of which anything is wrong is not used any more.
+template <typename Task>
+auto DocumentSession::attempt(Task task, const qint64& delivered) {
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return task();
+        } catch (const HelperLost& lost) {
+            m_helper.reset();
+            if (lost.failure != DocumentFailure::ended || attempt == maxAttempts || delivered > 0)
+                throw documentError(lost.failure);
+        } catch (...) {
+            m_helper.reset();
+            throw;
+        }
+    }
+}
+
+void DocumentSession::fail(const FailedRequest& failed) {
+    if (failed.reason > static_cast<std::uint32_t>(lastFailureOfDocument))
+        throw HelperLost(DocumentFailure::unsound);
+    m_content->requireReadable();
+    const auto reason = static_cast<DocumentFailure>(failed.reason);
+    if (reason == DocumentFailure::unreadable)
+        throw m_content->readingError(failed.error);
+    throw documentError(reason);
+}
+
+DocumentStructure DocumentSession::start(WorkProgress* progress) {
+    const DocumentLimits& limits = m_processes.limits();
+    const DocumentHelper::Patience patience{limits.silence, std::nullopt};
+    const DocumentHelper::Patience patienceForStart{limits.start, std::nullopt};
+    auto helper = std::make_unique<DocumentHelper>(m_processes.take(), patienceForStart, progress);
+    helper->send({DocumentRequestKind::open, 0, m_content->size(), m_content->size() + limits.memory},
+                 m_content->memory(), m_content->file());
+    StructureReply structure;
+    while (!structure.isComplete()) {
+        const DocumentHelper::Reply reply = helper->receive(patience, progress);
+        if (reply.kind == Kind::progress)
+            report(reply, progress);
+        else if (reply.kind == Kind::failed)
+            fail(reply.as<FailedRequest>());
+        else
+            structure.add(reply);
+    }
+    m_helper = std::move(helper);
+    return structure.take();
+}
+
+DocumentStructure DocumentSession::open(WorkProgress* progress) {
+    const std::scoped_lock lock(m_mutex);
+    DocumentStructure structure = attempt([&] { return start(progress); }, 0);
+    m_pageCount = structure.pages.size();
+    return structure;
+}
+
+void DocumentSession::restart(WorkProgress* progress) {
+    if (start(progress).pages.size() != m_pageCount)
+        throw HelperLost(DocumentFailure::unsound);
+}
+
+void DocumentSession::sendComposition(const Composition& composition) {
+    const size_t size = composition.commands.size() * sizeof(ComposeCommand);
+    const SharedMemory commands = sharedMemory(composition.commands.data(), size);
+    m_helper->send({DocumentRequestKind::compose, composition.isForView ? 0U : 1U, size, 0},
+                   commands.descriptor());
+    if (!composition.pictures)
+        return;
+    const QByteArray packed = packedPictures(composition.pictures());
+    const auto packedSize = static_cast<size_t>(packed.size());
+    const SharedMemory pictures = sharedMemory(packed.constData(), packedSize);
+    m_helper->send({DocumentRequestKind::pictures, 0, packedSize, 0}, pictures.descriptor());
+}
+
+QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDataConsumer& consumer,
+                                           qint64& delivered) {
+    const DocumentLimits& limits = m_processes.limits();
+    const auto sourceSize = static_cast<qint64>(m_content->size());
+    const qint64 most = composition.isForView ? sourceSize + limits.bytesForView
+                                              : mostTimesSource * sourceSize + limits.bytesForFile;
+    DocumentHelper::Patience patience{limits.silence, std::nullopt};
+    if (composition.isForView)
+        patience.end = DocumentHelper::Clock::now() + limits.view;
+    IndexList incomplete(composition.pageCount);
+    for (;;) {
+        const DocumentHelper::Reply reply = m_helper->receive(patience, composition.progress);
+        switch (reply.kind) {
+            case Kind::progress:
+                report(reply, composition.progress);
+                break;
+            case Kind::data:
+                requirePdf(reply.content, delivered == 0);
+                delivered += static_cast<qint64>(reply.content.size());
+                if (delivered > most)
+                    throw HelperLost(DocumentFailure::tooLarge);
+                consumer.write(reply.content.data(), static_cast<qint64>(reply.content.size()));
+                break;
+            case Kind::incomplete:
+                incomplete.add(reply);
+                break;
+            case Kind::composed:
+                requirePdf({}, delivered == 0);
+                return incomplete.indices();
+            case Kind::failed:
+                fail(reply.as<FailedRequest>());
+            default:
+                throw HelperLost(DocumentFailure::unsound);
+        }
+    }
+}
+
+QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDataConsumer& consumer) {
+    if (!composition.isForView)
+        m_content->requireWhole();
+    const std::scoped_lock lock(m_mutex);
+    qint64 delivered = 0;
+    QList<qsizetype> incomplete = attempt(
+        [&] {
+            if (!m_helper)
+                restart(composition.progress);
+            sendComposition(composition);
+            return takeFile(composition, consumer, delivered);
+        },
+        delivered);
+    // A spare process for the next document, when this one is on the screen.
+    m_processes.prepare();
+    return incomplete;
+}
+
+}  // namespace vellmora

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "base/FileSnapshot.h"
+#include "base/WorkProgress.h"
+#include "pdf/DocumentDamage.h"
+#include "pdf/DocumentHelper.h"
+#include "pdf/DocumentProcesses.h"
+#include "pdf/PDFDataConsumer.h"
+#include "pdf/PDFPage.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include <QList>
+
+namespace vellmora {
+
+/// What is known of a document's structure.
+struct DocumentStructure {
+    std::vector<PDFPage> pages;
+    DocumentDamage damage;
+};
+
+/// A new file that is to be made of a document's pages.
+struct Composition {
+    std::vector<ComposeCommand> commands;
+    std::function<std::vector<EncodedPicture>()> pictures;  ///< asked once, when they are needed
+    qsizetype pageCount = 0;                                ///< of the new file
+    /// A look at a page: it has little time and, beside what the source has, little size. The snapshot need
+    /// not be whole for it.
+    bool isForView = false;
+    WorkProgress* progress = nullptr;  ///< may be null
+};
+
+/// The process that reads a document and makes new files of it, however often it has to be started anew: the
+/// snapshot outlives it. May be used by several threads; one thing is done at a time.
+class DocumentSession {
+public:
+    /// Both must outlive the object, the content is shared.
+    DocumentSession(DocumentProcesses& processes, std::shared_ptr<const FileSnapshot> content);
+
+    /// To be called first, and once. Throws `Error`.
+    DocumentStructure open(WorkProgress* progress);
+
+    /// Hands the file's bytes to the consumer, which is not finished. Answers the file's pages on which
+    /// something of the source is missing. Throws the consumer's `Error`, or its own.
+    QList<qsizetype> compose(const Composition& composition, PDFDataConsumer& consumer);
+
+    /// Of the running process; nothing while there is none.
+    std::optional<pid_t> processID() const;
+
+private:
+    DocumentStructure start(WorkProgress* progress);
+    void restart(WorkProgress* progress);
+    void sendComposition(const Composition& composition);
+    QList<qsizetype> takeFile(const Composition& composition, PDFDataConsumer& consumer, qint64& delivered);
+    [[noreturn]] void fail(const FailedRequest& failed);
+    template <typename Task>
+    auto attempt(Task task, const qint64& delivered);
+
+    DocumentProcesses& m_processes;
+    std::shared_ptr<const FileSnapshot> m_content;
+    size_t m_pageCount = 0;
+    mutable std::mutex m_mutex;
+    std::unique_ptr<DocumentHelper> m_helper;
+};
+
+}  // namespace vellmora
