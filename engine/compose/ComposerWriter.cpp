@@ -88,7 +88,7 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
 /// What is shown of the page, and what a printer makes of it. Each box is carried over as it is stated, so
 /// that a reader that sees it in its own way sees it in the same way afterwards. Only the crop box may be
 /// stated by a node above the page (ISO 32000-2, table 31).
-void PDFContext::Writer::carryInnerBoxes(const ParsedPage& page) {
+void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
     if (page.statedCropBox)
         m_page.dictionary.replaceKey("/CropBox", m_boxes.of(*page.statedCropBox));
     QPDFObjectHandle dictionary = page.dictionary;
