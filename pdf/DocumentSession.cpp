@@ -108,6 +108,16 @@ DocumentStructure DocumentSession::open(WorkProgress* progress) {
     return structure;
 }
 
+/// Waits for what else is being done. Throws the `Error` of work that is cancelled before its turn comes.
+std::unique_lock<std::timed_mutex> DocumentSession::waitForTurn(const WorkProgress* progress) {
+    std::unique_lock lock(m_mutex, std::defer_lock);
+    while (!lock.try_lock_for(std::chrono::milliseconds(50))) {
+        if (progress && progress->isCancelled())
+            throw WorkProgress::cancelledError();
+    }
+    return lock;
+}
+
 void DocumentSession::restart(WorkProgress* progress) {
     if (start(progress).pages.size() != m_pageCount)
         throw HelperLost(DocumentFailure::unsound);
@@ -166,7 +176,7 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDa
 QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDataConsumer& consumer) {
     if (!composition.isForView)
         m_content->requireWhole();
-    const std::scoped_lock lock(m_mutex);
+    const std::unique_lock lock = waitForTurn(composition.progress);
     qint64 delivered = 0;
     QList<qsizetype> incomplete = attempt(
         [&] {

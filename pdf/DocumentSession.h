@@ -53,6 +53,7 @@ public:
     std::optional<pid_t> processID() const;
 
 private:
+    std::unique_lock<std::timed_mutex> waitForTurn(const WorkProgress* progress);
     DocumentStructure start(WorkProgress* progress);
     void restart(WorkProgress* progress);
     void sendComposition(const Composition& composition);
@@ -64,7 +65,7 @@ private:
     DocumentProcesses& m_processes;
     std::shared_ptr<const FileSnapshot> m_content;
     size_t m_pageCount = 0;
-    mutable std::mutex m_mutex;
+    mutable std::timed_mutex m_mutex;
     std::unique_ptr<DocumentHelper> m_helper;
 };
 
