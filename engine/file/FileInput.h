@@ -3,15 +3,20 @@
 #include "base/SnapshotReader.h"
 
 #include <string>
+#include <string_view>
 
 #include <qpdf/InputSource.hh>
 
 namespace vellmora {
 
 /// Lets libqpdf read a file's content, which must outlive it. Throws `Error` where a part cannot be read.
+///
+/// libqpdf 12 ignores objects whose number is greater than a third of the file's length. Blanks stand behind
+/// the content, so that a small file may have great numbers, and after them its last bytes once more, since a
+/// file is read from its end.
 class FileInput : public InputSource {
 public:
-    explicit FileInput(const SnapshotReader& content) : m_content(content) {}
+    explicit FileInput(const SnapshotReader& content);
 
     qpdf_offset_t findAndSkipNextEOL() override;
     const std::string& getName() const override { return m_name; }
@@ -24,7 +29,12 @@ public:
     void unreadCh(char ch) override;
 
 private:
+    /// What stands at the position, as far as it is at hand in one piece: one byte at least, `most` at most.
+    std::string_view piece(size_t position, size_t most) const;
+
     const SnapshotReader& m_content;
+    size_t m_tail;  ///< where the last bytes begin again
+    size_t m_size;
     std::string m_name;
     size_t m_position = 0;
 };

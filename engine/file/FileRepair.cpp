@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <stdexcept>
 
 #include <qpdf/BufferInputSource.hh>
@@ -48,6 +49,8 @@ CatalogRank rankAsCatalog(QPDFObjectHandle object) {
 }
 
 constexpr qsizetype longestTrailer = 1 << 16;
+/// Numbers of objects that were lost with the file's end, beyond those that are there.
+constexpr int mostLost = 1000000;
 constexpr const char* emptyCatalog = "<< /Type /Catalog /Pages << /Type /Pages >> >>";
 
 /// The dictionary that the text begins with; empty where it begins with something else, all of the text where
@@ -82,6 +85,7 @@ public:
     void mendObjects();
     void findTrailer();
     void findMembersOfObjectStreams();
+    void nameLostObjects();
     void findCatalog();
     QByteArray file() const {
         const auto position = static_cast<size_t>(m_bytes.size());
@@ -92,7 +96,6 @@ public:
 private:
     /// The objects that there are may refer to others that were lost with the file's end.
     int unusedNumber() const {
-        constexpr int mostLost = 1000000;
         const int greatest = m_places.empty() ? 0 : m_places.rbegin()->first;
         return std::max(std::min(greatest + mostLost, greatestObjectNumber), greatest + 1);
     }
@@ -185,6 +188,27 @@ void Repair::addMembers(int container, size_t position, const QPDFObjectHandle& 
     }
 }
 
+/// From version 12 on, libqpdf takes a reference to an object that is not in the table for a plain null, and
+/// nobody can tell that something is missing. An object that should be in a stream and is not there is null,
+/// too, but an object.
+void Repair::nameLostObjects() {
+    const int greatest = m_places.empty() ? 0 : m_places.rbegin()->first;
+    std::set<int> lost;
+    for (const int number : scanForReferences(viewOf(m_bytes))) {
+        if (number <= greatest + mostLost && m_places.count(number) == 0)
+            lost.insert(number);
+    }
+    if (lost.empty())
+        return;
+    const int stream = std::max(greatest, *lost.rbegin()) + 1;
+    const auto position = static_cast<size_t>(m_bytes.size());
+    m_bytes += QByteArray::number(stream) +
+               " 0 obj\n<</Type/ObjStm/N 0/First 0/Length 0>>\nstream\n\nendstream\nendobj\n";
+    m_places[stream] = {position, 0, 0};
+    for (const int number : lost)
+        m_places[number] = {position, stream, 0};
+}
+
 void Repair::findCatalog() {
     if (m_trailer.root != emptyCatalog)
         return;
@@ -215,6 +239,7 @@ QByteArray repairedFile(const QByteArray& damaged) {
     repair.mendObjects();
     repair.findTrailer();
     repair.findMembersOfObjectStreams();
+    repair.nameLostObjects();
     repair.findCatalog();
     return repair.file();
 }

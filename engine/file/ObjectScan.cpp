@@ -37,9 +37,8 @@ struct ObjectHeader {
     size_t position;
 };
 
-/// The header whose keyword "obj" stands at `keyword`.
-std::optional<ObjectHeader> headerAt(std::string_view file, size_t keyword) {
-    const size_t end = keyword + 3;
+/// The number and the generation that stand before a keyword; `end` is behind it.
+std::optional<ObjectHeader> numbersBefore(std::string_view file, size_t keyword, size_t end) {
     if (end < file.size() && !isOneOf(space, file[end]) && !isOneOf(delimiters, file[end]))
         return std::nullopt;
     const size_t begin = keyword - std::min(keyword, longestHeader);
@@ -49,6 +48,11 @@ std::optional<ObjectHeader> headerAt(std::string_view file, size_t keyword) {
     if (!number || !isObjectNumber(*number))
         return std::nullopt;
     return ObjectHeader{*number, *generation, begin + before.size()};
+}
+
+/// The header whose keyword "obj" stands at `keyword`.
+std::optional<ObjectHeader> headerAt(std::string_view file, size_t keyword) {
+    return numbersBefore(file, keyword, keyword + 3);
 }
 
 /// The end of the stream's data that begin at `begin`. Where "endstream" is damaged, "endobj" ends them too.
@@ -109,6 +113,15 @@ std::optional<size_t> valuePosition(std::string_view file, size_t position, int 
     const auto header = headerAt(file, position + keyword);
     const bool isMeant = header && header->number == number && header->position >= position;
     return isMeant ? std::optional(position + keyword + 3) : std::nullopt;
+}
+
+std::set<int> scanForReferences(std::string_view file) {
+    std::set<int> numbers;
+    for (size_t at = file.find('R'); at != std::string_view::npos; at = file.find('R', at + 1)) {
+        if (const auto reference = numbersBefore(file, at, at + 1))
+            numbers.insert(reference->number);
+    }
+    return numbers;
 }
 
 std::vector<size_t> scanForTrailers(std::string_view file) {

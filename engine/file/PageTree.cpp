@@ -102,7 +102,8 @@ private:
     void enter(const Step& step) {
         QPDFObjectHandle node = step.node;
         if (!node.isDictionary()) {
-            if (node.isIndirect())
+            // A reference to an object that the file does not have is a plain null from libqpdf 12 on.
+            if (node.isIndirect() || node.isNull())
                 addLostPage(step.inherited);
             return;
         }

@@ -83,12 +83,11 @@ static bool isCutOff(std::string_view file) {
 }
 
 static bool hasLostContent(QPDFObjectHandle page) {
-    const auto isLost = [](QPDFObjectHandle part) { return part.isIndirect() && part.isNull(); };
     QPDFObjectHandle content = page.getKey("/Contents");
     if (!content.isArray())
-        return isLost(content);
-    const std::vector<QPDFObjectHandle> parts = content.getArrayAsVector();
-    return std::any_of(parts.begin(), parts.end(), isLost);
+        return content.isIndirect() && content.isNull();
+    std::vector<QPDFObjectHandle> parts = content.getArrayAsVector();
+    return std::any_of(parts.begin(), parts.end(), [](QPDFObjectHandle& part) { return part.isNull(); });
 }
 
 void ParsedFile::findDamage(const SnapshotReader& opened, bool isRepaired) {

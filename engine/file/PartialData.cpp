@@ -17,11 +17,33 @@ namespace vellmora {
 
 namespace {
 
+enum class Predictor { none, known, odd };
+
+Predictor predictorOf(QPDFObjectHandle stream) {
+    QPDFObjectHandle parameters = stream.getDict().getKey("/DecodeParms");
+    if (parameters.isArray() && parameters.getArrayNItems() == 1)
+        parameters = parameters.getArrayItem(0);
+    const auto isWithin = [&](const char* key, long long usual, long long least, long long most) {
+        QPDFObjectHandle value = parameters.getKey(key);
+        const long long number = value.isInteger() ? value.getIntValue() : usual;
+        return number >= least && number <= most;
+    };
+    if (!parameters.isDictionary() || isWithin("/Predictor", 1, 1, 1))
+        return Predictor::none;
+    // ISO 32000-2, tables 8 and 10. libqpdf 11 takes 255 colours, libqpdf 12 any number of them.
+    const bool isKnown = (isWithin("/Predictor", 1, 2, 2) || isWithin("/Predictor", 1, 10, 15)) &&
+                         isWithin("/Colors", 1, 1, 255) && isWithin("/BitsPerComponent", 8, 1, 16) &&
+                         isWithin("/Columns", 1, 1, std::numeric_limits<int>::max());
+    return isKnown ? Predictor::known : Predictor::odd;
+}
+
 /// How far libqpdf gets: not at all where it does not understand a filter or its parameters.
 enum class Decoding { whole, partial, none };
 
 /// `delivered` counts the bytes of which the target knows.
 Decoding pipeDecoded(QPDFObjectHandle stream, Pipeline& target, size_t& delivered) {
+    if (predictorOf(stream) == Predictor::odd)
+        return Decoding::none;
     Pl_Concatenate unfinished("decoded", &target);
     Pl_Count count("decoded", &unfinished);
     bool isDecoded = false;
@@ -55,16 +77,6 @@ std::vector<std::string> filtersOf(QPDFObjectHandle stream) {
 
 bool isFlateOnly(const std::vector<std::string>& filters) {
     return filters.size() == 1 && (filters[0] == "/FlateDecode" || filters[0] == "/Fl");
-}
-
-bool hasPredictor(QPDFObjectHandle stream) {
-    QPDFObjectHandle parameters = stream.getDict().getKey("/DecodeParms");
-    if (parameters.isArray() && parameters.getArrayNItems() == 1)
-        parameters = parameters.getArrayItem(0);
-    if (!parameters.isDictionary())
-        return false;
-    QPDFObjectHandle predictor = parameters.getKey("/Predictor");
-    return predictor.isInteger() && predictor.getIntValue() > 1;
 }
 
 /// Whether one of the filters is unknown or only for pictures: what it delivers is no content for anybody.
@@ -113,7 +125,7 @@ bool pipeAsFarAsPossible(QPDFObjectHandle stream, Pipeline& target) {
     const std::vector<std::string> filters = filtersOf(stream);
     if (!isFlateOnly(filters))
         return isNoContent(filters);
-    if (decoding == Decoding::partial && hasPredictor(stream))
+    if (decoding == Decoding::partial && predictorOf(stream) == Predictor::known)
         return false;  // what is unpacked here would still be differences
     // libqpdf holds back what it has unpacked last. Other readers take odd parameters for none.
     std::string data;

@@ -8,7 +8,10 @@
 #define JSON_HH
 #include <map>
 #include <string>
-class JSON;
+class JSON {
+public:
+    class Writer;
+};
 #endif
 
 #include <qpdf/QPDF.hh>

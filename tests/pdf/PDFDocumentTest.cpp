@@ -159,7 +159,8 @@ TEST(PDFDocumentTest, BoundsPagesThatAreNamedByRepeatedArrays) {
 TEST(PDFDocumentTest, FindsThePagesWhereTheTreeIsLost) {
     QByteArray bytes =
         PdfBuilder().page("/Parent 1000 0 R").page().object("<< /Rotate 90 /Parent 1000 0 R >>").bytes();
-    bytes.replace("/Pages 2 0 R", "/Pages 9 9 R");
+    bytes.replace("/Pages 2 0 R", "/Pages 9 9 R").replace("/Type /Pages", "/Type /Trees");
+    bytes.replace("/Parent 2 0 R /Parent 1000 0 R", "              /Parent 1000 0 R");
     const auto document = documentOf(bytes);
     ASSERT_TRUE(document);
     ASSERT_EQ(document->pageCount(), 2);
