@@ -12,7 +12,7 @@ struct ConfinementPolicy {
     /// Files beneath these folders can be read, and nothing else be done to them. Where there are none, or
     /// the kernel cannot tell folders apart (Landlock), no file can be opened at all.
     std::vector<std::string> readableFolders;
-    /// In bytes of addresses.
+    /// In bytes that can be written, and of addresses beside those that are taken already.
     std::uint64_t memory = std::uint64_t{3} << 30;
     /// Runs when no file but those in the folders can be opened any more, but before system calls are
     /// refused: folders can be listed, and threads be started. They are confined as well, and stay the only
