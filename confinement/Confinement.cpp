@@ -67,9 +67,10 @@ bool confineProcess(const ConfinementPolicy& policy) {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
         return false;
     limitResources();
-    limitMemory(addressesTaken() + policy.memory);
-    if (!areAddressesFree)
-        limit(RLIMIT_DATA, policy.memory);
+    if (policy.memory && !areAddressesFree) {
+        limit(RLIMIT_AS, addressesTaken() + *policy.memory);
+        limit(RLIMIT_DATA, *policy.memory);
+    }
     const bool canOpenFiles = allowOnlyReading(policy.readableFolders) && !policy.readableFolders.empty();
     if (canOpenFiles && policy.prepare)
         policy.prepare();

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,8 +13,9 @@ struct ConfinementPolicy {
     /// Files beneath these folders can be read, and nothing else be done to them. Where there are none, or
     /// the kernel cannot tell folders apart (Landlock), no file can be opened at all.
     std::vector<std::string> readableFolders;
-    /// In bytes that can be written, and of addresses beside those that are taken already.
-    std::uint64_t memory = std::uint64_t{3} << 30;
+    /// In bytes that can be written, and of addresses beside those that are taken already. Nothing where
+    /// `limitMemory` is to be called later.
+    std::optional<std::uint64_t> memory = std::uint64_t{3} << 30;
     /// Runs when no file but those in the folders can be opened any more, but before system calls are
     /// refused: folders can be listed, and threads be started. They are confined as well, and stay the only
     /// ones. Does not run where no file can be opened at all.

@@ -5,7 +5,6 @@
 #include "confinement/Confinement.h"
 #include "engine/process/DocumentServer.h"
 
-#include <limits>
 #include <unistd.h>
 
 using namespace vellmora;
@@ -15,7 +14,7 @@ int main() {
         return 1;
     ConfinementPolicy policy;
     // The limit comes with the document.
-    policy.memory = std::numeric_limits<std::uint64_t>::max();
+    policy.memory.reset();
     if (!confineProcess(policy))
         return 1;
     ReplyStream().send(DocumentReplyKind::ready);
