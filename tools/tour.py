@@ -25,6 +25,8 @@ DRAG_ACROSS, DRAG_UP = 0.26, 0.39  # of the page's width and height
 DRAG_TOLERANCE = 0.01
 PAGE_MARGIN = 8  # pixels above and below the page
 A4_ASPECT = 595 / 842
+DARK = 128  # of 255
+LEAST_TEXT = 0.2  # of the rows of pixels
 
 
 def say(text):
@@ -66,7 +68,18 @@ class Tour:
     def open_document(self):
         self.answer_file_dialog("ctrl+o", "PDF auswählen", self.sample)
         self.screen.find("label", "PDF geladen: " + self.sample.name)
+        wait_for(self.page_is_shown, "the page's text on the screen")
         self.take_picture("opened")
+
+    def page_is_shown(self):
+        """Whether there is as much text in the middle of the editor area as the sample has; a notice is one line."""
+        x, y, width, height = self.editor_area
+        inner_height = round(height * 0.7)
+        inner_width = round(inner_height * A4_ASPECT)
+        crop = f"{inner_width}x{inner_height}+{x + (width - inner_width) // 2}+{y + (height - inner_height) // 2}"
+        pixels = self.desktop.run("import", "-window", "root", "-crop", crop, "-depth", 8, "gray:-").stdout
+        rows = [pixels[start:start + inner_width] for start in range(0, len(pixels), inner_width)]
+        return sum(min(row) < DARK < max(row) for row in rows) > LEAST_TEXT * inner_height
 
     def insert_stamp(self):
         x, y, width, height = self.screen.extents(self.screen.find("push button", "Stempel auf aktueller Seite"))
