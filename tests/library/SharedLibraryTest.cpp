@@ -138,7 +138,8 @@ TEST_F(SharedLibraryTest, EntriesThatShareAnIDKeepTheirNewOne) {
     writeFile(workspace.metadataFile(), encodePresets(presets));
     QSet<QUuid> ids;
     for (int start = 0; start < 2; ++start) {
-        for (const StampPreset& preset : workspace.makeLibrary()->presets())
+        const auto library = workspace.makeLibrary();
+        for (const StampPreset& preset : library->presets())
             ids.insert(preset.id);
     }
     EXPECT_EQ(ids.size(), 6);
