@@ -48,7 +48,7 @@ DocumentSession::DocumentSession(DocumentProcesses& processes, std::shared_ptr<c
     : m_processes(processes), m_content(std::move(content)) {}
 
 std::optional<pid_t> DocumentSession::processID() const {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_turn);
     return m_helper ? std::optional(m_helper->pid()) : std::nullopt;
 }
 
@@ -102,20 +102,19 @@ DocumentStructure DocumentSession::start(WorkProgress* progress) {
 }
 
 DocumentStructure DocumentSession::open(WorkProgress* progress) {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_turn);
     DocumentStructure structure = attempt([&] { return start(progress); }, 0);
     m_pageCount = structure.pages.size();
     return structure;
 }
 
 /// Waits for what else is being done. Throws the `Error` of work that is cancelled before its turn comes.
-std::unique_lock<std::timed_mutex> DocumentSession::waitForTurn(const WorkProgress* progress) {
-    std::unique_lock lock(m_mutex, std::defer_lock);
-    while (!lock.try_lock_for(std::chrono::milliseconds(50))) {
+std::unique_lock<DocumentSession::Turn> DocumentSession::waitForTurn(const WorkProgress* progress) {
+    while (!m_turn.lockWithin(std::chrono::milliseconds(50))) {
         if (progress && progress->isCancelled())
             throw WorkProgress::cancelledError();
     }
-    return lock;
+    return std::unique_lock(m_turn, std::adopt_lock);
 }
 
 void DocumentSession::restart(WorkProgress* progress) {

@@ -8,6 +8,8 @@
 #include "pdf/PDFDataConsumer.h"
 #include "pdf/PDFPage.h"
 
+#include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -53,7 +55,35 @@ public:
     std::optional<pid_t> processID() const;
 
 private:
-    std::unique_lock<std::timed_mutex> waitForTurn(const WorkProgress* progress);
+    /// A mutex that can be waited for a while. (The thread sanitizer of GCC 12 does not see how
+    /// `std::timed_mutex` is locked.)
+    class Turn {
+    public:
+        void lock() {
+            std::unique_lock state(m_state);
+            m_freed.wait(state, [this] { return !m_isTaken; });
+            m_isTaken = true;
+        }
+        bool lockWithin(std::chrono::milliseconds duration) {
+            std::unique_lock state(m_state);
+            if (!m_freed.wait_for(state, duration, [this] { return !m_isTaken; }))
+                return false;
+            m_isTaken = true;
+            return true;
+        }
+        void unlock() {
+            const std::scoped_lock state(m_state);
+            m_isTaken = false;
+            m_freed.notify_one();
+        }
+
+    private:
+        std::mutex m_state;
+        std::condition_variable m_freed;
+        bool m_isTaken = false;
+    };
+
+    std::unique_lock<Turn> waitForTurn(const WorkProgress* progress);
     DocumentStructure start(WorkProgress* progress);
     void restart(WorkProgress* progress);
     void sendComposition(const Composition& composition);
@@ -65,7 +95,7 @@ private:
     DocumentProcesses& m_processes;
     std::shared_ptr<const FileSnapshot> m_content;
     size_t m_pageCount = 0;
-    mutable std::timed_mutex m_mutex;
+    mutable Turn m_turn;
     std::unique_ptr<DocumentHelper> m_helper;
 };
 
