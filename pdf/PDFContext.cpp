@@ -29,7 +29,7 @@ PDFContext::~PDFContext() = default;
 
 std::unique_ptr<PDFContext> PDFContext::create(PDFDataConsumer& consumer, const PDFDocument& document,
                                                WorkProgress* progress, Purpose purpose) {
-    auto contents = std::unique_ptr<Contents>(new Contents{consumer, document, {}, {}, {}});
+    auto contents = std::make_unique<Contents>(Contents{consumer, document, {}, {}, {}});
     contents->composition.isForView = purpose == Purpose::viewing;
     contents->composition.progress = progress;
     return std::unique_ptr<PDFContext>(new PDFContext(std::move(contents)));
@@ -63,6 +63,7 @@ void PDFContext::close() {
     if (!contents.pictures.empty()) {
         contents.composition.pictures = [&pictures = contents.pictures] {
             std::vector<EncodedPicture> encoded;
+            encoded.reserve(pictures.size());
             for (const auto& picture : pictures)
                 encoded.push_back(picture.get());
             return encoded;

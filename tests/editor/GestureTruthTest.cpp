@@ -9,6 +9,7 @@
 #include "tests/support/TestPdf.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -84,9 +85,10 @@ public:
 
 private:
     static std::string array(const Rect& box) {
-        char text[200];
-        std::snprintf(text, sizeof text, "[%f %f %f %f]", box.minX(), box.minY(), box.maxX(), box.maxY());
-        return text;
+        std::array<char, 200> text{};
+        std::snprintf(text.data(), text.size(), "[%f %f %f %f]", box.minX(), box.minY(), box.maxX(),
+                      box.maxY());
+        return text.data();
     }
     QUuid place(const Rect& rect, double aspect) {
         StampItem item = stampAt(rect);
@@ -245,7 +247,7 @@ Rect uprightShare(const Rect& rect, const Rect& cropBox, int turn) {
 Rect stampInFile(const std::string& content) {
     const size_t end = content.rfind(" cm");
     const size_t start = content.find_last_of("\nq", end);
-    double m[6] = {};
+    std::array<double, 6> m{};
     EXPECT_EQ(std::sscanf(content.substr(start + 1).c_str(), "%lf %lf %lf %lf %lf %lf", &m[0], &m[1], &m[2],
                           &m[3], &m[4], &m[5]),
               6)

@@ -92,6 +92,7 @@ protected:
     }
     void expectNothingLostByThree(const QString& faults) {
         std::vector<Program> programs;
+        programs.reserve(3);
         for (int i = 0; i < 3; ++i)
             programs.push_back(start(12, faults));
         for (const Program& program : programs)

@@ -127,7 +127,7 @@ TEST_F(HostilePicturesTest, HugeFilesOfTheProgramsOwnAreNotRead) {
 TEST_F(HostilePicturesTest, ANameOfFiftyMegabytesIsCutOff) {
     QByteArray metadata = readFile(workspace.metadataFile());
     metadata.replace("\"Erledigt\"", '"' + QByteArray(50 << 20, 'x') + '"');
-    metadata.replace("\"builtinKey\": \"erledigt\",", "");
+    metadata.replace(R"("builtinKey": "erledigt",)", "");
     writeFile(workspace.metadataFile(), metadata);
     const auto next = workspace.makeLibrary();
     EXPECT_EQ(next->presets().size(), 6) << "it belongs to nobody now, so the built-in one is made anew";

@@ -143,7 +143,7 @@ TEST_F(BuiltinsOfTodayTest, AKeyOnAPictureOfTheUsersDoesNotHaveItDrawnOver) {
         mine = library->importPreset(workspace.url(QStringLiteral("mein.png")));
     }
     QByteArray metadata = readFile(workspace.metadataFile());
-    const QByteArray fileName = "\"fileName\": \"" + mine.fileName.toUtf8() + "\"";
+    const QByteArray fileName = R"("fileName": ")" + mine.fileName.toUtf8() + "\"";
     metadata.replace(fileName, fileName + ",\n\"builtinKey\": \"geprueft\"");
     writeFile(workspace.metadataFile(), metadata);
     const QByteArray picture = readFile(workspace.stampsFolder() + QLatin1Char('/') + mine.fileName);

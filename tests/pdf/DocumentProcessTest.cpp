@@ -160,10 +160,11 @@ TEST_F(DocumentProcessTest, HasAsMuchMemoryAsTheSourceAndALimitMore) {
 #endif
 
 class LyingProcessTest : public testing::TestWithParam<const char*> {
-protected:
+public:
     LyingProcessTest() { qputenv("VELLMORA_LIE", GetParam()); }
     ~LyingProcessTest() override { qunsetenv("VELLMORA_LIE"); }
 
+protected:
     static DocumentLimits limits() {
         DocumentLimits limits = shortLimits();
         limits.start = 500ms;
