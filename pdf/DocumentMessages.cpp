@@ -1,9 +1,10 @@
 #include "pdf/DocumentMessages.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <sys/socket.h>
+#include "base/DescriptorPacket.h"
+
+#include <array>
+#include <span>
+#include <utility>
 
 #include <QDataStream>
 #include <QIODevice>
@@ -11,23 +12,6 @@
 namespace vellmora {
 
 namespace {
-
-/// A request and its descriptors laid out as the system sends and receives them. Points into itself.
-struct Packet {
-    Packet() {
-        header.msg_iov = &part;
-        header.msg_iovlen = 1;
-        header.msg_control = control.data();
-        header.msg_controllen = control.size();
-    }
-    Packet(const Packet&) = delete;
-    Packet& operator=(const Packet&) = delete;
-
-    DocumentRequest request{};
-    iovec part{&request, sizeof request};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(2 * sizeof(int))> control{};
-    msghdr header{};
-};
 
 void put(QDataStream& stream, const EncodedSamples& samples) {
     stream << samples.width << samples.height << static_cast<qint32>(samples.colors)
@@ -51,33 +35,20 @@ EncodedSamples take(QDataStream& stream) {
 }  // namespace
 
 bool sendDocumentRequest(int socket, const DocumentRequest& request, int memory, int file) {
-    const std::array<int, 2> descriptors{memory, file};
-    const size_t length = (file < 0 ? 1 : 2) * sizeof(int);
-    Packet packet;
-    packet.request = request;
-    cmsghdr* rights = CMSG_FIRSTHDR(&packet.header);
-    rights->cmsg_level = SOL_SOCKET;
-    rights->cmsg_type = SCM_RIGHTS;
-    rights->cmsg_len = CMSG_LEN(length);
-    packet.header.msg_controllen = CMSG_SPACE(length);
-    std::memcpy(CMSG_DATA(rights), descriptors.data(), length);
-    return ::sendmsg(socket, &packet.header, MSG_NOSIGNAL | MSG_DONTWAIT) == sizeof request;
+    const std::array descriptors{memory, file};
+    return sendWithDescriptors(socket, std::as_bytes(std::span(&request, 1)),
+                               std::span(descriptors).first(file < 0 ? 1 : 2));
 }
 
 std::optional<ReceivedDocumentRequest> receiveDocumentRequest(int socket) {
-    Packet packet;
-    ssize_t length = 0;
-    do
-        length = ::recvmsg(socket, &packet.header, MSG_CMSG_CLOEXEC | MSG_WAITALL);
-    while (length < 0 && errno == EINTR);
-    const cmsghdr* rights = CMSG_FIRSTHDR(&packet.header);
-    if (length != sizeof packet.request || !rights || rights->cmsg_type != SCM_RIGHTS)
+    ReceivedDocumentRequest received;
+    auto descriptors =
+        receiveWithDescriptors(socket, std::as_writable_bytes(std::span(&received.message, 1)));
+    if (!descriptors)
         return std::nullopt;
-    std::array<int, 2> descriptors{-1, -1};
-    std::memcpy(descriptors.data(), CMSG_DATA(rights),
-                std::min(sizeof descriptors, rights->cmsg_len - CMSG_LEN(0)));
-    return ReceivedDocumentRequest{packet.request, FileDescriptor(descriptors[0]),
-                                   FileDescriptor(descriptors[1])};
+    received.memory = std::move(descriptors->front());
+    received.file = std::move(descriptors->back());
+    return received;
 }
 
 QByteArray packedPictures(const std::vector<EncodedPicture>& pictures) {
