@@ -61,12 +61,8 @@ void PageComposer::Writer::attempt(const std::function<void()>& step) {
     }
 }
 
-/// Until the file is written: the bytes of streams are fetched last.
 void PageComposer::Writer::useSource(const ParsedFile& source) {
-    if (m_sources.count(&source) != 0)
-        return;
-    m_sources.emplace(&source, source.lock());
-    if (!source.isEncrypted())
+    if (m_sources.insert(&source).second && !source.isEncrypted())
         m_copier.addFile(source.catalog().getOwningQPDF(), source.content());
 }
 
@@ -177,7 +173,6 @@ void PageComposer::Writer::endPage() {
 }
 
 void PageComposer::Writer::write() {
-    const auto sources = std::move(m_sources);  // released at the end, however it comes
     m_appearances.finish();
     prepareStreams(m_output, m_copier.carriedStreams());
     for (PictureInWork& picture : m_pictures)
@@ -186,7 +181,7 @@ void PageComposer::Writer::write() {
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());
     // libqpdf takes what it cannot read, and want of memory, for damage and goes on.
-    for (const auto& [source, lock] : sources) {
+    for (const ParsedFile* source : m_sources) {
         source->content().requireReadable();
         source->bringBackObjects();
     }

@@ -11,7 +11,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -62,7 +61,7 @@ private:
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
     QPDFObjectHandle contentStream(const std::string& content);
 
-    std::map<const ParsedFile*, std::unique_lock<std::recursive_mutex>> m_sources;
+    std::set<const ParsedFile*> m_sources;
     PDFDataConsumer& m_consumer;
     QPDF m_output;
     ObjectCopier m_copier;

@@ -8,7 +8,6 @@
 #include "pdf/DocumentDamage.h"
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -25,7 +24,8 @@ struct ParsedPage {
     bool isLost = false;                ///< the tree names it, but the file does not have it: a blank page
 };
 
-/// The parsed file behind a document.
+/// The parsed file behind a document. For one thread: whatever reads objects changes what libqpdf keeps of
+/// the file.
 class ParsedFile {
 public:
     /// Nothing where the content is no PDF, or cannot be read. No exception leaves this function.
@@ -33,9 +33,6 @@ public:
 
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     const ParsedPage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
-    /// For drawing: whatever reads objects changes what libqpdf keeps of the file. Counts and boxes of
-    /// the pages are read without it.
-    std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(m_mutex); }
 
     /// The bytes as they are parsed: those that were opened, or a repaired copy.
     const SnapshotReader& content() const { return *m_content; }
@@ -44,7 +41,7 @@ public:
 
     /// Brings back the objects that libqpdf has given up since the document was opened; they are null
     /// without that, also those that were read before. True where there are any: what was drawn with them is
-    /// to be drawn again. To be called under the lock. Throws `std::bad_alloc` where libqpdf has given up
+    /// to be drawn again. Throws `std::bad_alloc` where libqpdf has given up
     /// anything for want of memory, which it takes for damage.
     bool bringBackObjects() const;
     QPDFObjectHandle catalog() const { return m_catalog; }
@@ -62,7 +59,6 @@ private:
     /// Whether libqpdf has met damage since it was asked last.
     bool hasMetDamage() const;
 
-    mutable std::recursive_mutex m_mutex;
     std::shared_ptr<const SnapshotReader> m_content;
     Damage m_reading;
     mutable std::unique_ptr<GivenUpObjects> m_givenUp;
