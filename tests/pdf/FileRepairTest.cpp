@@ -160,9 +160,6 @@ TEST(FileRepairTest, NeedsNoPasswordWhereOnlyAttachmentsAreEncrypted) {
 }
 
 TEST(FileRepairTest, SurvivesDeepFiles) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "takes the document's process minutes, in which there is one thread";
-#endif
     constexpr int depth = 60000;
     const auto nested = [](const std::string& open, const std::string& close) {
         std::string text;

@@ -67,7 +67,7 @@ TEST(PageGeometryTest, TinyAndHugePagesFit) {
     EXPECT_GT(PageGeometry::fittingScale({0, 0, 10, 10}, {4, 4}, 8), 0);
 }
 
-TEST(PagePicturesTest, KeepsThePageOnScreenAndItsNeighboursHoweverMuchTheyTake) {
+TEST(PageCacheTest, KeepsThePageOnScreenAndItsNeighboursHoweverMuchTheyTake) {
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
     PageCache pictures(renderer);
     pictures.setDocument(pages(4).document());

@@ -8,7 +8,7 @@ namespace vellmora::test {
 static DocumentLimits patientLimits() {
     using namespace std::chrono_literals;
     DocumentLimits limits;
-    limits.start = limits.silence = limits.view = 60s;
+    limits.start = limits.silence = limits.view = 300s;
     return limits;
 }
 
