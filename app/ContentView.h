@@ -2,6 +2,7 @@
 
 #include "base/FilePanels.h"
 #include "base/FileVersions.h"
+#include "base/SerialQueue.h"
 #include "library/StampItem.h"
 #include "library/StampLibrary.h"
 #include "pdf/PDFDocument.h"
@@ -107,6 +108,7 @@ private:
     DocumentProcesses& m_processes;
     WorkProgress* m_work = nullptr;  ///< of the work that is being done
     FileVersions m_versions;         ///< of the document's file
+    SerialQueue m_workQueue;
 };
 
 }  // namespace vellmora

@@ -30,11 +30,10 @@ ContentView::WorkScope::~WorkScope() {
     Q_EMIT m_content.didWork();
 }
 
-/// Where no thread is to be had, the task runs on this one.
 void ContentView::WorkScope::run(const std::function<void()>& task) {
     QEventLoop loop;
     bool isDone = false;
-    std::future<void> work = std::async(std::launch::async | std::launch::deferred, [&] {
+    std::future<void> work = m_content.m_workQueue.run([&] {
         const auto end = qScopeGuard([&] {
             QMetaObject::invokeMethod(
                 &loop,
@@ -46,18 +45,16 @@ void ContentView::WorkScope::run(const std::function<void()>& task) {
         });
         task();
     });
-    if (work.wait_for(0s) != std::future_status::deferred) {
-        QTimer::singleShot(untilCursor, &loop, [this] { Q_EMIT m_content.worksLong(); });
-        QTimer display;
-        QObject::connect(&display, &QTimer::timeout, [this, &display] {
-            display.setInterval(textInterval);
-            show();
-        });
-        display.start(untilText);
-        loop.exec();
-        if (!isDone)
-            endWithProgram(work);
-    }
+    QTimer::singleShot(untilCursor, &loop, [this] { Q_EMIT m_content.worksLong(); });
+    QTimer display;
+    QObject::connect(&display, &QTimer::timeout, [this, &display] {
+        display.setInterval(textInterval);
+        show();
+    });
+    display.start(untilText);
+    loop.exec();
+    if (!isDone)
+        endWithProgram(work);
     work.get();
 }
 

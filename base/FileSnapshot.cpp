@@ -4,15 +4,13 @@
 #include "base/FileError.h"
 #include "base/FileState.h"
 #include "base/Files.h"
+#include "base/SerialQueue.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
 #include <new>
-#include <sys/resource.h>
-#include <system_error>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -27,8 +25,6 @@ constexpr qint64 largeSize = 4 << 20;
 constexpr size_t pieceSize = size_t{256} << 10;
 /// So often a small file that changes is read again.
 constexpr int maxAttempts = 3;
-/// Of the thread that copies what nobody waits for; the first page is to be on the screen before.
-constexpr int lowestPriority = 19;
 /// In place of an error number.
 constexpr int changedMeanwhile = -1;
 
@@ -90,15 +86,16 @@ public:
         : m_file(std::move(file)),
           m_path(std::move(path)),
           m_target(target),
-          m_opened(FileState::of(m_file, m_path)),
-          m_thread([this](const std::stop_token& stop) { copyAll(stop); }) {}
+          m_opened(FileState::of(m_file, m_path)) {}
+    ~Copying() { m_isEnding = true; }
+    Copying(const Copying&) = delete;
+    Copying& operator=(const Copying&) = delete;
 
     const FileDescriptor& file() const { return m_file; }
     const QString& path() const { return m_path; }
 
     void readAhead() {
-        m_isNeeded = true;
-        m_isNeeded.notify_all();
+        m_queue.run([this] { copyAll(); });
     }
 
     void requireReadable() const {
@@ -120,13 +117,10 @@ public:
     }
 
 private:
-    void copyAll(const std::stop_token& stop) {
-        const std::stop_callback wakeUp(stop, [this] { readAhead(); });
-        m_isNeeded.wait(false);
-        ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), lowestPriority);
-        while (!stop.stop_requested() && copyNext()) {
+    void copyAll() {
+        while (!m_isEnding && copyNext()) {
         }
-        if (!stop.stop_requested() && m_error == 0)
+        if (!m_isEnding && m_error == 0)
             compareStates();
     }
 
@@ -167,9 +161,9 @@ private:
     std::mutex m_mutex;
     size_t m_copied = 0;
     std::atomic<int> m_error = 0;
-    std::atomic<bool> m_isNeeded = false;
+    std::atomic<bool> m_isEnding = false;
     std::once_flag m_compared;
-    std::jthread m_thread;
+    SerialQueue m_queue{SerialQueue::Priority::lowest};  ///< last: it ends first
 };
 
 /// Nothing where the file has changed meanwhile.
@@ -202,8 +196,6 @@ std::shared_ptr<const FileSnapshot> FileSnapshot::open(const QString& path) {
         }
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);
-    } catch (const std::system_error& error) {  // no thread is to be had
-        throw fileError(FileAction::read, path, error.code().value());
     }
     throw readingFailure(changedMeanwhile, path);
 }

@@ -1,15 +1,11 @@
 #include "pdf/DocumentProcesses.h"
 
-#include <future>
 #include <utility>
 
 namespace vellmora {
 
 DocumentProcesses::DocumentProcesses(QString program, const DocumentLimits& limits)
-    : m_program(std::move(program)), m_limits(limits) {
-    m_starter.setMaxThreadCount(1);
-    m_starter.setExpiryTimeout(-1);
-}
+    : m_program(std::move(program)), m_limits(limits) {}
 
 DocumentProcesses::~DocumentProcesses() = default;
 
@@ -18,7 +14,7 @@ QString DocumentProcesses::installedProgram() {
 }
 
 void DocumentProcesses::prepare() {
-    m_starter.start([this] { startSpare(); });
+    m_starter.run([this] { startSpare(); });
 }
 
 void DocumentProcesses::startSpare() {
@@ -27,12 +23,11 @@ void DocumentProcesses::startSpare() {
 }
 
 std::unique_ptr<HelperProcess> DocumentProcesses::take() {
-    std::promise<std::unique_ptr<HelperProcess>> process;
-    m_starter.start([&] {
+    const auto takeSpare = [this] {
         startSpare();
-        process.set_value(std::move(m_spare));
-    });
-    return process.get_future().get();
+        return std::move(m_spare);
+    };
+    return m_starter.run(takeSpare).get();
 }
 
 }  // namespace vellmora

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "base/HelperProcess.h"
+#include "base/SerialQueue.h"
 
 #include <chrono>
 #include <cstdint>
 #include <memory>
 
 #include <QString>
-#include <QThreadPool>
 
 namespace vellmora {
 
@@ -47,7 +47,7 @@ private:
     QString m_program;
     DocumentLimits m_limits;
     std::unique_ptr<HelperProcess> m_spare;  ///< known to the starter's thread only
-    QThreadPool m_starter;  ///< one thread that stays: processes end with the thread that started them
+    SerialQueue m_starter;  ///< its thread stays: processes end with the one that started them
 };
 
 }  // namespace vellmora

@@ -6,13 +6,8 @@
 
 namespace vellmora {
 
-PagePdfQueue::PagePdfQueue() {
-    m_thread.setMaxThreadCount(1);
-}
-
 PagePdfQueue::~PagePdfQueue() {
     endDrawing();
-    m_thread.waitForDone();
 }
 
 void PagePdfQueue::setDocument(const std::shared_ptr<const PDFDocument>& document) {
@@ -42,7 +37,7 @@ void PagePdfQueue::drawNext() {
         return;
     m_job = Job{m_document, m_waiting.back(), std::make_shared<WorkProgress>()};
     m_waiting.pop_back();
-    m_thread.start([this, job = *m_job] {
+    m_queue.run([this, job = *m_job] {
         const QByteArray drawing =
             job.document ? makePagePdf(*job.document, job.pageIndex, job.progress.get()) : QByteArray();
         QMetaObject::invokeMethod(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/SerialQueue.h"
 #include "base/WorkProgress.h"
 #include "pdf/PDFDocument.h"
 
@@ -9,7 +10,6 @@
 
 #include <QByteArray>
 #include <QObject>
-#include <QThreadPool>
 
 namespace vellmora {
 
@@ -19,7 +19,7 @@ class PagePdfQueue : public QObject {
     Q_OBJECT
 
 public:
-    PagePdfQueue();
+    PagePdfQueue() = default;
     /// Ends the drawing of a page, as far as it is not done.
     ~PagePdfQueue() override;
 
@@ -50,7 +50,7 @@ private:
     std::shared_ptr<const PDFDocument> m_document;
     std::vector<qsizetype> m_waiting;  ///< newest last
     std::optional<Job> m_job;
-    QThreadPool m_thread;
+    SerialQueue m_queue;  ///< last: it ends first
 };
 
 }  // namespace vellmora

@@ -6,11 +6,8 @@
 namespace vellmora {
 
 ThumbnailLoader::~ThumbnailLoader() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_waiting.clear();
-    }
-    m_thread.waitForDone();
+    const std::lock_guard lock(m_mutex);
+    m_waiting.clear();
 }
 
 void ThumbnailLoader::load(const Request& request) {
@@ -36,7 +33,7 @@ void ThumbnailLoader::prepare(const Request& request) {
 
 void ThumbnailLoader::ensureWork() {
     if (!std::exchange(m_isWorking, true))
-        m_thread.start([this] { work(); });
+        m_queue.run([this] { work(); });
 }
 
 std::optional<ThumbnailLoader::Request> ThumbnailLoader::takeNext() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Image.h"
+#include "base/SerialQueue.h"
 
 #include <mutex>
 #include <optional>
@@ -12,7 +13,6 @@
 #include <QPixmap>
 #include <QSet>
 #include <QSize>
-#include <QThreadPool>
 
 namespace vellmora {
 
@@ -54,7 +54,7 @@ private:
     QSet<QString> m_underWay;  ///< keys of the requests that are being loaded or delivered
     bool m_isWorking = false;
 
-    QThreadPool m_thread;
+    SerialQueue m_queue;  ///< last: it ends first
 };
 
 /// Pictures, scaled to the sizes at which they are shown. Each is decoded once for each version and size.
