@@ -35,16 +35,6 @@ Error readingFailure(int error, const QString& path) {
                  QStringLiteral("Die Datei wurde geändert, während sie gelesen wurde. Bitte erneut öffnen."));
 }
 
-bool holds(const FileDescriptor& file, const QString& path, std::string_view bytes) {
-    size_t compared = 0;
-    forEachPiece(file, path, [&](std::string_view piece, size_t offset) {
-        const bool isSame = bytes.substr(std::min(offset, bytes.size()), piece.size()) == piece;
-        compared += isSame ? piece.size() : 0;
-        return isSame;
-    });
-    return compared == bytes.size() && FileState::of(file, path).size == static_cast<off_t>(bytes.size());
-}
-
 /// Reads that much from an offset on. The error number; 0 for success.
 int readAt(const FileDescriptor& file, size_t offset, char* target, size_t length) {
     while (length > 0) {
@@ -54,7 +44,7 @@ int readAt(const FileDescriptor& file, size_t offset, char* target, size_t lengt
         if (count == 0)
             return changedMeanwhile;
         if (count < 0)
-            return errno == EFAULT ? ENOMEM : errno;  // the memory is there only when it is first written to
+            return errno;
         target += count;
         offset += static_cast<size_t>(count);
         length -= static_cast<size_t>(count);
@@ -82,7 +72,7 @@ void forEachPiece(const FileDescriptor& file, const QString& path,
 /// Copies a large file into the memory, from its beginning to its end.
 class FileSnapshot::Copying {
 public:
-    Copying(FileDescriptor file, QString path, const FileSnapshot& target)
+    Copying(FileDescriptor file, QString path, FileSnapshot& target)
         : m_file(std::move(file)),
           m_path(std::move(path)),
           m_target(target),
@@ -127,15 +117,23 @@ private:
     /// False where nothing is left, or nothing can be read any more.
     bool copyNext() {
         const std::scoped_lock lock(m_mutex);
-        const size_t length = std::min(pieceSize, m_target.m_size - m_copied);
+        SnapshotMemory& memory = m_target.m_memory;
+        const size_t length = std::min(pieceSize, memory.size() - memory.copied());
         if (length == 0 || m_error != 0)
             return false;
-        m_error = readAt(m_file, m_copied, m_target.bytes() + m_copied, length);
-        if (m_error != 0)
-            return false;
-        m_copied += length;
-        m_target.header().copied.store(m_copied, std::memory_order_release);
-        return true;
+        m_piece.resize(length);
+        m_error = readAt(m_file, memory.copied(), m_piece.data(), length);
+        if (m_error == 0)
+            append(memory);
+        return m_error == 0;
+    }
+
+    void append(SnapshotMemory& memory) {
+        try {
+            memory.append({m_piece.data(), m_piece.size()});
+        } catch (const std::bad_alloc&) {
+            m_error = ENOMEM;
+        }
     }
 
     /// Once all is copied, and once only: what changes later does not matter any more.
@@ -144,7 +142,7 @@ private:
             try {
                 // A file that only got another name or other permissions has not changed.
                 const bool isUntouched = !m_opened.isRecent && FileState::of(m_file, m_path) == m_opened;
-                if (!isUntouched && !holds(m_file, m_path, {m_target.bytes(), m_target.m_size}))
+                if (!isUntouched && !m_target.isContentOf(m_file, m_path))
                     m_error = changedMeanwhile;
             } catch (const Error& error) {
                 m_error = error.code();
@@ -156,10 +154,10 @@ private:
 
     FileDescriptor m_file;
     QString m_path;
-    const FileSnapshot& m_target;
+    FileSnapshot& m_target;
     FileState m_opened;
     std::mutex m_mutex;
-    size_t m_copied = 0;
+    std::vector<char> m_piece;
     std::atomic<int> m_error = 0;
     std::atomic<bool> m_isEnding = false;
     std::once_flag m_compared;
@@ -170,14 +168,15 @@ private:
 std::shared_ptr<const FileSnapshot> FileSnapshot::readSmall(const files::OpenedFile& opened,
                                                             const FileState& before, const QString& path) {
     const std::shared_ptr<FileSnapshot> content(new FileSnapshot(static_cast<size_t>(before.size)));
-    const int error = readAt(opened.file, 0, content->bytes(), content->m_size);
+    std::vector<char> bytes(content->size());
+    const int error = readAt(opened.file, 0, bytes.data(), bytes.size());
     if (error == changedMeanwhile)
         return nullptr;
     if (error != 0)
         throw readingFailure(error, path);
-    content->header().copied = content->m_size;
+    content->m_memory.append({bytes.data(), bytes.size()});
     const bool isUntouched = !before.isRecent && FileState::of(opened.file, path) == before;
-    return isUntouched || holds(opened.file, path, content->all()) ? content : nullptr;
+    return isUntouched || content->isContentOf(opened.file, path) ? content : nullptr;
 }
 
 std::shared_ptr<const FileSnapshot> FileSnapshot::open(const QString& path) {
@@ -200,32 +199,18 @@ std::shared_ptr<const FileSnapshot> FileSnapshot::open(const QString& path) {
     throw readingFailure(changedMeanwhile, path);
 }
 
-FileSnapshot::FileSnapshot(size_t size)
-    : m_memory(snapshotContentOffset + size, SharedMemory::Writers::maker), m_size(size) {
-    if (!m_memory.isValid())
-        throw std::bad_alloc();
-    new (m_memory.bytes()) SnapshotHeader{};
-}
+FileSnapshot::FileSnapshot(size_t size) : m_memory(size) {}
 
 FileSnapshot::FileSnapshot(const QByteArray& bytes) : FileSnapshot(static_cast<size_t>(bytes.size())) {
-    std::memcpy(this->bytes(), bytes.constData(), m_size);
-    header().copied = m_size;
+    m_memory.append({bytes.constData(), static_cast<size_t>(bytes.size())});
 }
 
 FileSnapshot::~FileSnapshot() = default;
 
-char* FileSnapshot::bytes() const {
-    return reinterpret_cast<char*>(m_memory.bytes()) + snapshotContentOffset;
-}
-
-SnapshotHeader& FileSnapshot::header() const {
-    return *reinterpret_cast<SnapshotHeader*>(m_memory.bytes());
-}
-
-std::string_view FileSnapshot::all() const {
-    if (m_copying)
+void FileSnapshot::read(size_t offset, char* target, size_t length) const {
+    if (m_copying && offset + length > m_memory.copied())
         m_copying->requireCopied();
-    return {bytes(), m_size};
+    m_memory.read(offset, target, length);
 }
 
 int FileSnapshot::file() const {
@@ -252,7 +237,26 @@ void FileSnapshot::requireWhole() const {
 }
 
 bool FileSnapshot::isHeldBy(const FileDescriptor& file, const QString& path) const {
-    return FileState::of(file, path).size == static_cast<off_t>(m_size) && holds(file, path, all());
+    if (FileState::of(file, path).size != static_cast<off_t>(size()))
+        return false;
+    if (m_copying)
+        m_copying->requireCopied();
+    return isContentOf(file, path);
+}
+
+bool FileSnapshot::isContentOf(const FileDescriptor& file, const QString& path) const {
+    std::vector<char> copy;
+    size_t compared = 0;
+    forEachPiece(file, path, [&](std::string_view piece, size_t offset) {
+        if (offset + piece.size() > size())
+            return false;
+        copy.resize(piece.size());
+        m_memory.read(offset, copy.data(), copy.size());
+        const bool isSame = std::string_view(copy.data(), copy.size()) == piece;
+        compared += isSame ? piece.size() : 0;
+        return isSame;
+    });
+    return compared == size() && FileState::of(file, path).size == static_cast<off_t>(size());
 }
 
 }  // namespace vellmora

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "base/Error.h"
-#include "base/SharedMemory.h"
+#include "base/SnapshotMemory.h"
 
-#include <atomic>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -20,17 +18,7 @@ namespace files {
 struct OpenedFile;
 }
 
-/// What lies at the beginning of a snapshot's memory, for those who read it from another process.
-struct SnapshotHeader {
-    /// So many bytes of the content are there, from its beginning on.
-    std::atomic<std::uint64_t> copied;
-};
-static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
-
-/// The content lies behind the header, from here on: whole pages can be mapped.
-inline constexpr size_t snapshotContentOffset = 1 << 12;
-
-/// The bytes of a file, in sealed memory that this program alone can write to. A small file is there at once,
+/// The bytes of a file, in memory that this program alone can write to. A small file is there at once,
 /// a large one is copied by a thread of its own from `readAhead()` on. Once it is copied, the file itself is
 /// not needed any more. A file that changed while it was copied is noticed: its bytes may be of two versions.
 ///
@@ -46,9 +34,10 @@ public:
     FileSnapshot(const FileSnapshot&) = delete;
     FileSnapshot& operator=(const FileSnapshot&) = delete;
 
-    size_t size() const { return m_size; }
-    /// Waits until all is copied; throws the `Error` of what cannot be read.
-    std::string_view all() const;
+    size_t size() const { return m_memory.size(); }
+    /// Copies a range of the content to `target`, which has room for it. Waits until it is there; throws the
+    /// `Error` of what cannot be read.
+    void read(size_t offset, char* target, size_t length) const;
 
     /// Begins to copy all that is left.
     void readAhead() const;
@@ -74,12 +63,9 @@ private:
     explicit FileSnapshot(size_t size);
     static std::shared_ptr<const FileSnapshot> readSmall(const files::OpenedFile& opened,
                                                          const FileState& before, const QString& path);
-    char* bytes() const;
-    SnapshotHeader& header() const;
+    bool isContentOf(const FileDescriptor& file, const QString& path) const;
 
-    /// Its bytes change while they are copied, which nobody can tell who waits for them.
-    mutable SharedMemory m_memory;
-    size_t m_size;
+    SnapshotMemory m_memory;
     std::unique_ptr<Copying> m_copying;  ///< none where all is there
 };
 

@@ -1,7 +1,7 @@
 #include "base/SnapshotReader.h"
 
 #include "base/FileError.h"
-#include "base/FileSnapshot.h"
+#include "base/SnapshotMemory.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -61,6 +61,7 @@ enum class DocumentReplyKind : std::uint32_t {
     lostPages,   ///< 64-bit indices of the next lost pages
     opened,      ///< `OpenedDocument`: the end of a successful answer to `open`
     data,        ///< the next bytes of the new file
+    source,      ///< `SourceRange`: they are the same as in the snapshot, which is whole
     incomplete,  ///< 64-bit indices of the next incomplete pages
     composed,    ///< the end of a successful answer to `compose`
     failed,      ///< `FailedRequest`: the end of another one
@@ -87,6 +88,11 @@ struct OpenedDocument {
     std::uint32_t isRepaired;
     std::uint32_t isCutOff;
     std::int64_t uncountedPages;
+};
+
+struct SourceRange {
+    std::uint64_t offset;
+    std::uint64_t length;
 };
 
 struct FailedRequest {

@@ -1,5 +1,6 @@
 #include "pdf/DocumentSession.h"
 
+#include "base/SharedMemory.h"
 #include "pdf/StructureReply.h"
 
 #include <algorithm>
@@ -36,11 +37,56 @@ void report(const DocumentHelper::Reply& reply, WorkProgress* progress) {
         progress->report(state.done, state.total);
 }
 
-/// The first bytes of a new file.
-void requirePdf(std::string_view bytes, bool isFirst) {
-    if (isFirst && bytes.substr(0, 5) != "%PDF-")
-        throw HelperLost(DocumentFailure::unsound);
-}
+/// So much of the source is handed on at a time: it stays in the processor's cache.
+constexpr size_t pieceOfSource = 256 << 10;
+
+/// Hands the bytes of a new file on, as long as they can be those of one.
+class Delivery {
+public:
+    /// `delivered` counts the bytes, of which there may be `most`.
+    Delivery(PDFDataConsumer& consumer, qint64& delivered, qint64 most)
+        : m_consumer(consumer), m_delivered(delivered), m_most(most) {}
+
+    void add(std::string_view bytes) {
+        if (m_delivered == 0)
+            requirePdf(bytes);
+        if (static_cast<qint64>(bytes.size()) > m_most - m_delivered)
+            throw HelperLost(DocumentFailure::tooLarge);
+        m_delivered += static_cast<qint64>(bytes.size());
+        m_consumer.write(bytes.data(), static_cast<qint64>(bytes.size()));
+    }
+
+    /// The same for a part of the snapshot, which is whole.
+    void add(const FileSnapshot& snapshot, SourceRange range, const WorkProgress* progress) {
+        if (range.offset > snapshot.size() || range.length > snapshot.size() - range.offset)
+            throw HelperLost(DocumentFailure::unsound);
+        while (range.length > 0) {
+            if (progress && progress->isCancelled())
+                throw WorkProgress::cancelledError();
+            m_piece.resize(std::min<size_t>(range.length, pieceOfSource));
+            snapshot.read(range.offset, m_piece.data(), m_piece.size());
+            add({m_piece.data(), m_piece.size()});
+            range.offset += m_piece.size();
+            range.length -= m_piece.size();
+        }
+    }
+
+    void requireBegun() const {
+        if (m_delivered == 0)
+            requirePdf({});
+    }
+
+private:
+    static void requirePdf(std::string_view start) {
+        if (start.substr(0, 5) != "%PDF-")
+            throw HelperLost(DocumentFailure::unsound);
+    }
+
+    PDFDataConsumer& m_consumer;
+    qint64& m_delivered;
+    qint64 m_most;
+    std::vector<char> m_piece;
+};
 
 }  // namespace
 
@@ -145,6 +191,7 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDa
     if (composition.isForView)
         patience.end = DocumentHelper::Clock::now() + limits.view;
     IndexList incomplete(composition.pageCount);
+    Delivery delivery(consumer, delivered, most);
     for (;;) {
         const DocumentHelper::Reply reply = m_helper->receive(patience, composition.progress);
         switch (reply.kind) {
@@ -152,17 +199,19 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDa
                 report(reply, composition.progress);
                 break;
             case Kind::data:
-                requirePdf(reply.content, delivered == 0);
-                delivered += static_cast<qint64>(reply.content.size());
-                if (delivered > most)
-                    throw HelperLost(DocumentFailure::tooLarge);
-                consumer.write(reply.content.data(), static_cast<qint64>(reply.content.size()));
+                delivery.add(reply.content);
+                break;
+            case Kind::source:
+                // The snapshot of what is only looked at need not be whole.
+                if (composition.isForView)
+                    throw HelperLost(DocumentFailure::unsound);
+                delivery.add(*m_content, reply.as<SourceRange>(), composition.progress);
                 break;
             case Kind::incomplete:
                 incomplete.add(reply);
                 break;
             case Kind::composed:
-                requirePdf({}, delivered == 0);
+                delivery.requireBegun();
                 return incomplete.indices();
             case Kind::failed:
                 fail(reply.as<FailedRequest>());

@@ -172,6 +172,7 @@ void DocumentServer::sendPages() {
 void DocumentServer::compose(const ReceivedDocumentRequest& request) {
     if (request.message.isWhole != 0 && !m_content->agreesWithSnapshot())
         return m_replies.fail(DocumentFailure::changed);
+    m_replies.setShared(request.message.isWhole != 0 ? m_content->all() : std::string_view());
     const Mapping commands(request.memory, request.message.size);
     Composing(*m_document, m_replies, m_socket)
         .run(static_cast<const ComposeCommand*>(commands.bytes()),

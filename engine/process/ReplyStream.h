@@ -32,6 +32,8 @@ public:
     /// The process is at work. To be called often; says so now and then.
     void keepAlive();
 
+    /// Memory of which the program has a copy. What is written from it is not sent, but told by its place.
+    void setShared(std::string_view memory) { m_shared = memory; }
     /// Bytes of the new file.
     void write(const char* bytes, qint64 count) override;
     void finish() override {}
@@ -39,6 +41,9 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    bool isShared(const char* bytes, qint64 count) const;
+
+    std::string_view m_shared;
     DocumentProgress m_progress{0, 0};
     Clock::time_point m_lastSent = Clock::now();
 };

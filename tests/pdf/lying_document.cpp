@@ -97,7 +97,7 @@ void openAs(const std::string& lie) {
     sayValue(Kind::opened, OpenedDocument{0, 0, lie == "fewer than none" ? -1 : 0});
 }
 
-void composeAs(const std::string& lie) {
+void composeAs(const std::string& lie, std::uint64_t sourceSize) {
     if (lie == "silent while writing")
         sayNothing();
     if (lie == "endless data")
@@ -107,6 +107,16 @@ void composeAs(const std::string& lie) {
     if (lie == "no pdf")
         say(Kind::data, "#!/bin/sh", 9);
     say(Kind::data, "%PDF-1.7", 8);
+    if (lie == "source beyond its end")
+        sayValue(Kind::source, SourceRange{1, sourceSize});
+    if (lie == "source far beyond its end")
+        sayValue(Kind::source, SourceRange{~std::uint64_t{0}, 2});
+    if (lie == "half a place in the source")
+        say(Kind::source, "1234", 4);
+    if (lie == "endless source") {
+        for (;;)
+            sayValue(Kind::source, SourceRange{0, sourceSize});
+    }
     if (lie == "incomplete page that is not there")
         sayIndices(Kind::incomplete, {1});
     if (lie == "ends while writing")
@@ -124,13 +134,16 @@ int main() {
     if (lie == "never ready")
         sayNothing();
     say(lie == "not ready" ? Kind::opened : Kind::ready);
+    std::uint64_t sourceSize = 0;
     while (const auto request = receiveDocumentRequest(helperSocket)) {
         if (lie == "silent")
             sayNothing();
-        if (request->message.kind == DocumentRequestKind::open)
+        if (request->message.kind == DocumentRequestKind::open) {
+            sourceSize = request->message.size;
             openAs(lie);
-        else if (request->message.kind == DocumentRequestKind::compose)
-            composeAs(lie);
+        } else if (request->message.kind == DocumentRequestKind::compose) {
+            composeAs(lie, sourceSize);
+        }
     }
     return 0;
 }
