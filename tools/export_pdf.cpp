@@ -15,7 +15,6 @@
 #include <chrono>
 #include <cstdio>
 #include <optional>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
@@ -115,12 +114,6 @@ StampsByPage placeStamps(const Arguments& arguments, qsizetype pageCount) {
     return stamps;
 }
 
-long peakResidentKilobytes() {
-    struct rusage usage {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
-
 std::shared_ptr<const PDFDocument> open(const QUrl& url, DocumentProcesses& processes) {
     try {
         return PDFDocument::open(url, processes);
@@ -150,11 +143,9 @@ int run(const Arguments& arguments) {
         timer.restart();
         const QString missing = PDFExporter::save(*document, stamps, out);
         const double exportTime = milliseconds(timer);
-        std::printf(
-            R"({"open_ms": %.2f, "export_ms": %.2f, "sync_ms": %.2f, "pages": %lld, "peak_rss_kb": %ld})"
-            "\n",
-            openTime, exportTime, syncTime, static_cast<long long>(document->pageCount()),
-            peakResidentKilobytes());
+        std::printf(R"({"open_ms": %.2f, "export_ms": %.2f, "sync_ms": %.2f, "pages": %lld})"
+                    "\n",
+                    openTime, exportTime, syncTime, static_cast<long long>(document->pageCount()));
         if (!missing.isEmpty())
             std::fprintf(stderr, "%s\n", qPrintable(missing));
         std::fflush(stdout);  // whoever waits for the file need not wait for the end of the process

@@ -32,6 +32,14 @@ def peer_commands(inputs, source, target):
     return {name: command for name, command in commands.items() if is_there[name]}
 
 
+def memory_of(pid):
+    """Bytes of the process and those that it started, without the source, which they share."""
+    parts = Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()
+    kilobytes = sum(int(line.split()[1]) for line in parts if line.startswith(("Pss_Anon:", "Pss_File:")))
+    children = Path(f"/proc/{pid}/task").glob("*/children")
+    return kilobytes * 1024 + sum(memory_of(child) for task in children for child in task.read_text().split())
+
+
 class SaveRows:
     def __init__(self, programs, inputs, rounds):
         self.programs = programs
@@ -57,15 +65,27 @@ class SaveRows:
 
     def ours(self, source):
         """Time from the start of the process until the file is there (the program does not end with a save), without
-        that of the final sync, which no other program does; that of the sync; peak memory; and the file's size."""
+        that of the final sync, which no other program does; that of the sync; and the file's size."""
         self.make_room()
         started = time.perf_counter()
         process = self.start(source)
         told = json.loads(process.stdout.readline())
         elapsed = (time.perf_counter() - started) * 1000
         process.communicate()
-        return elapsed - told["sync_ms"], told["sync_ms"], told["peak_rss_kb"] * 1024 / MEGABYTE, \
-            self.target.stat().st_size / MEGABYTE
+        return elapsed - told["sync_ms"], told["sync_ms"], self.target.stat().st_size / MEGABYTE
+
+    def peak_memory(self, source):
+        """Of the program and its helpers, with the one copy of the source that they share. In a run of its own, since
+        looking takes time."""
+        peak = 0
+        process = self.start(source)
+        while process.poll() is None:
+            try:
+                peak = max(peak, memory_of(process.pid))
+            except OSError:
+                pass  # one of them has just ended
+        process.communicate()
+        return (peak + source.stat().st_size) / MEGABYTE
 
     def of_an_open_document(self, source):
         """The part of that which the program's user waits for, who opened the document earlier."""
@@ -81,7 +101,8 @@ class SaveRows:
         for peer, command in peer_commands(self.inputs, source, self.target).items():
             candidates[peer] = lambda command=command: self.timed(command)
         times = in_turn(candidates, self.rounds)
-        elapsed, sync, memory, size = map(list, zip(*times.pop("ours")))
+        elapsed, sync, size = map(list, zip(*times.pop("ours")))
+        memory = [self.peak_memory(source) for _ in range(self.rounds)]
         copying = times.pop("cp")
         of_an_open_document = times.pop("open")
         source_size = source.stat().st_size / MEGABYTE
