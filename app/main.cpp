@@ -25,9 +25,9 @@ int main(int argc, char** argv) {
     ContentWindow window(std::move(content), renderer, Theme(fonts));
     window.window().fitInto(window.window().screen()->availableSize());
     const FirstPaint firstPaint(window.window());
-    QObject::connect(&firstPaint, &FirstPaint::painted, &renderer, &ProcessRenderer::prepare);
-    QObject::connect(&firstPaint, &FirstPaint::painted, [&] { processes.prepare(); });
-    QObject::connect(&firstPaint, &FirstPaint::painted, &window.content().stampLibrary(),
+    QObject::connect(&firstPaint, &FirstPaint::completed, &renderer, &ProcessRenderer::prepare);
+    QObject::connect(&firstPaint, &FirstPaint::completed, [&] { processes.prepare(); });
+    QObject::connect(&firstPaint, &FirstPaint::completed, &window.content().stampLibrary(),
                      &StampLibrary::redrawDueBuiltins);
     window.window().show();
     if (document) {

@@ -1,22 +1,28 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/MainWindow.h"
 
 namespace vellmora {
 
-/// Tells when a window was painted for the first time. Work that would delay that waits for the signal.
+/// Tells when a window is complete for the first time. Work that would delay that waits for the signal.
 class FirstPaint : public QObject {
     Q_OBJECT
 
 public:
-    explicit FirstPaint(QWidget& window);
+    explicit FirstPaint(MainWindow& window);
 
 Q_SIGNALS:
-    /// Once, on a turn of the event loop after the window was painted with all that is in it.
-    void painted();
+    /// Once, on a turn of the event loop after the window was painted with all that is in it and the
+    /// library's pictures in sight have come.
+    void completed();
 
 protected:
     bool eventFilter(QObject* window, QEvent* event) override;
+
+private:
+    void completeOnce();
+
+    Thumbnails& m_pictures;
 };
 
 }  // namespace vellmora

@@ -22,6 +22,8 @@ public:
     void setFigures(const WorkspaceFigures& figures);
     void setLibrary(const LibraryContent& library);
 
+    Thumbnails& thumbnails() { return *m_thumbnails; }
+
 protected:
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -31,6 +31,11 @@ void ThumbnailLoader::prepare(const Request& request) {
     ensureWork();
 }
 
+bool ThumbnailLoader::isAtWork() {
+    const std::lock_guard lock(m_mutex);
+    return !m_waiting.empty() || !m_underWay.isEmpty();
+}
+
 void ThumbnailLoader::ensureWork() {
     if (!std::exchange(m_isWorking, true))
         m_queue.run([this] { work(); });
@@ -110,6 +115,8 @@ void Thumbnails::take(const ThumbnailLoader::Request& request, const QImage& pic
         m_thumbnails.insert(request.key, new Thumbnail{State::ready, QPixmap::fromImage(picture)}, kilobytes);
     }
     Q_EMIT changed(request.source.version);
+    if (!isLoading())
+        Q_EMIT settled();
 }
 
 }  // namespace vellmora

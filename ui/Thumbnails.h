@@ -35,6 +35,8 @@ public:
     void load(const Request& request);
     /// For a picture that is not needed yet. It is loaded after all those that `load` asked for.
     void prepare(const Request& request);
+    /// A request waits, or its picture is on its way.
+    bool isAtWork();
 
 Q_SIGNALS:
     /// Emitted on the main thread. The picture is null where its file is missing or cannot be decoded.
@@ -83,8 +85,12 @@ public:
         return m_missing.contains(source.version);
     }
 
+    bool isLoading() { return m_loader.isAtWork(); }
+
 Q_SIGNALS:
     void changed(const QString& version);
+    /// All pictures that were asked for have come, or never will.
+    void settled();
 
 private:
     void take(const ThumbnailLoader::Request& request, const QImage& picture);

@@ -250,15 +250,23 @@ TEST(ThemeTest, EveryTextCanBeReadInLightAndDark) {
     EXPECT_NEAR(Theme::contrast(Qt::white, Qt::black), 21, 0.01);
 }
 
-TEST_F(WindowLayoutTest, TellsOnceThatTheWindowWasPainted) {
-    MainWindow fresh({}, Theme(SystemFonts::load()));
-    FirstPaint firstPaint(fresh);
-    QSignalSpy painted(&firstPaint, &FirstPaint::painted);
-    QTest::qWait(0);
-    EXPECT_EQ(painted.size(), 0);
-    fresh.show();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return painted.size() == 1; }));
-    fresh.update();
-    QTest::qWait(50);
-    EXPECT_EQ(painted.size(), 1);
+TEST_F(WindowLayoutTest, TellsOnceThatTheWindowIsComplete) {
+    for (const bool hasPictures : {false, true}) {
+        MainWindow fresh(callbacks(), Theme(SystemFonts::load()));
+        FirstPaint firstPaint(fresh);
+        QSignalSpy completed(&firstPaint, &FirstPaint::completed);
+        if (hasPictures) {
+            StampPreset preset;
+            fresh.sidebar().setLibrary({{preset}, {}, preset, preset.id});
+        }
+        QTest::qWait(0);
+        EXPECT_EQ(completed.size(), 0);
+        fresh.show();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return completed.size() == 1; }));
+        EXPECT_EQ(decodes > 0, hasPictures);
+        EXPECT_FALSE(fresh.sidebar().thumbnails().isLoading());
+        fresh.update();
+        QTest::qWait(50);
+        EXPECT_EQ(completed.size(), 1);
+    }
 }
