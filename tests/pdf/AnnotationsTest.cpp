@@ -28,6 +28,8 @@ public:
     bool isSeen() { return m_output.drawn("/A0").isStream(); }
     std::string content() { return isSeen() ? m_output.contentOf("/A0") : std::string(); }
     QPDFObjectHandle dictionary() { return m_output.drawn("/A0").getDict(); }
+    /// Of a drawing that is blended with the page as one.
+    QPDFObjectHandle group() { return dictionary().getKey("/Resources").getKey("/XObject").getKey("/D0"); }
     std::string pageContent() { return m_output.pageContent(); }
     QPDFObjectHandle page() { return m_output.page(); }
 
@@ -90,7 +92,7 @@ TEST(AnnotationsTest, PaintsAnAnnotationOfALayerOnThatLayer) {
 TEST(AnnotationsTest, DrawsMarkedTextThatBringsNoAppearance) {
     const std::string quad = " /Rect [0 0 100 20] /QuadPoints [10 20 90 20 10 5 90 5] /C [1 1 0]";
     Drawn highlight("/Subtype /Highlight" + quad + " /CA 0.5");
-    EXPECT_THAT(highlight.content(), HasSubstr("1 1 0 rg"));
+    EXPECT_THAT(text(highlight.group().getStreamData()), HasSubstr("1 1 0 rg"));
     QPDFObjectHandle state = highlight.dictionary().getKey("/Resources").getKey("/ExtGState").getKey("/G0");
     EXPECT_TRUE(state.getKey("/BM").isNameAndEquals("/Multiply")) << "the text under it stays black";
     EXPECT_EQ(state.getKey("/ca").getNumericValue(), 0.5);
@@ -121,6 +123,15 @@ TEST(AnnotationsTest, DrawsShapesThatBringNoAppearance) {
     for (const char* odd : {"/Subtype /Line /L [1 2]", "/Subtype /Ink", "/Subtype /Circle /Rect [1 1 1]",
                             "/Subtype /Polygon /Vertices [(a)]", "/Subtype /Caret /Rect [0 0 9 9]"})
         EXPECT_THAT(Drawn(odd).content(), Not(HasSubstr("S"))) << odd;
+}
+
+TEST(AnnotationsTest, SeesThroughAShapeAsOneWhereItsLineLiesOnItsArea) {
+    Drawn drawn("/Subtype /Square /Rect [10 10 30 50] /C [1 0 0] /IC [0 1 0] /CA 0.5 /BS << /W 4 >>");
+    EXPECT_EQ(drawn.content(), "/G0 gs /D0 Do");
+    QPDFObjectHandle state = drawn.dictionary().getKey("/Resources").getKey("/ExtGState").getKey("/G0");
+    EXPECT_EQ(state.getKey("/ca").getNumericValue(), 0.5);
+    EXPECT_EQ(text(drawn.group().getStreamData()), "1 0 0 RG\n0 1 0 rg\n4 w\n12 12 16 36 re\nB\n");
+    EXPECT_TRUE(drawn.group().getDict().getKey("/Group").getKey("/S").isNameAndEquals("/Transparency"));
 }
 
 TEST(AnnotationsTest, DoesNotCoverThePageWithAShapeOfNoMeasurableSize) {
