@@ -131,6 +131,19 @@ TEST(FieldTextTest, WritesLettersThatTheFontDoesNotHaveWithOneOfItsOwn) {
     }
 }
 
+TEST(FieldTextTest, WritesAnEmptyBoxAndNoOtherLetterForOneThatNoFontHas) {
+    for (const QString& value :
+         {QStringLiteral("漢字"), QStringLiteral("ไทย"), QStringLiteral("हिन्दी"), QStringLiteral("한국어")}) {
+        SavedText saved(form(field(value)));
+        QPDFObjectHandle font = saved.font("/A0", "/Roboto-Regular");
+        const std::string glyphs =
+            text(font.getKey("/DescendantFonts").getArrayItem(0).getKey("/CIDToGIDMap").getStreamData());
+        EXPECT_EQ(saved.copied("/Roboto-Regular"), value) << "what is copied is the value";
+        for (const unsigned code : saved.codes())
+            EXPECT_EQ(glyphs.substr(size_t{2} * code, 2), std::string(2, '\0')) << value.toStdString();
+    }
+}
+
 TEST(FieldTextTest, WritesBoldLettersForABoldFont) {
     const QString polish = QStringLiteral("Łódź");
     const auto drawn = [&](const std::string& font, const QString& value) {
