@@ -71,9 +71,11 @@ FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
         m_style = style.getKey("/S").getName();
     if (isRaised())
         m_edge *= 2;
-    if (m_border.empty())
-        m_width = 0;
     const Rect& rect = widget.rect();
+    if (m_border.empty()) {
+        m_width = 0;
+        m_edge = std::min(m_edge, std::min(rect.width, rect.height) / 6);
+    }
     m_box = degrees % 180 == 0 ? Rect{0, 0, rect.width, rect.height} : Rect{0, 0, rect.height, rect.width};
     m_toPage = turnedInto(rect, degrees);
 }

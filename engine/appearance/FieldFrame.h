@@ -17,8 +17,8 @@ public:
     const Rect& box() const { return m_box; }
     /// Inside of the border that is drawn.
     Rect inner() const { return m_box.insetBy(m_width); }
-    /// Where a line of text is: at both sides as far from the border as that is wide, whether it is drawn or
-    /// not.
+    /// Where a line of text is: at both sides as far from the border as that is wide. A border without a
+    /// colour leaves the same room, but for very wide ones.
     Rect content() const;
     /// Where text of several lines is.
     Rect lines() const;

@@ -245,6 +245,9 @@ TEST(FieldTextTest, ReplacesAnAppearanceThatPlainlyShowsAnotherText) {
 TEST(FieldTextTest, BoundsWhatOddFilesAskFor) {
     const std::string comb = "/Q 99999999999 /Ff 16777216 /MaxLen 2000000000";
     EXPECT_THAT(SavedText(form(field(QStringLiteral("x"), comb))).content(), HasSubstr("(x) Tj"));
+    EXPECT_THAT(SavedText(form(field(QStringLiteral("x"), "/BS << /W 500 >>"))).content(),
+                HasSubstr("(x) Tj"))
+        << "a border without a colour takes no room from the text";
     const auto mark = [](const char* caption) {
         return SavedText(form(std::string("<< /Subtype /Widget /FT /Btn /Ff 32768 /AS /On /Rect [0 0 9 9] "
                                           "/F 4294967300 /MK << /CA ") +
