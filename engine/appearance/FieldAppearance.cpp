@@ -23,11 +23,15 @@ void drawFieldText(FormBuilder& drawing, const FormField& field, const FieldFram
     const TextStyle& style = tools.fonts.style(field.defaultAppearance());
     const std::string fontName = style.fontName.empty() ? "/Helv" : style.fontName;
     if (field.is("/Ch") && !field.hasFlag(comboFlag)) {
-        drawListBox(drawing, field, frame.content(), *tools.options.of(field), tools.fonts, fontName);
+        drawListBox(drawing, field, frame, *tools.options.of(field), tools.fonts, fontName);
         return;
     }
     TextBlock block{displayedText(field, tools), frame.content(), field.alignment()};
     block.isMultiline = field.is("/Tx") && field.hasFlag(multilineFlag);
+    if (block.isMultiline) {
+        block.box = frame.lines();
+        block.firstBaseline = 1.1;
+    }
     block.combCells = field.is("/Tx") ? combCells(field) : 0;
     if (block.combCells > 0)
         block.box = frame.inner();

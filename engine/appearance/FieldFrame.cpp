@@ -11,8 +11,6 @@ namespace vellmora {
 
 namespace {
 
-constexpr double padding = 2;  // in points
-
 QTransform turnedInto(const Rect& rect, int degrees) {
     switch (degrees) {
         case 90:
@@ -60,7 +58,7 @@ constexpr auto signsElsewhere = std::to_array<NamedSign>({{0x260E, '%'},
 }  // namespace
 
 FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
-    : m_dashes(widget.borderDashes()), m_width(widget.borderWidth()), m_isRound(isRound) {
+    : m_dashes(widget.borderDashes()), m_width(widget.borderWidth()), m_edge(m_width), m_isRound(isRound) {
     int degrees = 0;
     QPDFObjectHandle look = widget.entry("/MK");
     if (look.isDictionary()) {
@@ -71,16 +69,25 @@ FieldFrame::FieldFrame(const Annotation& widget, bool isRound)
     QPDFObjectHandle style = widget.entry("/BS");
     if (style.isDictionary() && style.getKey("/S").isName())
         m_style = style.getKey("/S").getName();
-    if (m_border.empty())
-        m_width = 0;
+    if (isRaised())
+        m_edge *= 2;
     const Rect& rect = widget.rect();
+    if (m_border.empty()) {
+        m_width = 0;
+        m_edge = std::min(m_edge, std::min(rect.width, rect.height) / 6);
+    }
     m_box = degrees % 180 == 0 ? Rect{0, 0, rect.width, rect.height} : Rect{0, 0, rect.height, rect.width};
     m_toPage = turnedInto(rect, degrees);
 }
 
 Rect FieldFrame::content() const {
-    const Rect inside = m_box.insetBy(isRaised() ? 2 * m_width : m_width);
-    return {inside.x + padding, inside.y, inside.width - 2 * padding, inside.height};
+    const double drawn = m_width > 0 ? m_edge : 0;
+    return {m_box.x + 2 * m_edge, m_box.y + drawn, m_box.width - 4 * m_edge, m_box.height - 2 * drawn};
+}
+
+Rect FieldFrame::lines() const {
+    const Rect line = content();
+    return {line.x, line.y, line.width, m_box.maxY() - 2 * m_edge - line.y};
 }
 
 void FieldFrame::draw(FormBuilder& drawing) const {

@@ -15,10 +15,15 @@ public:
     FieldFrame(const Annotation& widget, bool isRound);
 
     const Rect& box() const { return m_box; }
-    /// Inside the border.
+    /// Inside of the border that is drawn.
     Rect inner() const { return m_box.insetBy(m_width); }
-    /// Inside border and padding.
+    /// Where a line of text is: at both sides as far from the border as that is wide. A border without a
+    /// colour leaves the same room, but for very wide ones.
     Rect content() const;
+    /// Where text of several lines is.
+    Rect lines() const;
+    /// Where the bars of a list are.
+    Rect list() const { return m_box.insetBy(m_edge); }
     QTransform toPage() const { return m_toPage; }
     void draw(FormBuilder& drawing) const;
 
@@ -33,7 +38,8 @@ private:
     std::vector<double> m_border;
     std::vector<double> m_dashes;
     std::string m_style;
-    double m_width;
+    double m_width;  ///< of the border that is drawn
+    double m_edge;   ///< of the room that text leaves to a border
     bool m_isRound;
 };
 

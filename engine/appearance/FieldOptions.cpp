@@ -43,7 +43,6 @@ QSet<QString> chosenValues(const FormField& field) {
 
 namespace {
 
-constexpr double lineHeight = 1.15;  // in font sizes
 constexpr double defaultSize = 12;
 constexpr const char* chosenColor = "0.6 0.75686 0.8549 rg";
 
@@ -57,12 +56,14 @@ QString textOfLines(const FieldOptions& options, size_t from, size_t to) {
 
 }  // namespace
 
-void drawListBox(FormBuilder& drawing, const FormField& field, const Rect& box, const FieldOptions& options,
-                 FieldFonts& fonts, const std::string& fontName) {
+void drawListBox(FormBuilder& drawing, const FormField& field, const FieldFrame& frame,
+                 const FieldOptions& options, FieldFonts& fonts, const std::string& fontName) {
     TextStyle style = fonts.style(field.defaultAppearance());
     if (style.fontSize <= 0)
         style.fontSize = defaultSize;
     const double height = lineHeight * style.fontSize;
+    const Rect box = frame.list();
+    const Rect text = frame.content();
     const auto count = static_cast<double>(options.count());
     const double top = std::clamp(numberOr(field.attribute("/TI"), 0), 0.0, count);
     const auto first = static_cast<size_t>(top);
@@ -79,7 +80,7 @@ void drawListBox(FormBuilder& drawing, const FormField& field, const Rect& box, 
             drawing.rectangle(intersection(line, box));
             drawing.paintPath(true, false);
         }
-        drawText(drawing, {options.shown(i), line}, *writer, style);
+        drawText(drawing, {options.shown(i), {text.x, line.y, text.width, line.height}}, *writer, style);
         y -= height;
     }
 }

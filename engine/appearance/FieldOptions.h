@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/appearance/FieldFonts.h"
+#include "engine/appearance/FieldFrame.h"
 #include "engine/appearance/FormField.h"
 #include "engine/appearance/ObjectCache.h"
 
@@ -46,7 +47,7 @@ private:
 QSet<QString> chosenValues(const FormField& field);
 
 /// The options of a list box from its first visible one on, those chosen on a coloured bar.
-void drawListBox(FormBuilder& drawing, const FormField& field, const Rect& box, const FieldOptions& options,
-                 FieldFonts& fonts, const std::string& fontName);
+void drawListBox(FormBuilder& drawing, const FormField& field, const FieldFrame& frame,
+                 const FieldOptions& options, FieldFonts& fonts, const std::string& fontName);
 
 }  // namespace vellmora

@@ -57,12 +57,10 @@ void FormBuilder::setBlending(double opacity, const char* blendMode) {
     const std::string mode = std::string("/") + blendMode;
     if (opacity >= 1 && mode == "/Normal")
         return;
-    QPDFObjectHandle state = QPDFObjectHandle::newDictionary();
-    state.replaceKey("/CA", QPDFObjectHandle::newReal(opacity, 4));
-    state.replaceKey("/ca", QPDFObjectHandle::newReal(opacity, 4));
-    state.replaceKey("/BM", QPDFObjectHandle::newName(mode));
-    m_states.replaceKey("/G0", state);
-    m_content += "/G0 gs\n";
+    m_blending = QPDFObjectHandle::newDictionary();
+    m_blending.replaceKey("/CA", QPDFObjectHandle::newReal(opacity, 4));
+    m_blending.replaceKey("/ca", QPDFObjectHandle::newReal(opacity, 4));
+    m_blending.replaceKey("/BM", QPDFObjectHandle::newName(mode));
 }
 
 void FormBuilder::ellipse(const Rect& rect) {
@@ -99,19 +97,39 @@ void FormBuilder::addFont(const std::string& name, const QPDFObjectHandle& font)
     m_fonts.replaceKey(name, font);
 }
 
-QPDFObjectHandle FormBuilder::finish(const Rect& box, const QTransform& matrix) {
-    QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
-    resources.replaceKey("/Font", m_fonts);
-    resources.replaceKey("/ExtGState", m_states);
-    QPDFObjectHandle form = m_output.newStream(m_content);
+QPDFObjectHandle FormBuilder::form(const std::string& content, const Rect& box) {
+    QPDFObjectHandle form = m_output.newStream(content);
     QPDFObjectHandle dictionary = form.getDict();
     dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
     dictionary.replaceKey("/BBox", arrayOf(box));
-    if (!matrix.isIdentity())
-        dictionary.replaceKey("/Matrix", arrayOf(matrix));
-    dictionary.replaceKey("/Resources", resources);
+    dictionary.replaceKey("/Resources", QPDFObjectHandle::newDictionary());
     return form;
+}
+
+QPDFObjectHandle FormBuilder::finish(const Rect& box, const QTransform& matrix) {
+    QPDFObjectHandle drawing = form(m_content, box);
+    drawing.getDict().getKey("/Resources").replaceKey("/Font", m_fonts);
+    if (!m_blending.isNull())
+        drawing = blended(drawing, box);
+    if (!matrix.isIdentity())
+        drawing.getDict().replaceKey("/Matrix", arrayOf(matrix));
+    return drawing;
+}
+
+QPDFObjectHandle FormBuilder::blended(const QPDFObjectHandle& drawing, const Rect& box) {
+    QPDFObjectHandle group = QPDFObjectHandle::newDictionary();
+    group.replaceKey("/S", QPDFObjectHandle::newName("/Transparency"));
+    QPDFObjectHandle(drawing).getDict().replaceKey("/Group", group);
+    QPDFObjectHandle states = QPDFObjectHandle::newDictionary();
+    states.replaceKey("/G0", m_blending);
+    QPDFObjectHandle objects = QPDFObjectHandle::newDictionary();
+    objects.replaceKey("/D0", drawing);
+    QPDFObjectHandle whole = form("/G0 gs /D0 Do", box);
+    QPDFObjectHandle resources = whole.getDict().getKey("/Resources");
+    resources.replaceKey("/ExtGState", states);
+    resources.replaceKey("/XObject", objects);
+    return whole;
 }
 
 }  // namespace vellmora

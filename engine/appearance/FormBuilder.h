@@ -24,7 +24,7 @@ public:
     bool setStrokeColor(const std::vector<double>& components);
     /// Both in points; without dashes the line is solid.
     void setLine(double width, const std::vector<double>& dashes);
-    /// For all that follows, to be called once; 1 and "Normal" are left unsaid.
+    /// Of the drawing as a whole: where a line lies on an area, the two do not add up.
     void setBlending(double opacity, const char* blendMode);
 
     void moveTo(Point p) { add({p.x, p.y}, "m"); }
@@ -49,11 +49,14 @@ private:
     };
     bool setColor(const std::vector<double>& components, const ColorOperators& operators);
     void addNumbers(std::span<const double> numbers);
+    QPDFObjectHandle form(const std::string& content, const Rect& box);
+    /// A form that paints the drawing as one.
+    QPDFObjectHandle blended(const QPDFObjectHandle& drawing, const Rect& box);
 
     QPDF& m_output;
     std::string m_content;
     QPDFObjectHandle m_fonts = QPDFObjectHandle::newDictionary();
-    QPDFObjectHandle m_states = QPDFObjectHandle::newDictionary();
+    QPDFObjectHandle m_blending = QPDFObjectHandle::newNull();  ///< a graphics state; null for none
 };
 
 }  // namespace vellmora

@@ -11,9 +11,9 @@ namespace vellmora {
 
 namespace {
 
-constexpr double lineSpacing = 1.15;  // in font sizes
-constexpr double ascent = 0.8;        // of the first line, in font sizes
-constexpr double xHeightMiddle = 0.36;
+// In font sizes, as editors of forms place text in the appearances that they write.
+constexpr double middle = 0.371;  // above the baseline
+constexpr double descent = 0.2;
 constexpr double smallestSize = 4;
 constexpr double largestMultilineSize = 12;
 
@@ -58,14 +58,14 @@ void drawComb(const TextBlock& block, TextWriter& writer, double size) {
     for (int i = 0; i < count; ++i) {
         const double width = writer.width(letters[i]) / 1000;
         const double x = block.box.x + (first + i + 0.5) * cell - width * size / 2;
-        writer.show({letters[i], false}, {x, block.box.midY() - xHeightMiddle * size});
+        writer.show({letters[i], false}, {x, block.box.midY() - middle * size});
     }
 }
 
 double fittingMultilineSize(const TextBlock& block, const LineBreaks& breaks) {
     double size = largestMultilineSize;
     while (size > smallestSize &&
-           static_cast<double>(breaks.count(block.box.width / size)) * lineSpacing * size > block.box.height)
+           static_cast<double>(breaks.count(block.box.width / size)) * lineHeight * size > block.box.height)
         size -= 0.5;
     return size;
 }
@@ -85,12 +85,13 @@ double lineSize(const TextBlock& block, const TextWriter& writer, const TextStyl
 
 void drawLines(const TextBlock& block, TextWriter& writer, const LineBreaks& breaks, double size) {
     writer.begin(size);
-    double y = block.box.maxY() - ascent * size;
+    const double room = block.box.height - descent * size;
+    double y = block.box.maxY() - std::max(ascent * size, std::min(block.firstBaseline * size, room));
     for (const TextLine& line : breaks.lines(block.box.width / size)) {
         if (y + size < block.box.minY())  // below the box
             break;
         showLine(block, writer, line, y, size);
-        y -= lineSpacing * size;
+        y -= lineHeight * size;
     }
 }
 
@@ -101,8 +102,7 @@ void drawLine(const TextBlock& block, TextWriter& writer, const TextStyle& style
         drawComb(block, writer, size);
         return;
     }
-    showLine(block, writer, {block.text, block.text.isRightToLeft()}, block.box.midY() - xHeightMiddle * size,
-             size);
+    showLine(block, writer, {block.text, block.text.isRightToLeft()}, block.box.midY() - middle * size, size);
 }
 
 }  // namespace

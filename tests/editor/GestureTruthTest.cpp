@@ -355,9 +355,12 @@ TEST(GestureTruthTest, AnotherProgramShowsTheSavedStampWhereTheScreenDoes) {
                              visible.height() / point.height);
         const QRectF seen = redPoints(screen, inSight, frame.topLeft(), point);
         const QRectF inFile = redPoints(page, inSight, {}, {sharpness, sharpness});
-        ASSERT_EQ(seen.isEmpty(), inFile.isEmpty());
         const Rect place = scene.view().place();
-        if (seen.isEmpty() || place.width < 32 || place.height < 32)
+        const double shorterSide = std::min(place.width, place.height);
+        if (shorterSide >= 2) {  // less than a pixel of it can be too pale
+            ASSERT_EQ(seen.isEmpty(), inFile.isEmpty());
+        }
+        if (seen.isEmpty() || shorterSide < 32)
             continue;  // of a small one too much lies beneath border and handle
         // Half a point, or where the screen shows less, a pixel of it; and one to which the other program
         // rounds.

@@ -28,6 +28,8 @@ public:
     bool isSeen() { return m_output.drawn("/A0").isStream(); }
     std::string content() { return isSeen() ? m_output.contentOf("/A0") : std::string(); }
     QPDFObjectHandle dictionary() { return m_output.drawn("/A0").getDict(); }
+    /// Of a drawing that is blended with the page as one.
+    QPDFObjectHandle group() { return dictionary().getKey("/Resources").getKey("/XObject").getKey("/D0"); }
     std::string pageContent() { return m_output.pageContent(); }
     QPDFObjectHandle page() { return m_output.page(); }
 
@@ -90,7 +92,7 @@ TEST(AnnotationsTest, PaintsAnAnnotationOfALayerOnThatLayer) {
 TEST(AnnotationsTest, DrawsMarkedTextThatBringsNoAppearance) {
     const std::string quad = " /Rect [0 0 100 20] /QuadPoints [10 20 90 20 10 5 90 5] /C [1 1 0]";
     Drawn highlight("/Subtype /Highlight" + quad + " /CA 0.5");
-    EXPECT_THAT(highlight.content(), HasSubstr("1 1 0 rg"));
+    EXPECT_THAT(text(highlight.group().getStreamData()), HasSubstr("1 1 0 rg"));
     QPDFObjectHandle state = highlight.dictionary().getKey("/Resources").getKey("/ExtGState").getKey("/G0");
     EXPECT_TRUE(state.getKey("/BM").isNameAndEquals("/Multiply")) << "the text under it stays black";
     EXPECT_EQ(state.getKey("/ca").getNumericValue(), 0.5);
@@ -123,6 +125,15 @@ TEST(AnnotationsTest, DrawsShapesThatBringNoAppearance) {
         EXPECT_THAT(Drawn(odd).content(), Not(HasSubstr("S"))) << odd;
 }
 
+TEST(AnnotationsTest, SeesThroughAShapeAsOneWhereItsLineLiesOnItsArea) {
+    Drawn drawn("/Subtype /Square /Rect [10 10 30 50] /C [1 0 0] /IC [0 1 0] /CA 0.5 /BS << /W 4 >>");
+    EXPECT_EQ(drawn.content(), "/G0 gs /D0 Do");
+    QPDFObjectHandle state = drawn.dictionary().getKey("/Resources").getKey("/ExtGState").getKey("/G0");
+    EXPECT_EQ(state.getKey("/ca").getNumericValue(), 0.5);
+    EXPECT_EQ(text(drawn.group().getStreamData()), "1 0 0 RG\n0 1 0 rg\n4 w\n12 12 16 36 re\nB\n");
+    EXPECT_TRUE(drawn.group().getDict().getKey("/Group").getKey("/S").isNameAndEquals("/Transparency"));
+}
+
 TEST(AnnotationsTest, DoesNotCoverThePageWithAShapeOfNoMeasurableSize) {
     const std::string fill = "/Subtype /Square /C [1 0 0] /IC [1 0 0] /BS << /W 99999999999 >>";
     EXPECT_TRUE(Drawn(fill + " /Rect [0 0 9999999 9999999]").isSeen());
@@ -137,33 +148,45 @@ TEST(AnnotationsTest, WritesTextFieldsThatBringNoAppearance) {
     // Courier: 0.6 em a character.
     Drawn left(field("/FT /Tx /V (Ab\\344)"));
     EXPECT_THAT(left.content(), HasSubstr("1 0 0 rg\n/F 10 Tf"));
-    EXPECT_EQ(shownText(left.content()), "2 6.4 <4162e4>\n");
+    EXPECT_EQ(shownText(left.content()), "2 6.29 <4162e4>\n");
     EXPECT_EQ(
         left.dictionary().getKey("/Resources").getKey("/Font").getKey("/F").getKey("/BaseFont").getName(),
         "/Courier");
     EXPECT_EQ(left.dictionary().getKey("/Matrix").unparse(), "[ 1 0 0 1 100 100 ]");
-    EXPECT_EQ(shownText(Drawn(field("/FT /Tx /V (Ab) /Q 2")).content()), "86 6.4 (Ab)\n");
-    EXPECT_EQ(shownText(Drawn(field("/FT /Tx /V (Ab) /Ff 8192")).content()), "2 6.4 (**)\n") << "a password";
+    EXPECT_EQ(shownText(Drawn(field("/FT /Tx /V (Ab) /Q 2")).content()), "86 6.29 (Ab)\n");
+    EXPECT_EQ(shownText(Drawn(field("/FT /Tx /V (Ab) /Ff 8192")).content()), "2 6.29 (**)\n") << "a password";
     EXPECT_EQ(shownText(Drawn(field("/FT /Tx /V (Ab) /Ff 16777216 /MaxLen 4")).content()),
-              "9.5 6.4 (A)\n34.5 6.4 (b)\n")
+              "9.5 6.29 (A)\n34.5 6.29 (b)\n")
         << "in the middle of cells of 25 points";
     EXPECT_EQ(shownText(Drawn(field("/FT /Tx /V (One two three four five) /Ff 4096")).content()),
-              "2 12 (One two three)\n2 0.5 (four five)\n");
-    EXPECT_EQ(shownText(Drawn(field("/Parent << /FT /Tx /V (up) >>")).content()), "2 6.4 (up)\n");
+              "2 7 (One two three)\n2 -4.56 (four five)\n");
+    EXPECT_EQ(
+        shownText(Drawn("/Subtype /Widget /FT /Tx /V (low) /Ff 4096 /Rect [0 0 100 12]", "/DA (/F 10 Tf)")
+                      .content()),
+        "2 2 (low)\n")
+        << "no lower than the descenders allow";
+    EXPECT_EQ(shownText(Drawn(field("/Parent << /FT /Tx /V (up) >>")).content()), "2 6.29 (up)\n");
     EXPECT_EQ(
         shownText(Drawn("/Subtype /Widget /FT /Tx /V <FEFF20AC> /Rect [0 0 100 20]", "/DA (/Missing 10 Tf)")
                       .content()),
-        "2 6.4 <80>\n")
+        "2 6.29 <80>\n")
         << "the euro sign in the encoding of the font that stands in";
+    const auto framed = [](const std::string& border) {
+        return shownText(
+            Drawn(field("/FT /Tx /V (Ab) /MK << /BC [0] >> /BS << " + border + " >>")).content());
+    };
+    EXPECT_EQ(framed("/W 1"), "2 6.29 (Ab)\n") << "as far from a border as the border is wide";
+    EXPECT_EQ(framed("/W 3"), "6 6.29 (Ab)\n");
+    EXPECT_EQ(framed("/W 1 /S /I"), "4 6.29 (Ab)\n");
     EXPECT_FALSE(Drawn(field("/FT /Sig")).isSeen());
 }
 
 TEST(AnnotationsTest, DrawsChoicesAndButtonsThatBringNoAppearance) {
     const std::string options = "/FT /Ch /Opt [[(a) (Alpha)] [(b) (Beta)]] /V (b)";
-    EXPECT_EQ(shownText(Drawn(field(options + " /Ff 131072")).content()), "2 6.4 (Beta)\n");
+    EXPECT_EQ(shownText(Drawn(field(options + " /Ff 131072")).content()), "2 6.29 (Beta)\n");
     Drawn list(field(options));
     EXPECT_THAT(shownText(list.content()), testing::AllOf(HasSubstr("(Alpha)"), HasSubstr("(Beta)")));
-    EXPECT_THAT(list.content(), HasSubstr("rg\n2 0 96 8.5 re\nf")) << "a bar behind Beta";
+    EXPECT_THAT(list.content(), HasSubstr("rg\n1 1 98 6.44 re\nf")) << "a bar behind Beta";
     EXPECT_THAT(Drawn(field("/FT /Btn /AS /Yes")).content(), HasSubstr("(4) Tj"));
     EXPECT_THAT(Drawn(field("/FT /Btn /Ff 32768 /AS /Yes /MK << /BC [0] >>")).content(), HasSubstr("(l) Tj"));
     EXPECT_THAT(Drawn(field("/FT /Btn /AS /Off")).content(), Not(HasSubstr("Tj")));
@@ -182,7 +205,7 @@ TEST(AnnotationsTest, DrawsChoicesAndButtonsThatBringNoAppearance) {
                                               "/Contents (One") +
                                   lineBreak + "two)")
                                 .content()),
-                  "3 39 (One)\n3 27.5 (two)\n")
+                  "3 39 (One)\n3 27.44 (two)\n")
             << lineBreak;
     }
 }

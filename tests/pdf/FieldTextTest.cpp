@@ -131,6 +131,19 @@ TEST(FieldTextTest, WritesLettersThatTheFontDoesNotHaveWithOneOfItsOwn) {
     }
 }
 
+TEST(FieldTextTest, WritesAnEmptyBoxAndNoOtherLetterForOneThatNoFontHas) {
+    for (const QString& value :
+         {QStringLiteral("漢字"), QStringLiteral("ไทย"), QStringLiteral("हिन्दी"), QStringLiteral("한국어")}) {
+        SavedText saved(form(field(value)));
+        QPDFObjectHandle font = saved.font("/A0", "/Roboto-Regular");
+        const std::string glyphs =
+            text(font.getKey("/DescendantFonts").getArrayItem(0).getKey("/CIDToGIDMap").getStreamData());
+        EXPECT_EQ(saved.copied("/Roboto-Regular"), value) << "what is copied is the value";
+        for (const unsigned code : saved.codes())
+            EXPECT_EQ(glyphs.substr(size_t{2} * code, 2), std::string(2, '\0')) << value.toStdString();
+    }
+}
+
 TEST(FieldTextTest, WritesBoldLettersForABoldFont) {
     const QString polish = QStringLiteral("Łódź");
     const auto drawn = [&](const std::string& font, const QString& value) {
@@ -232,6 +245,9 @@ TEST(FieldTextTest, ReplacesAnAppearanceThatPlainlyShowsAnotherText) {
 TEST(FieldTextTest, BoundsWhatOddFilesAskFor) {
     const std::string comb = "/Q 99999999999 /Ff 16777216 /MaxLen 2000000000";
     EXPECT_THAT(SavedText(form(field(QStringLiteral("x"), comb))).content(), HasSubstr("(x) Tj"));
+    EXPECT_THAT(SavedText(form(field(QStringLiteral("x"), "/BS << /W 500 >>"))).content(),
+                HasSubstr("(x) Tj"))
+        << "a border without a colour takes no room from the text";
     const auto mark = [](const char* caption) {
         return SavedText(form(std::string("<< /Subtype /Widget /FT /Btn /Ff 32768 /AS /On /Rect [0 0 9 9] "
                                           "/F 4294967300 /MK << /CA ") +
