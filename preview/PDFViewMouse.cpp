@@ -76,6 +76,11 @@ void PDFView::endPanning() {
     updateCursor();
 }
 
+/// The mouse-up is lost where a dialog opens meanwhile. The mouse cannot come in while it drags the page.
+void PDFView::enterEvent(QEnterEvent*) {
+    endPanning();
+}
+
 void PDFView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !canScroll())
         return QWidget::mousePressEvent(event);
@@ -86,9 +91,6 @@ void PDFView::mousePressEvent(QMouseEvent* event) {
 void PDFView::mouseMoveEvent(QMouseEvent* event) {
     if (!m_panningMouse)
         return QWidget::mouseMoveEvent(event);
-    // The mouse-up is lost where a dialog opens meanwhile.
-    if (!event->buttons().testFlag(Qt::LeftButton))
-        return endPanning();
     const Point mouse = fromQt(event->position(), height());
     const Point before = *std::exchange(m_panningMouse, mouse);
     scrollBy(mouse.x - before.x, mouse.y - before.y);

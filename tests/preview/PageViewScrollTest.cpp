@@ -108,9 +108,11 @@ TEST_F(PageViewScrollTest, TheHandDragsAPageThatIsLargerThanTheView) {
     EXPECT_EQ(view.scrollOffset(), (Point{40, 30}));
 
     mouse(QEvent::MouseButtonPress, {300, 400});
-    mouse(QEvent::MouseMove, {200, 200}, Qt::NoButton);
-    EXPECT_EQ(view.scrollOffset(), (Point{40, 30})) << "the release was lost";
-    EXPECT_EQ(cursor(), Qt::OpenHandCursor);
+    QEnterEvent comesBack({200, 200}, {200, 200}, {200, 200});
+    QCoreApplication::sendEvent(&view, &comesBack);
+    EXPECT_EQ(cursor(), Qt::OpenHandCursor) << "the release was lost in a dialog";
+    mouse(QEvent::MouseMove, {210, 210});
+    EXPECT_EQ(view.scrollOffset(), (Point{40, 30}));
 }
 
 TEST_F(PageViewScrollTest, ShiftAndWheelScrollSidewaysAndTurnNoPage) {
