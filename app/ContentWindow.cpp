@@ -231,7 +231,7 @@ void ContentWindow::moveFocus() {
     if (next == Focus::selectedStamp && stamp)
         m_editor->focusStamp(*stamp, m_lastInput.focusReason());
     else
-        m_editor->setFocus(m_lastInput.focusReason());
+        m_editor->focusPage(m_lastInput.focusReason());
 }
 
 QString ContentWindow::nameOfStamp(const StampItem& stamp) const {

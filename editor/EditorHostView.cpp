@@ -38,7 +38,6 @@ EditorHostView::EditorHostView(PageRenderer& renderer, QWidget* parent)
 void EditorHostView::setup() {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
-    setFocusProxy(m_pdfView);
     m_pdfView->setAutoScales(true);
     m_pdfView->setBackgroundColor(Qt::black);
     connect(m_pdfView, &PDFView::pageChanged, this, &EditorHostView::pdfPageChanged);

@@ -42,6 +42,7 @@ public:
     void setSelectedStampID(const std::optional<QUuid>& id);
     /// Does nothing for a page that the document does not have, or that is on screen already.
     void displayPage(qsizetype index);
+    void focusPage(Qt::FocusReason reason) { m_pdfView->setFocus(reason); }
     /// Moves the focus to the stamp and scrolls it into sight, or to the page where the stamp is not on it.
     void focusStamp(const QUuid& id, Qt::FocusReason reason);
 

@@ -36,7 +36,7 @@ void EditorHostView::updateTabOrder(const QList<StampItem>& stamps) {
 void EditorHostView::focusStamp(const QUuid& id, Qt::FocusReason reason) {
     InteractiveStampView* view = stampView(id);
     if (!view)
-        return m_pdfView->setFocus(reason);
+        return focusPage(reason);
     view->setFocus(reason);
     m_pdfView->scrollIntoSight(view->place());
 }
@@ -44,7 +44,7 @@ void EditorHostView::focusStamp(const QUuid& id, Qt::FocusReason reason) {
 /// Without this, Qt would give the focus of a stamp that goes away to whatever control comes next.
 void EditorHostView::leaveStamp(const InteractiveStampView& view) {
     if (window()->focusWidget() == &view)
-        m_pdfView->setFocus(view.keyboardFocus().reason());
+        focusPage(view.keyboardFocus().reason());
 }
 
 void EditorHostView::enterStamp(const QUuid& id) {

@@ -37,7 +37,7 @@ protected:
         host.activateWindow();
         if (!QTest::qWaitForWindowActive(&host))
             qFatal("the window does not become active");
-        host.setFocus();
+        host.focusPage(Qt::OtherFocusReason);
     }
     void place(const QList<StampItem>& items) {
         stamps = {{0, items}};

@@ -79,11 +79,11 @@ class KeyboardJob:
         self.expect_page("Seite 2 von 2")
 
     def delete(self):
-        """A stamp from the library's grid, which the keyboard reaches as well; the arrows go from tile to tile."""
-        self.tab_to("EINGEGANGEN AM")
+        """A stamp from the sidebar, which the keyboard reaches as well."""
+        self.tab_to("Siegel")
         self.window.keys("Return")
-        self.window.expect("Stempel auf Seite 2 eingefügt: EINGEGANGEN AM")
-        self.expect_focus("Stempel EINGEGANGEN AM")
+        self.window.expect("Stempel auf Seite 2 eingefügt: Siegel")
+        self.expect_focus("Stempel Siegel")
         self.window.keys("Delete")
         self.window.expect("Ausgewählter Stempel gelöscht.")
         self.expect_focus(PAGE)
