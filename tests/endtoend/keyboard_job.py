@@ -112,6 +112,8 @@ class KeyboardJob:
         wait_for(lambda: self.window.has_state(field, FOCUSED), "the focus in the dialog")
         self.window.desktop.run("xdotool", "key", "ctrl+a", "type", "--delay", 15, path)
         wait_for(lambda: self.screen.text(field) == str(path), "the name in the dialog")
+        if path.exists():
+            wait_for(lambda: self.window.windows() == 3, "the list of completions")
         self.window.keys("Return")
 
     def focus(self):
