@@ -16,13 +16,15 @@ MOST_TABS = 60  # more than there are controls
 class KeyboardJob:
     def __init__(self, window):
         self.window = window
-        self.contract = window.folder / "Mietvertrag.pdf"
-        self.copy = window.folder / "Kopie.pdf"
-        self.seal = window.folder / "Siegel.png"
+        self.files = window.folder / "Vertrag"
+        self.contract = self.files / "Mietvertrag.pdf"
+        self.copy = self.files / "Kopie.pdf"
+        self.seal = self.files / "Siegel.png"
 
     def run(self):
         self.window.start_desktop()
         self.screen = self.window.screen
+        self.files.mkdir()
         self.window.write_sample(self.contract)
         self.window.desktop.run("convert", "-size", "80x40", "xc:red", self.seal)
         self.window.desktop.run("xdotool", "mousemove", 0, 0)
