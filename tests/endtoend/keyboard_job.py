@@ -7,6 +7,8 @@ Nothing is clicked, and the mouse lies where no part of the window is. Ends with
 """
 import re
 
+from gi.repository import GLib
+
 from window import FOCUSED, run_in_window, wait_for
 
 PAGE = "Seitenansicht"
@@ -98,8 +100,11 @@ class KeyboardJob:
         self.expect_focus("Stempel Siegel")
         self.window.keys("Escape")
         self.expect_focus(PAGE)
-        self.window.keys("Delete")
-        assert len(self.stamps()) == 1, "none is selected"
+        self.window.keys("Delete", "Tab")
+        self.expect_focus("Stempel Siegel")
+        assert len(self.stamps()) == 1, "none was selected"
+        self.window.keys("Escape")
+        self.expect_focus(PAGE)
 
     def save_as(self):
         self.answer_dialog("ctrl+shift+s", "PDF speichern unter", self.copy)
@@ -120,7 +125,16 @@ class KeyboardJob:
 
     def focus(self):
         """What has the focus; None while it is on its way."""
-        return next((node for node in self.screen.showing(self.frame) if self.window.has_state(node, FOCUSED)), None)
+        return self.first(lambda node: self.window.has_state(node, FOCUSED))
+
+    def page(self):
+        return self.first(lambda node: self.screen.property(node, "Name") == PAGE)
+
+    def first(self, is_wanted):
+        try:
+            return next(filter(is_wanted, self.screen.showing(self.frame)), None)
+        except GLib.Error:  # something went away while it was looked at
+            return None
 
     def focused_name(self):
         node = self.focus()
@@ -137,7 +151,7 @@ class KeyboardJob:
             wait_for(lambda: self.focused_name() not in (None, before), f"the focus to leave “{before}”")
             now = self.focused_name()
             assert now, "a focus without a name"
-            self.check_in_sight(self.focus())
+            self.check_in_sight(wait_for(self.focus, "a focus"))
             if now.startswith(name):
                 return
         raise AssertionError(f"Tab does not lead to “{name}”")
@@ -149,10 +163,8 @@ class KeyboardJob:
             (self.screen.property(node, "Name"), (x, y, width, height), (left, top, across, down))
 
     def expect_page(self, description):
-        wait_for(lambda: self.screen.property(self.page(), "Description") == description, description)
-
-    def page(self):
-        return next(node for node in self.screen.showing(self.frame) if self.screen.property(node, "Name") == PAGE)
+        page = wait_for(self.page, "the page")
+        wait_for(lambda: self.screen.property(page, "Description") == description, description)
 
     def stamps(self):
         is_stamp = lambda node: self.screen.property(node, "Name").startswith("Stempel ")
@@ -161,7 +173,7 @@ class KeyboardJob:
 
     def place(self):
         """Page, points from the left, points from below, width and height of the stamp that has the focus."""
-        description = self.screen.property(self.focus(), "Description")
+        description = self.screen.property(wait_for(self.focus, "a focus"), "Description")
         return [int(number) for number in re.findall(r"\d+", description)]
 
     def expect_place(self, *place):
