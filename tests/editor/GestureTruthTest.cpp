@@ -163,10 +163,7 @@ private:
         m_scene.refresh();
         const StampItem after = m_scene.stamp();
         EXPECT_EQ(m_scene.view().place(), m_scene.page().toView(after.rect));
-        if (isResize)
-            checkResized(before, after);
-        else
-            checkSize(before.rect, after.rect);
+        isResize ? checkResized(before, after) : checkSize(before.rect, after.rect);
         checkGrip(after.rect);
     }
 
