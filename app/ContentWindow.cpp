@@ -42,8 +42,10 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
     connect(m_content.get(), &ContentView::willWork, this, &ContentWindow::beginWork);
     connect(m_content.get(), &ContentView::worksLong, this, &ContentWindow::showWaitCursor);
     connect(m_content.get(), &ContentView::didWork, this, &ContentWindow::endWork);
+    m_observers.push_back(m_content->pdfDocument.addNotifier([this] { m_nextFocus = Focus::page; }));
     connect(m_content.get(), &ContentView::willPlaceStamp, this,
             [this](const QByteArray& imageData, const Image& image) {
+                m_nextFocus = Focus::selectedStamp;
                 if (m_editor)
                     m_editor->stampPictures().add(imageData, image);
             });
@@ -96,7 +98,11 @@ QList<ContentWindow::Command> ContentWindow::makeCommands() {
         [&] { content.addStampToCurrentPage(content.stampLibrary().selectedPreset()); },
         [&, hasDocument] { return hasDocument() && content.stampLibrary().selectedPreset().has_value(); });
     add(
-        QStringLiteral("Ausgewählten löschen"), {}, [&] { content.deleteSelectedStamp(); },
+        QStringLiteral("Ausgewählten löschen"), {},
+        [&, this] {
+            content.deleteSelectedStamp();
+            m_nextFocus = Focus::page;
+        },
         [&] { return content.selectedStampID.value().has_value(); });
     add(
         ContentView::actionLabel(SaveMode::overwriteOriginal), Qt::CTRL | Qt::Key_S,
@@ -186,22 +192,46 @@ void ContentWindow::refresh() {
     const bool hasDocument = m_content->pdfDocument.value() != nullptr;
     if (hasDocument && !m_editor)
         makeEditor();
+    m_window->editorArea().setData({hasDocument, m_content->isPDFDropTargeted});
+    if (m_editor)
+        m_bridge.updateView(*m_editor);
+    // Before the control that has the focus is disabled or goes away, and Qt moves it.
+    moveFocus();
     enableCommands();
     m_window->commandBar().setStatusText(m_content->statusText);
     m_window->commandBar().setProgress(m_content->workProgress);
     m_window->sidebar().setFigures(workspaceFigures());
     if (std::exchange(m_hasLibraryChanged, false))
         m_window->sidebar().setLibrary(libraryContent());
-    m_window->editorArea().setData({hasDocument, m_content->isPDFDropTargeted});
-    if (m_editor)
-        m_bridge.updateView(*m_editor);
 }
 
 void ContentWindow::makeEditor() {
     m_editor = m_bridge.makeView(m_renderer, &m_window->editorArea());
     m_editor->nameOfStamp = [this](const StampItem& stamp) { return nameOfStamp(stamp); };
+    m_editor->onStampDeleted = [this](const QUuid& id) {
+        // Behind the editor's reports, which are queued as well.
+        QMetaObject::invokeMethod(
+            this, [this, id] { command([this, id] { deleteStamp(id); })(); }, Qt::QueuedConnection);
+    };
     m_window->editorArea().setEditor(m_editor);
-    m_editor->setFocus();
+}
+
+void ContentWindow::deleteStamp(const QUuid& id) {
+    m_content->selectedStampID = id;
+    m_content->deleteSelectedStamp();
+    m_nextFocus = Focus::page;
+}
+
+void ContentWindow::moveFocus() {
+    const Focus next = std::exchange(m_nextFocus, Focus::stay);
+    if (next == Focus::stay || !m_editor)
+        return;
+    m_focusBefore = nullptr;
+    const std::optional<QUuid> stamp = m_content->selectedStampID;
+    if (next == Focus::selectedStamp && stamp)
+        m_editor->focusStamp(*stamp, m_lastInput.focusReason());
+    else
+        m_editor->focusPage(m_lastInput.focusReason());
 }
 
 QString ContentWindow::nameOfStamp(const StampItem& stamp) const {

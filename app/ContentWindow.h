@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ContentView.h"
+#include "app/LastInput.h"
 #include "editor/PDFEditorView.h"
 #include "preview/PageRenderer.h"
 #include "ui/MainWindow.h"
@@ -19,6 +20,9 @@ namespace vellmora {
 
 /// Shows a workspace in a window: hands its data and commands to the views, and refreshes them once per turn
 /// of the event loop, however many fields changed in it. Main thread only.
+///
+/// The keyboard stays where the user works: a document that was opened gets the focus, a stamp that was
+/// placed, and the page of one that was deleted.
 ///
 /// An exception that leaves a command, whatever it is, becomes the status text.
 class ContentWindow : public QObject {
@@ -58,6 +62,8 @@ private:
     void endWork();
     void enableCommands();
     void makeEditor();
+    void moveFocus();
+    void deleteStamp(const QUuid& id);
     QString nameOfStamp(const StampItem& stamp) const;
     WorkspaceFigures workspaceFigures() const;
     LibraryContent libraryContent() const;
@@ -75,6 +81,9 @@ private:
     bool m_isWorking = false;
     bool m_showsWaitCursor = false;
     QPointer<QWidget> m_focusBefore;
+    enum class Focus { stay, page, selectedStamp };
+    Focus m_nextFocus = Focus::stay;  ///< where the next refresh moves it to
+    LastInput m_lastInput;
 };
 
 }  // namespace vellmora

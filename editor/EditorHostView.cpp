@@ -38,7 +38,6 @@ EditorHostView::EditorHostView(PageRenderer& renderer, QWidget* parent)
 void EditorHostView::setup() {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
-    setFocusProxy(m_pdfView);
     m_pdfView->setAutoScales(true);
     m_pdfView->setBackgroundColor(Qt::black);
     connect(m_pdfView, &PDFView::pageChanged, this, &EditorHostView::pdfPageChanged);
@@ -80,8 +79,11 @@ void EditorHostView::syncStampViews() {
     const bool hasStamps = stampsByPage && page;
     const QList<StampItem> stamps = hasStamps ? stampsByPage().value(currentPageIndex()) : QList<StampItem>();
     removeStaleViews(stamps);
+    const qsizetype before = m_stampViews.size();
     for (const StampItem& stamp : stamps)
         syncStampView(stamp, *page);
+    if (m_stampViews.size() != before)
+        updateTabOrder(stamps);
     updateSelectionState();
 }
 
@@ -92,6 +94,7 @@ void EditorHostView::removeStaleViews(const QList<StampItem>& stamps) {
     m_stampViews.removeIf([&](const auto& entry) {
         if (ids.contains(entry.key()))
             return false;
+        leaveStamp(*entry.value());
         entry.value()->hide();
         entry.value()->deleteLater();
         return true;
@@ -111,15 +114,22 @@ void EditorHostView::syncStampView(const StampItem& stamp, const PageGeometry& p
 
 InteractiveStampView* EditorHostView::makeStampView(const StampItem& stamp) {
     auto* view = new InteractiveStampView(stamp, m_pictures, m_overlayContainer);
-    view->onSelect = [this](const std::optional<QUuid>& id) {
-        if (onStampSelected)
-            onStampSelected(id);
-    };
-    view->onPlaceChanged = [this](const QUuid& id, const Rect& place) { updateStampRect(id, place); };
+    connectStampView(*view);
     view->setAccessibleName(nameOfStamp ? nameOfStamp(stamp) : QStringLiteral("Stempel"));
     m_stampViews.insert(stamp.id, view);
     view->show();
     return view;
+}
+
+void EditorHostView::connectStampView(InteractiveStampView& view) {
+    view.onSelect = [this](const std::optional<QUuid>& id) {
+        if (onStampSelected)
+            onStampSelected(id);
+    };
+    view.onPlaceChanged = [this](const QUuid& id, const Rect& place) { updateStampRect(id, place); };
+    view.onDragCancelled = [this](const QUuid& id) { restoreStamp(id); };
+    view.onStep = [this](const QUuid& id, auto mode, Size step) { stepStamp(id, mode, step); };
+    view.onFocus = [this](const QUuid& id) { enterStamp(id); };
 }
 
 void EditorHostView::updateSelectionState() {
@@ -130,12 +140,15 @@ void EditorHostView::updateSelectionState() {
 void EditorHostView::updateStampRect(const QUuid& stampID, const Rect& place) {
     InteractiveStampView* view = stampView(stampID);
     const std::optional<PageGeometry> page = m_pdfView->geometryOfPage();
-    if (!view || !page)
-        return;
-    StampItem changed = view->stamp();
-    changed.rect = draggedRect(*view, place, *page);
-    view->setStamp(changed);
-    view->setPlace(page->toView(changed.rect));
+    if (view && page)
+        setStampRect(*view, *page, draggedRect(*view, place, *page));
+}
+
+void EditorHostView::setStampRect(InteractiveStampView& view, const PageGeometry& page, const Rect& rect) {
+    StampItem changed = view.stamp();
+    changed.rect = rect;
+    view.setStamp(changed);
+    view.setPlace(page.toView(rect));
     if (onStampChanged)
         onStampChanged(changed);
 }

@@ -24,7 +24,8 @@ public:
 
 /// Shows one page of the document with its placed stamps laid over it, and maps between the stamps' page
 /// space and the overlay. It reads the stamps and never changes them: every change leaves through the
-/// callbacks. Main thread only.
+/// callbacks. The focus is with the page or with one of its stamps: it goes on to the page where its stamp
+/// goes away. Main thread only.
 class EditorHostView : public QWidget {
     Q_OBJECT
 
@@ -41,14 +42,19 @@ public:
     void setSelectedStampID(const std::optional<QUuid>& id);
     /// Does nothing for a page that the document does not have, or that is on screen already.
     void displayPage(qsizetype index);
+    void focusPage(Qt::FocusReason reason) { m_pdfView->setFocus(reason); }
+    /// Moves the focus to the stamp and scrolls it into sight, or to the page where the stamp is not on it.
+    void focusStamp(const QUuid& id, Qt::FocusReason reason);
 
     /// The stamps of all pages as they are now. The host keeps no copy of them.
     std::function<StampsByPage()> stampsByPage;
-    /// Called with the stamp at every step of a drag and on mouse-up. A click leaves it as it is, a move
-    /// changes nothing but its origin, a resize nothing but its size.
+    /// Called with the stamp at every step of a drag or a key, and on mouse-up. A click leaves it as it is, a
+    /// move changes nothing but its origin, a resize nothing but its size.
     std::function<void(const StampItem&)> onStampChanged;
-    /// Called when the user clicks on a stamp.
+    /// Called when the user clicks on a stamp or goes to it with the Tab key; with nothing for Escape.
     std::function<void(std::optional<QUuid>)> onStampSelected;
+    /// Called when the user wants a stamp of the page to be deleted.
+    std::function<void(QUuid)> onStampDeleted;
     /// The name by which a screen reader calls a stamp.
     std::function<QString(const StampItem&)> nameOfStamp;
     /// Called when another page is on screen.
@@ -64,6 +70,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void setup();
@@ -73,6 +80,14 @@ private:
     InteractiveStampView* makeStampView(const StampItem& stamp);
     void updateSelectionState();
     void updateStampRect(const QUuid& stampID, const Rect& place);
+    void setStampRect(InteractiveStampView& view, const PageGeometry& page, const Rect& rect);
+    void connectStampView(InteractiveStampView& view);
+    void updateTabOrder(const QList<StampItem>& stamps);
+    void leaveStamp(const InteractiveStampView& view);
+    void stepStamp(const QUuid& id, InteractiveStampView::DragMode mode, Size step);
+    void restoreStamp(const QUuid& id);
+    void enterStamp(const QUuid& id);
+    InteractiveStampView* stampForKeys() const;
 
     StampPictures m_pictures;
     PDFView* m_pdfView;

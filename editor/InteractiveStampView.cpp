@@ -159,7 +159,7 @@ void InteractiveStampView::paintBorder(QPainter& painter) const {
         fillOutline(painter, border, selectedBorderWidth, colors::systemBlue);
     else
         fillOutline(painter, border, borderWidth, white(borderAlpha));
-    if (m_showsKeyboardFocus) {
+    if (m_keyboardFocus.isShown()) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(Qt::black, borderWidth, Qt::DashLine));
         painter.drawRect(border.adjusted(focusInset, focusInset, -focusInset, -focusInset));
@@ -171,23 +171,6 @@ void InteractiveStampView::paintHandle(QPainter& painter) const {
     painter.setBrush(m_isSelectedStamp ? colors::systemBlue : white(handleAlpha));
     const Rect handle = stampgeometry::resizeHandleRect({0, 0, double(width()), double(height())});
     painter.drawRoundedRect(toQt(handle, height()), handleCornerRadius, handleCornerRadius);
-}
-
-void InteractiveStampView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Space)
-        return QWidget::keyPressEvent(event);
-    if (onSelect)
-        onSelect(m_stamp.id);
-}
-
-void InteractiveStampView::focusInEvent(QFocusEvent* event) {
-    m_showsKeyboardFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
-    update();
-}
-
-void InteractiveStampView::focusOutEvent(QFocusEvent*) {
-    m_showsKeyboardFocus = false;
-    update();
 }
 
 }  // namespace vellmora

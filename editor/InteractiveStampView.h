@@ -3,6 +3,7 @@
 #include "editor/StampGeometry.h"
 #include "editor/StampPicture.h"
 #include "library/StampItem.h"
+#include "preview/KeyboardFocus.h"
 
 #include <functional>
 #include <memory>
@@ -15,7 +16,7 @@ class QSinglePointEvent;
 namespace vellmora {
 
 /// One placed stamp inside the editor's overlay. It shows the stamp's picture, and lets the user select, move
-/// and resize it.
+/// and resize it, with the mouse and with the arrow keys. Keys that it has no use for go on to the overlay.
 ///
 /// All its coordinates are in overlay space: view points, from the overlay's lower left corner, y upwards. Of
 /// the page it knows only where it lies. Main thread only.
@@ -61,12 +62,24 @@ public:
     /// Without a page, the overlay counts as one.
     void setPageBeneath(const PageBeneath& page) { m_page = page; }
 
+    /// Where a drag may lead, in overlay space.
+    stampgeometry::Limits limits() const;
+    const KeyboardFocus& keyboardFocus() const { return m_keyboardFocus; }
+
     /// Called on mouse-down with the stamp's id.
     std::function<void(std::optional<QUuid>)> onSelect;
     /// Called at every step of a drag and on mouse-up, with the stamp's id and its place.
     std::function<void(QUuid, Rect)> onPlaceChanged;
+    /// Called when the user breaks a drag off. The stamp is to be as it was before, see `drag()`.
+    std::function<void(QUuid)> onDragCancelled;
+    /// Called for an arrow key, with how far the stamp is to be moved; for a resize only the width counts.
+    /// In points of the page, to the right and up as the page is seen.
+    std::function<void(QUuid, DragMode, Size)> onStep;
+    /// Called when the focus comes to the stamp, other than by a click.
+    std::function<void(QUuid)> onFocus;
 
 protected:
+    bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -77,12 +90,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    stampgeometry::Limits limits() const;
     Point pointInOverlay(const QSinglePointEvent& event) const;
     bool isOnHandle(Point pointInOverlay) const;
     void updateCursor(Point pointInOverlay);
     Rect draggedPlace(Point mouse) const;
     void reportPlace();
+    void cancelDrag();
+    bool stepByKey(const QKeyEvent& event);
     void paintBorder(QPainter& painter) const;
     void paintHandle(QPainter& painter) const;
 
@@ -94,7 +108,7 @@ private:
     bool m_isSelectedStamp = false;
     Drag m_drag;
     bool m_isDraggingInteractively = false;
-    bool m_showsKeyboardFocus = false;
+    KeyboardFocus m_keyboardFocus;
 };
 
 }  // namespace vellmora

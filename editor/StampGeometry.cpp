@@ -81,7 +81,7 @@ Rect resizeHandleRect(const Rect& bounds) {
 }
 
 Rect moved(const Rect& initial, double dx, double dy, const Limits& limits) {
-    const auto& [container, page, grip] = limits;
+    const auto& [container, page, grip, _] = limits;
     return {movedStart(across(initial), dx, across(container), across(page), grip.width),
             movedStart(up(initial), dy, up(container), up(page), grip.height), initial.width, initial.height};
 }
@@ -89,13 +89,13 @@ Rect moved(const Rect& initial, double dx, double dy, const Limits& limits) {
 Rect resized(const Rect& initial, double dx, double ratio, const Limits& limits) {
     if (dx == 0)
         return initial;
-    const auto& [container, page, grip] = limits;
+    const auto& [container, page, grip, leastWidth] = limits;
     const double least = std::max(leastLength(across(initial), across(page), grip.width),
                                   leastLength(up(initial), up(page), grip.height) * ratio);
     const double greatest =
         std::min(greatestLength(across(initial), across(container), across(page), grip.width),
                  greatestLength(up(initial), up(container), up(page), grip.height) * ratio);
-    const double width = std::min(std::max({minimumWidth, initial.width + dx, least}), greatest);
+    const double width = std::min(std::max({leastWidth, initial.width + dx, least}), greatest);
     return {initial.x, initial.y, width, width / ratio};
 }
 

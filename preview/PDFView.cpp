@@ -1,5 +1,7 @@
 #include "preview/PDFView.h"
 
+#include "base/SystemColors.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -9,6 +11,7 @@ namespace vellmora {
 namespace {
 
 constexpr double pageMargin = 8;  // view points around a page that fits
+constexpr double focusLineWidth = 2;
 
 /// How far a page can be zoomed, as multiples of the scale at which it fits.
 constexpr double smallestZoom = 0.5;
@@ -33,17 +36,19 @@ const QString& noticeFor(const PageCache::Picture& picture) {
 
 }  // namespace
 
-PDFView::PDFView(PageRenderer& renderer, QWidget* parent) : QWidget(parent), m_pictures(renderer) {
+PDFView::PDFView(PageRenderer& renderer, QWidget* parent)
+    : QWidget(parent), m_scrollBars(new PageScrollBars(this)), m_pictures(renderer) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(QStringLiteral("Seitenansicht"));
     connect(&m_pictures, &PageCache::changed, this, [this] { update(); });
+    m_scrollBars->onScrolled = [this](Point offset) { setScrollOffset(offset); };
 }
 
 void PDFView::setAutoScales(bool autoScales) {
     m_autoScales = autoScales;
     m_offset = {};
-    update();
+    followLayout();
     Q_EMIT scaleChanged();
 }
 
@@ -73,7 +78,7 @@ void PDFView::setScaleFactor(double scale) {
     m_autoScales = false;
     m_fixedScale = m_currentPage ? withinLimits(scale) : scale;
     m_offset = clampedOffset(m_offset);
-    update();
+    followLayout();
     Q_EMIT scaleChanged();
 }
 
@@ -98,6 +103,17 @@ Point PDFView::scrollRange() const {
             std::max(0.0, (box.height * scale - height()) / 2 + pageMargin)};
 }
 
+bool PDFView::canScroll() const {
+    return m_currentPage && !m_autoScales && !(scrollRange() == Point{});
+}
+
+/// To be called when the page lies elsewhere in the view.
+void PDFView::followLayout() {
+    m_scrollBars->show(m_offset, canScroll() ? scrollRange() : Point{});
+    updateCursor();
+    update();
+}
+
 Point PDFView::clampedOffset(Point offset) const {
     if (!m_currentPage || m_autoScales)
         return {};
@@ -107,7 +123,7 @@ Point PDFView::clampedOffset(Point offset) const {
 
 void PDFView::setScrollOffset(Point offset) {
     m_offset = clampedOffset(offset);
-    update();
+    followLayout();
     Q_EMIT scaleChanged();
 }
 
@@ -132,7 +148,7 @@ void PDFView::showPage(std::optional<qsizetype> pageIndex) {
     }
     // A page is read from its top.
     m_offset = clampedOffset({m_offset.x, -std::numeric_limits<double>::max()});
-    update();
+    followLayout();
     Q_EMIT pageChanged();
 }
 
@@ -222,14 +238,35 @@ void PDFView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), m_backgroundColor);
     const auto geometry = geometryOfPage();
-    if (!geometry)
+    if (geometry)
+        paintPage(painter, *geometry);
+    paintFocus(painter);
+    if (geometry)
+        requestPictures(*geometry);
+}
+
+void PDFView::paintFocus(QPainter& painter) const {
+    if (!m_keyboardFocus.isShown())
         return;
-    paintPage(painter, *geometry);
-    requestPictures(*geometry);
+    constexpr double inset = focusLineWidth / 2;
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(colors::systemBlue, focusLineWidth, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset));
+}
+
+void PDFView::focusInEvent(QFocusEvent* event) {
+    m_keyboardFocus.focusIn(*event);
+    update();
+}
+
+void PDFView::focusOutEvent(QFocusEvent* event) {
+    m_keyboardFocus.focusOut(*event);
+    update();
 }
 
 void PDFView::resizeEvent(QResizeEvent*) {
     m_offset = clampedOffset(m_offset);
+    followLayout();
     Q_EMIT scaleChanged();
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "pdf/PDFDocument.h"
+#include "preview/KeyboardFocus.h"
 #include "preview/PageCache.h"
 #include "preview/PageGeometry.h"
+#include "preview/PageScrollBars.h"
 
 #include <memory>
 #include <optional>
@@ -15,8 +17,9 @@ namespace vellmora {
 /// Shows one page of a document at a time, fitted or zoomed.
 ///
 /// The wheel scrolls within a page that is larger than the view, and turns to the next page at its edge; with
-/// Ctrl it zooms about the pointer, as a pinch does. Arrow and page keys, Space, Home and End do what they do
-/// in any page view; a menu under the right mouse button has the rest.
+/// Shift it scrolls sideways, with Ctrl it zooms about the pointer, as a pinch does. Such a page can also be
+/// dragged, and has scroll bars. Arrow and page keys, Space, Home and End do what they do in any page view;
+/// Ctrl with plus, minus and 0 zooms; a menu under the right mouse button has the rest.
 ///
 /// View space is measured in view points from the view's lower left corner, y upwards.
 class PDFView : public QWidget {
@@ -41,6 +44,8 @@ public:
     /// than the view comes further in than its margin.
     void setScrollOffset(Point offset);
     Point scrollOffset() const { return m_offset; }
+    /// Scrolls as little as is needed to show this part of the view, or as much of it as the view can show.
+    void scrollIntoSight(const Rect& viewRect);
 
     const std::shared_ptr<const PDFDocument>& document() const { return m_document; }
     /// Shows the first page where there is one. Notifies of a page change.
@@ -73,10 +78,19 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    /// Of a key, a menu command and a notch of the wheel.
+    static constexpr double zoomStep = 1.25;
+
     Size viewSize() const { return {double(width()), double(height())}; }
     Point centre() const { return {width() / 2.0, height() / 2.0}; }
     Rect shownBox() const;
@@ -84,7 +98,12 @@ private:
     double withinLimits(double scale) const;
     Point clampedOffset(Point offset) const;
     Point scrollRange() const;
+    bool canScroll() const;
+    void followLayout();
+    void updateCursor();
+    void endPanning();
 
+    bool zoomByKey(int key);
     bool turnPage(int direction);
     bool scrollBy(double dx, double dy);
     void scrollOrTurn(double dy);
@@ -95,6 +114,7 @@ private:
     PageCache::Wish wishFor(const PageGeometry& geometry) const;
     void requestPictures(const PageGeometry& geometry);
     void paintPage(QPainter& painter, const PageGeometry& geometry) const;
+    void paintFocus(QPainter& painter) const;
 
     std::shared_ptr<const PDFDocument> m_document;
     std::optional<qsizetype> m_currentPage;
@@ -102,7 +122,10 @@ private:
     bool m_autoScales = false;
     double m_fixedScale = 1;
     Point m_offset;
-    int m_wheelTravel = 0;  ///< in eighths of a degree since the last page was turned
+    int m_wheelTravel = 0;                ///< in eighths of a degree since the last page was turned
+    std::optional<Point> m_panningMouse;  ///< where the mouse is that drags the page
+    KeyboardFocus m_keyboardFocus;
+    PageScrollBars* m_scrollBars;
     PageCache m_pictures;
 };
 

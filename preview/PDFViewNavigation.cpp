@@ -1,25 +1,18 @@
 #include "preview/PDFView.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <limits>
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QNativeGestureEvent>
-#include <QWheelEvent>
 
 namespace vellmora {
 
 namespace {
 
-constexpr int wheelNotch = 120;       // Qt's unit: eighths of a degree
-constexpr double notchDistance = 60;  // view points that a notch of the wheel scrolls
 constexpr double arrowDistance = 40;  // view points that an arrow key scrolls
 constexpr double pageOverlap = 40;    // view points that stay in sight when a view's height is scrolled
-constexpr double zoomStep = 1.25;     // of a menu command, and of a notch of the wheel
 
 constexpr double farAway = std::numeric_limits<double>::max();
 
@@ -42,50 +35,41 @@ bool PDFView::scrollBy(double dx, double dy) {
     return !(m_offset == before);
 }
 
+/// By how much a stretch of a view of this length must move to be seen. What is longer than the view moves
+/// only until it fills the view.
+static double wayIntoSight(double start, double length, double viewLength) {
+    const double toStart = -start;
+    const double toEnd = viewLength - (start + length);
+    return std::clamp(0.0, std::min(toStart, toEnd), std::max(toStart, toEnd));
+}
+
+void PDFView::scrollIntoSight(const Rect& viewRect) {
+    const double dx = wayIntoSight(viewRect.x, viewRect.width, width());
+    const double dy = wayIntoSight(viewRect.y, viewRect.height, height());
+    if (dx != 0 || dy != 0)
+        scrollBy(dx, dy);
+}
+
 void PDFView::scrollOrTurn(double dy) {
     if (!scrollBy(0, dy))
         turnPage(dy > 0 ? 1 : -1);
 }
 
-/// One page for each notch, and never more than one for one event.
-void PDFView::wheelTurn(int angle) {
-    if ((angle > 0) != (m_wheelTravel > 0))
-        m_wheelTravel = 0;
-    m_wheelTravel += angle;
-    if (std::abs(m_wheelTravel) < wheelNotch)
-        return;
-    const int direction = m_wheelTravel > 0 ? -1 : 1;
-    m_wheelTravel = 0;
-    turnPage(direction);
-}
-
-void PDFView::wheelEvent(QWheelEvent* event) {
-    event->accept();
-    if (!m_currentPage)
-        return;
-    const QPoint angle = event->angleDelta();
-    if (event->modifiers() & Qt::ControlModifier) {
-        zoom(std::pow(zoomStep, double(angle.y()) / wheelNotch), fromQt(event->position(), height()));
-        return;
-    }
-    const QPointF distance = event->pixelDelta().isNull() ? QPointF(angle) * (notchDistance / wheelNotch)
-                                                          : QPointF(event->pixelDelta());
-    // The wheel turned away from the user moves the page down, which is a negative offset upwards.
-    if (scrollBy(distance.x(), -distance.y()))
-        m_wheelTravel = 0;
-    else if (angle.y() != 0)
-        wheelTurn(angle.y());
-}
-
-bool PDFView::event(QEvent* event) {
-    if (event->type() == QEvent::NativeGesture) {
-        const auto& gesture = *static_cast<QNativeGestureEvent*>(event);
-        if (gesture.gestureType() == Qt::ZoomNativeGesture) {
-            zoom(1 + gesture.value(), fromQt(gesture.position(), height()));
+bool PDFView::zoomByKey(int key) {
+    switch (key) {
+        case Qt::Key_Plus:
+        case Qt::Key_Equal:  // the same key on many keyboards, without Shift
+            zoom(zoomStep, centre());
             return true;
-        }
+        case Qt::Key_Minus:
+            zoom(1 / zoomStep, centre());
+            return true;
+        case Qt::Key_0:
+            setAutoScales(true);
+            return true;
+        default:
+            return false;
     }
-    return QWidget::event(event);
 }
 
 void PDFView::keyPressEvent(QKeyEvent* event) {
@@ -93,6 +77,8 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
     const bool isBackwards = event->modifiers() & Qt::ShiftModifier;
     if (!m_currentPage)
         return QWidget::keyPressEvent(event);
+    if ((event->modifiers() & Qt::ControlModifier) && zoomByKey(event->key()))
+        return;
     switch (event->key()) {
         case Qt::Key_PageDown:
             return scrollOrTurn(viewHeight);

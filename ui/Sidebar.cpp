@@ -1,5 +1,6 @@
 #include "ui/Sidebar.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QMoveEvent>
 #include <QPainter>
@@ -77,6 +78,9 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
     setWidgetResizable(true);
     m_library->grid().installEventFilter(this);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &Sidebar::showTilesInSight);
+    // While the window goes away, the column is there as long as anything that has the focus.
+    connect(qApp, &QApplication::focusChanged, m_column,
+            [this](const QWidget* before, QWidget* now) { scrollToFocus(before, now); });
     applyPalette();
 }
 
@@ -120,6 +124,14 @@ void Sidebar::showTilesInSight() {
     PresetGrid& grid = m_library->grid();
     const int top = grid.mapFrom(viewport(), QPoint(0, 0)).y();
     grid.setVisibleSpan(top, top + viewport()->height());
+}
+
+/// Qt does this only for a focus that comes from another control of the sidebar. What is clicked stays under
+/// the mouse, and a window that becomes active again stays as it was.
+void Sidebar::scrollToFocus(const QWidget* before, QWidget* now) {
+    const bool isClick = QGuiApplication::mouseButtons() != Qt::NoButton;
+    if (before && now && !isClick && m_column->isAncestorOf(now))
+        ensureWidgetVisible(now, 0, padding);
 }
 
 void Sidebar::setFigures(const WorkspaceFigures& figures) {

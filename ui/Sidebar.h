@@ -8,7 +8,8 @@
 
 namespace vellmora {
 
-/// The left column of the window: five boxes, scrolled vertically.
+/// The left column of the window: five boxes, scrolled vertically. What gets the focus is scrolled into
+/// sight.
 class Sidebar : public QScrollArea {
     Q_OBJECT
 
@@ -33,6 +34,7 @@ private:
     void applyPalette();
     void keepUnderMouse(const QWidget& box, const QMoveEvent& move);
     void showTilesInSight();
+    void scrollToFocus(const QWidget* before, QWidget* now);
 
     Thumbnails* m_thumbnails;
     QWidget* m_column;

@@ -20,6 +20,7 @@
 #include <QRandomGenerator>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTest>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -103,18 +104,20 @@ private:
     QUuid m_id;
 };
 
-/// Works on the scene's stamp with the mouse, and says what must hold of it.
+/// Works on the scene's stamp with mouse and keys, and says what must hold of it.
 class Hand {
 public:
     explicit Hand(Scene& scene) : m_scene(scene) {}
 
     void anything() {
-        switch (int(m_scene.real(0, 5))) {
+        switch (int(m_scene.real(0, 6))) {
             case 0:
                 return zoom();
             case 1:
                 m_scene.host->pdfView().setScrollOffset({m_scene.real(-900, 900), m_scene.real(-900, 900)});
                 return;
+            case 2:
+                return holdKey();
             default:
                 return gesture();
         }
@@ -151,6 +154,19 @@ private:
         check(before, placeBefore, {to.x - from.x, to.y - from.y});
     }
 
+    void holdKey() {
+        const StampItem before = m_scene.stamp();
+        const auto arrow = static_cast<Qt::Key>(Qt::Key_Left + int(m_scene.real(0, 4)));
+        const bool isResize = m_scene.chance(2);
+        for (int times = int(m_scene.real(1, 30)); times > 0; --times)
+            QTest::keyClick(&m_scene.view(), arrow, isResize ? Qt::ControlModifier : Qt::NoModifier);
+        m_scene.refresh();
+        const StampItem after = m_scene.stamp();
+        EXPECT_EQ(m_scene.view().place(), m_scene.page().toView(after.rect));
+        isResize ? checkResized(before, after) : checkSize(before.rect, after.rect);
+        checkGrip(after.rect);
+    }
+
     void send(QEvent::Type type, Point point) {
         const QWidget& overlay = m_scene.host->overlayContainer();
         const QPointF global = overlay.mapToGlobal(QPointF(point.x, overlay.height() - point.y));
@@ -173,8 +189,7 @@ private:
     }
 
     void checkMove(const Rect& before, const Rect& after, const Rect& place, Point mouse) {
-        EXPECT_EQ(after.width, before.width);
-        EXPECT_EQ(after.height, before.height);
+        checkSize(before, after);
         const Size point = m_scene.page().pointSize();
         const Point moved{(after.x - before.x) * point.width, (after.y - before.y) * point.height};
         const Rect page = m_scene.page().frame();
@@ -201,9 +216,7 @@ private:
     }
 
     void checkResize(const StampItem& before, const StampItem& after, const Rect& place, Point mouse) {
-        EXPECT_EQ(after.rect.x, before.rect.x);
-        EXPECT_EQ(after.rect.y, before.rect.y);
-        EXPECT_DOUBLE_EQ(after.rect.width / after.rect.height, after.aspectRatio);
+        checkResized(before, after);
         const double width = m_scene.view().place().width;
         const double wanted = place.width + mouse.x;
         EXPECT_LE(width, std::max({wanted, place.width, 28.0}) + 1e-6)
@@ -212,6 +225,16 @@ private:
         if (mouse.x == 0) {
             EXPECT_EQ(after, before);
         }
+    }
+
+    static void checkSize(const Rect& before, const Rect& after) {
+        EXPECT_EQ(after.width, before.width);
+        EXPECT_EQ(after.height, before.height);
+    }
+    static void checkResized(const StampItem& before, const StampItem& after) {
+        EXPECT_EQ(after.rect.x, before.rect.x);
+        EXPECT_EQ(after.rect.y, before.rect.y);
+        EXPECT_DOUBLE_EQ(after.rect.width / after.rect.height, after.aspectRatio);
     }
 
     void checkGrip(const Rect& rect) {

@@ -57,7 +57,7 @@ class FileDialogs:
         self.window.keys("Return")
         self.screen.find("label", "Die Datei Entwurf.pdf existiert bereits.")
         self.window.click("push button", "Nein")
-        wait_for(lambda: self.windows() == 2, "the question to go")
+        wait_for(lambda: self.window.windows() == 2, "the question to go")
         assert target.read_bytes() == before
         self.window.click("tree item", "Entwurf.pdf", times=2)
         self.window.click("push button", "Ja")
@@ -94,7 +94,7 @@ class FileDialogs:
             self.show(dialog)
             self.type(name, completions=True)
             self.window.keys("Escape")
-            wait_for(lambda: self.windows() == 2, "the list of completions to go")
+            wait_for(lambda: self.window.windows() == 2, "the list of completions to go")
             self.window.keys("Escape")
             self.wait_until_closed()
             self.use_window(key_first=True)
@@ -122,15 +122,10 @@ class FileDialogs:
         self.desktop.run("xdotool", "key", "ctrl+a", "type", "--delay", 15, name)
         wait_for(lambda: self.screen.text(self.field) == str(name), "the name in the dialog")
         if completions:
-            wait_for(lambda: self.windows() == 3, "the list of completions")
-
-    def windows(self):
-        """How many there are: the program's own, a dialog, and its list of completions or a question."""
-        seen = self.desktop.run("xdotool", "search", "--onlyvisible", "--class", "vellmora", check=False)
-        return 0 if seen.returncode else len(seen.stdout.split())  # it fails where a window goes meanwhile
+            wait_for(lambda: self.window.windows() == 3, "the list of completions")
 
     def wait_until_closed(self):
-        wait_for(lambda: self.windows() == 1, "the dialog to go")
+        wait_for(lambda: self.window.windows() == 1, "the dialog to go")
 
     def expect_document(self, status, name):
         self.window.expect(status + name)

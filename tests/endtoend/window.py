@@ -53,6 +53,11 @@ class Window:
     def keys(self, *names):
         self.desktop.run("xdotool", "key", *names)
 
+    def windows(self):
+        """How many there are: the program's own, a dialog, and its list of completions or a question."""
+        seen = self.desktop.run("xdotool", "search", "--onlyvisible", "--class", "vellmora", check=False)
+        return 0 if seen.returncode else len(seen.stdout.split())  # it fails where a window goes meanwhile
+
     def has_state(self, target, state):
         return self.screen.ask(target, "GetState")[0] & state
 
