@@ -1,11 +1,13 @@
 #pragma once
 
+#include "ui/Symbols.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
 #include <optional>
 
 #include <QAction>
+#include <QHBoxLayout>
 #include <QList>
 #include <QWidget>
 
@@ -22,8 +24,10 @@ public:
     /// The actions must outlive the bar.
     CommandBar(const QList<QAction*>& commands, const Theme& theme, QWidget* parent);
 
-    /// A text that is longer than its line can be read in the tooltip.
-    void setStatusText(const QString& text);
+    /// A text that is longer than its line can be read in the tooltip. A sign stands before one that tells
+    /// of a problem.
+    void setStatus(const QString& text, bool isProblem);
+    QWidget& statusLabel() { return *m_status; }
     /// How much of some long work is done, 0 to 1: a thin bar below the buttons. Nothing hides it.
     void setProgress(std::optional<double> progress);
 
@@ -32,6 +36,9 @@ protected:
 
 private:
     TextLabel* m_status;
+    SymbolView* m_problemSign = nullptr;  ///< made when there is a problem
+    int m_signSize;
+    QHBoxLayout* m_row;
     std::optional<double> m_progress;
 };
 

@@ -81,6 +81,14 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
     // While the window goes away, the column is there as long as anything that has the focus.
     connect(qApp, &QApplication::focusChanged, m_column,
             [this](const QWidget* before, QWidget* now) { scrollToFocus(before, now); });
+    // Once the boxes above the grid have their places.
+    connect(
+        &m_library->grid(), &PresetGrid::tileFocused, this,
+        [this](QPointer<QWidget> tile) {
+            if (tile)
+                ensureWidgetVisible(tile);
+        },
+        Qt::QueuedConnection);
     applyPalette();
 }
 
