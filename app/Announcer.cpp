@@ -24,8 +24,8 @@ void Announcer::watch(EditorHostView& editor) {
 
 void Announcer::tellChanges() {
     tellPage();
-    tellSelection();
     tellReport();
+    tellSelection();
 }
 
 void Announcer::tellReport() {
@@ -72,8 +72,8 @@ void Announcer::tellSelection() {
         announce(*view, QStringLiteral("Ausgewählt: ") + spokenText(*view));
 }
 
-/// A drag is told when the button is let go, a move by the keyboard when the key is. The workspace learns of the
-/// change only later, so it still knows whether it is one.
+/// A drag is told when the button is let go, a move by the keyboard when the key is. The workspace learns of
+/// the change only later, so it still knows whether it is one.
 void Announcer::noteChange(const StampItem& stamp) {
     const InteractiveStampView* view = m_editor->stampView(stamp.id);
     if (!view || !QAccessible::isActive())

@@ -12,9 +12,9 @@
 
 namespace vellmora {
 
-/// Tells assistive tools what happens in a window: what a command reports, that another page is on screen, which
-/// stamp is selected, and where a stamp lies once it was moved. Does nothing while no such tool listens. Main
-/// thread only.
+/// Tells assistive tools what happens in a window: what a command reports, that another page is on screen,
+/// which stamp is selected, and where a stamp lies once it was moved. Does nothing while no such tool
+/// listens. Main thread only.
 class Announcer : public QObject {
     Q_OBJECT
 

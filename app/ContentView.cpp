@@ -183,9 +183,8 @@ void ContentView::saveOverOriginalPDF() {
         if (work.isCancelled())
             report(savingCancelled(), Outcome::success);
         else
-            report(
-                QStringLiteral("Fehler beim Überschreiben: ") + Error::current().localizedDescription(),
-                Outcome::problem);
+            report(QStringLiteral("Fehler beim Überschreiben: ") + Error::current().localizedDescription(),
+                   Outcome::problem);
     }
 }
 
@@ -326,9 +325,9 @@ void ContentView::removePreset(const QUuid& id) {
         m_stampLibrary->removePreset(id);
         report(QStringLiteral("Stempel aus Bibliothek entfernt."), Outcome::success);
     } catch (...) {
-        report(
-            QStringLiteral("Stempel konnte nicht entfernt werden: ") + Error::current().localizedDescription(),
-            Outcome::problem);
+        report(QStringLiteral("Stempel konnte nicht entfernt werden: ") +
+                   Error::current().localizedDescription(),
+               Outcome::problem);
     }
 }
 

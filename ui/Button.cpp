@@ -37,6 +37,8 @@ int Button::heightOf(Size size, const Theme& theme) {
 }
 
 void Button::setName(const QString& name) {
+    if (name == accessibleName())
+        return;
     setAccessibleName(name);
     setToolTip(toolTipOf(name));
 }
@@ -44,7 +46,8 @@ void Button::setName(const QString& name) {
 void Button::showShortcut(const QKeySequence& shortcut) {
     m_shownShortcut = shortcut;
     if (!shortcut.isEmpty())
-        setToolTip(toolTipOf(QStringLiteral("%1 (%2)").arg(text(), shortcut.toString(QKeySequence::NativeText))));
+        setToolTip(
+            toolTipOf(QStringLiteral("%1 (%2)").arg(text(), shortcut.toString(QKeySequence::NativeText))));
 }
 
 QSize Button::sizeHint() const {

@@ -122,8 +122,8 @@ void PresetGrid::showTiles(Refresh refresh) {
     if (isCurrentApart)
         place(current, refresh);
     updateTabStop();
-    // Hiding a tile that has the focus moves that on, something may be scrolled into sight then, and that calls
-    // this function again. So it is done last.
+    // Hiding a tile that has the focus moves that on, something may be scrolled into sight then, and that
+    // calls this function again. So it is done last.
     for (PresetTile* tile : unwanted) {
         tile->hide();
         tile->deleteLater();

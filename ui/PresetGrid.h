@@ -34,6 +34,8 @@ public:
                QWidget* parent);
 
     void setData(const Data& newData);
+    /// The Tab key leads to the grid from this widget, which is not in it.
+    void followInTabOrder(QWidget& before) { m_before = &before; }
     /// The part of the grid that is in sight, in the grid's own coordinates.
     void setVisibleSpan(int top, int bottom);
 
@@ -92,6 +94,7 @@ private:
     int m_visibleTop = 0;
     int m_visibleBottom = 0;
     QHash<QUuid, PresetTile*> m_tiles;
+    QWidget* m_before = nullptr;
     QUuid m_current;  ///< the entry that had the focus last
 };
 

@@ -49,7 +49,8 @@ public:
         return state;
     }
     void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
+                                                    : nullptr;
     }
     QStringList actionNames() const override {
         return presetactions::names(true) + QStringList{setFocusAction()};
@@ -84,7 +85,9 @@ QStringList presetactions::names(bool canDelete) {
 }
 
 QStringList presetactions::keyBindings(const QString& action) {
-    const auto text = [](Qt::Key key) { return QStringList{QKeySequence(key).toString(QKeySequence::NativeText)}; };
+    const auto text = [](Qt::Key key) {
+        return QStringList{QKeySequence(key).toString(QKeySequence::NativeText)};
+    };
     if (action == selectAction)
         return text(Qt::Key_Space);
     if (action == insertAction)

@@ -17,8 +17,8 @@ const std::function<void(const StampPreset&)>* find(const QString& action,
 
 }  // namespace presetactions
 
-/// The grid as a list of all entries, in the order in which they are shown. Those in sight are their tiles; the
-/// others, which have no widgets, are described just as well and can be acted upon.
+/// The grid as a list of all entries, in the order in which they are shown. Those in sight are their tiles;
+/// the others, which have no widgets, are described just as well and can be acted upon.
 class PresetGridAccessible : public QAccessibleWidget {
 public:
     explicit PresetGridAccessible(PresetGrid* grid);

@@ -35,8 +35,8 @@ void PresetGrid::updateTabStop() {
     PresetTile* stop = current < 0 ? nullptr : tile(current);
     for (PresetTile* tile : std::as_const(m_tiles))
         tile->setFocusPolicy(tile == stop ? Qt::StrongFocus : Qt::ClickFocus);
-    if (stop && nextInFocusChain() != stop)
-        setTabOrder(this, stop);
+    if (stop && m_before && m_before->nextInFocusChain() != stop)
+        setTabOrder(m_before, stop);
 }
 
 /// Where the entry with the focus is gone, the one that took its place gets the focus, before the tile goes.

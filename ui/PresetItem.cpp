@@ -17,7 +17,9 @@ PresetItem::PresetItem(const Look& look, Callbacks callbacks, QWidget* parent)
 void PresetItem::setData(const Data& newData) {
     const bool isSelectionChanged = newData.isSelected != m_data.isSelected;
     m_data = newData;
-    setAccessibleName(newData.preset.displayName);
+    // Assistive tools are told each time that it is set.
+    if (accessibleName() != newData.preset.displayName)
+        setAccessibleName(newData.preset.displayName);
     if (!isSelectionChanged)
         return;
     update();
@@ -85,7 +87,8 @@ void PresetItem::showMenu(const QPoint& globalPosition) {
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setAccessibleName(m_data.preset.displayName);
     const auto add = [&](const QString& text, const auto& action) {
-        menu->addAction(text, this, [preset = m_data.preset, action] { action(preset); }, Qt::QueuedConnection);
+        menu->addAction(
+            text, this, [preset = m_data.preset, action] { action(preset); }, Qt::QueuedConnection);
     };
     add(QStringLiteral("Auswählen"), m_callbacks.onSelect);
     add(QStringLiteral("Einfügen"), m_callbacks.onInsert);

@@ -72,7 +72,7 @@ void PresetTile::setData(const Data& newData) {
     m_picture->setSource(newData.picture);
     m_name->setText(name);
     m_badge->setVisible(newData.preset.isBuiltin());
-    m_insert->setAccessibleName(name + QStringLiteral(" einfügen"));
+    m_insert->setName(name + QStringLiteral(" einfügen"));
     m_delete->setName(name + QStringLiteral(" löschen"));
 }
 

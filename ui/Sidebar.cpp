@@ -72,6 +72,7 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
         box->installEventFilter(this);
         stack->addWidget(box);
     }
+    m_recents->followInTabOrder(m_active->lastButton());
     m_library->setBoxWidth(columnWidth - 2 * padding);
     stack->addStretch();
     setWidget(m_column);

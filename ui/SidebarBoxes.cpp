@@ -112,11 +112,12 @@ void RecentsBox::arrangeRows() {
     qDeleteAll(m_rows);
     m_rows = rows;
     // The Tab key goes through them from the top.
-    QWidget* previous = this;
+    QWidget* previous = m_before;
     for (PresetRow* row : std::as_const(m_rows)) {
         content().removeWidget(row);
         content().addWidget(row);
-        setTabOrder(previous, row);
+        if (previous)
+            setTabOrder(previous, row);
         setTabOrder(row, &row->insertButton());
         previous = &row->insertButton();
     }
@@ -151,8 +152,7 @@ LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails
     auto* add = new Button(QStringLiteral("PNG hinzufügen"), Button::Look::bordered, Button::Size::regular,
                            theme, this);
     connect(add, &Button::clicked, this, callbacks.onImport);
-    // The grid comes after the button for the Tab key, too.
-    setTabOrder(add, m_grid);
+    m_grid->followInTabOrder(*add);
     auto* hint = new TextLabel(QStringLiteral("Doppelklick = direkt einfügen"), theme.font(smallTextSize),
                                Theme::secondaryText, this);
     m_header = new QBoxLayout(QBoxLayout::LeftToRight);

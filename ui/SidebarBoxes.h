@@ -96,6 +96,9 @@ public:
 
     void setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID);
 
+    /// The Tab key leads to the rows from this widget, which is not in the box.
+    void followInTabOrder(QWidget& before) { m_before = &before; }
+
 protected:
     void leaveEvent(QEvent* event) override;
 
@@ -105,6 +108,7 @@ private:
     SidebarCallbacks m_callbacks;
     Thumbnails& m_thumbnails;
     Theme m_theme;
+    QWidget* m_before = nullptr;
     QList<PresetRow*> m_rows;
     QList<StampPreset> m_presets;  ///< in their own order
     QList<StampPreset> m_shown;
