@@ -11,6 +11,9 @@ namespace {
 constexpr int buttonSpacing = 8;
 constexpr double statusSize = 12;
 constexpr int signSize = 16;
+constexpr int leastStatusWidth = 220;
+/// The window is at least 1220 points wide.
+constexpr int roomInSmallWindow = 1220 - 2 * CommandBar::padding;
 constexpr int progressHeight = 3;
 
 }  // namespace
@@ -19,9 +22,25 @@ CommandBar::CommandBar(const QList<QAction*>& commands, const Theme& theme, QWid
     : QWidget(parent),
       m_status(new TextLabel({}, theme.font(statusSize), Theme::secondaryText, this)),
       m_signSize(theme.scaled(signSize)),
-      m_row(new QHBoxLayout(this)) {
-    m_row->setContentsMargins(padding, padding, padding, padding);
-    m_row->setSpacing(buttonSpacing);
+      m_statusLine(new QHBoxLayout) {
+    auto* lines = new QBoxLayout(QBoxLayout::LeftToRight, this);
+    lines->setContentsMargins(padding, padding, padding, padding);
+    lines->setSpacing(buttonSpacing);
+    QHBoxLayout* buttons = makeButtons(commands, theme);
+    if (buttons->sizeHint().width() + theme.scaled(leastStatusWidth) > roomInSmallWindow)
+        lines->setDirection(QBoxLayout::TopToBottom);
+    lines->addLayout(buttons);
+    m_statusLine->setSpacing(buttonSpacing);
+    m_statusLine->addStretch();
+    m_statusLine->addWidget(m_status, 1);
+    lines->addLayout(m_statusLine, 1);
+    m_status->setMaximumLines(1);
+    m_status->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+}
+
+QHBoxLayout* CommandBar::makeButtons(const QList<QAction*>& commands, const Theme& theme) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(buttonSpacing);
     for (QAction* command : commands) {
         auto* button =
             new Button(command->text(), Button::Look::bordered, Button::Size::regular, theme, this);
@@ -30,12 +49,10 @@ CommandBar::CommandBar(const QList<QAction*>& commands, const Theme& theme, QWid
         connect(button, &Button::clicked, command, &QAction::trigger);
         connect(command, &QAction::enabledChanged, button, &Button::setEnabled);
         addAction(command);  // its shortcut works in the whole window
-        m_row->addWidget(button);
+        row->addWidget(button);
     }
-    m_status->setMaximumLines(1);
-    m_status->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_row->addStretch();
-    m_row->addWidget(m_status, 1);
+    row->addStretch();
+    return row;
 }
 
 void CommandBar::setStatus(const QString& text, bool isProblem) {
@@ -49,7 +66,7 @@ void CommandBar::setStatus(const QString& text, bool isProblem) {
             return Theme::problem(Theme::commandBarBackground(palette));
         };
         m_problemSign = new SymbolView(Symbol::warning, m_signSize, color, this);
-        m_row->insertWidget(m_row->indexOf(m_status), m_problemSign);
+        m_statusLine->insertWidget(m_statusLine->indexOf(m_status), m_problemSign);
     }
     if (m_problemSign)
         m_problemSign->setVisible(isProblem);

@@ -13,8 +13,9 @@
 
 namespace vellmora {
 
-/// A row of plain text buttons, one for each command, and the status text at its right end. A command's
-/// action brings its text, its shortcut, and whether it is enabled.
+/// A row of plain text buttons, one for each command, and the status text at its right end, or below it where
+/// large texts leave no room for that. A command's action brings its text, its shortcut, and whether it is
+/// enabled.
 class CommandBar : public QWidget {
     Q_OBJECT
 
@@ -35,10 +36,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QHBoxLayout* makeButtons(const QList<QAction*>& commands, const Theme& theme);
+
     TextLabel* m_status;
     SymbolView* m_problemSign = nullptr;  ///< made when there is a problem
     int m_signSize;
-    QHBoxLayout* m_row;
+    QHBoxLayout* m_statusLine;
     std::optional<double> m_progress;
 };
 
