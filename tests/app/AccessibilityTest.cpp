@@ -51,7 +51,7 @@ protected:
     }
     ~AccessibilityTest() override {
         const QString path = qEnvironmentVariable("VELLMORA_ACCESSIBILITY_RECORD");
-        if (!path.isEmpty())
+        if (!path.isEmpty() && !protocol.isEmpty())
             writeFile(path, protocol.toUtf8());
     }
 
