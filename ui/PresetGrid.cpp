@@ -86,7 +86,7 @@ void PresetGrid::showEntries(const Data& newData) {
     updateRows();
     PresetTile* focused = m_tiles.value(m_current);
     if (focused && focused->hasFocus() && focused->showsFocus())
-        Q_EMIT tileFocused(focused);
+        Q_EMIT focusedTileMoved(focused);
 }
 
 void PresetGrid::setVisibleSpan(int top, int bottom) {

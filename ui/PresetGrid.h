@@ -54,8 +54,8 @@ public:
     void focusTile(qsizetype index);
 
 Q_SIGNALS:
-    /// This tile has the focus, by the keyboard, and is to be seen.
-    void tileFocused(QWidget* tile);
+    /// The tile with the focus, which the keyboard moved there, lies at another place now.
+    void focusedTileMoved(QWidget* tile);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

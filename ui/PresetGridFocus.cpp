@@ -62,12 +62,8 @@ void PresetGrid::focusTile(qsizetype index) {
 
 bool PresetGrid::eventFilter(QObject* object, QEvent* event) {
     auto* tile = qobject_cast<PresetTile*>(object);
-    if (tile && event->type() == QEvent::FocusIn) {
+    if (tile && event->type() == QEvent::FocusIn)
         setCurrent(tile->preset().id);
-        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
-            Q_EMIT tileFocused(tile);
-    }
     return QWidget::eventFilter(object, event);
 }
 

@@ -84,7 +84,7 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
             [this](const QWidget* before, QWidget* now) { scrollToFocus(before, now); });
     // Once the boxes above the grid have their places.
     connect(
-        &m_library->grid(), &PresetGrid::tileFocused, this,
+        &m_library->grid(), &PresetGrid::focusedTileMoved, this,
         [this](QPointer<QWidget> tile) {
             if (tile)
                 ensureWidgetVisible(tile);
