@@ -27,6 +27,7 @@ CommandBar::CommandBar(const QList<QAction*>& commands, const Theme& theme, QWid
     lines->setContentsMargins(padding, padding, padding, padding);
     lines->setSpacing(buttonSpacing);
     QHBoxLayout* buttons = makeButtons(commands, theme);
+    m_status->raise();  // last for screen readers, too
     if (buttons->sizeHint().width() + theme.scaled(leastStatusWidth) > roomInSmallWindow)
         lines->setDirection(QBoxLayout::TopToBottom);
     lines->addLayout(buttons);

@@ -152,7 +152,9 @@ LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails
     auto* add = new Button(QStringLiteral("PNG hinzufügen"), Button::Look::bordered, Button::Size::regular,
                            theme, this);
     connect(add, &Button::clicked, this, callbacks.onImport);
+    // The grid comes after the button, for the Tab key and for screen readers.
     m_grid->followInTabOrder(*add);
+    m_grid->raise();
     auto* hint = new TextLabel(QStringLiteral("Doppelklick = direkt einfügen"), theme.font(smallTextSize),
                                Theme::secondaryText, this);
     m_header = new QBoxLayout(QBoxLayout::LeftToRight);

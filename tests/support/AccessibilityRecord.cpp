@@ -9,6 +9,7 @@
 
 #ifdef VELLMORA_CAN_LISTEN
 #include <private/qguiapplication_p.h>
+
 #include <qpa/qplatformaccessibility.h>
 #include <qpa/qplatformintegration.h>
 #endif

@@ -29,7 +29,8 @@ protected:
     /// In the order of their places on the screen.
     QStringList shownNames() {
         QList<PresetTile*> tiles = grid().findChildren<PresetTile*>();
-        tiles.removeIf([&](const PresetTile* tile) { return this->tile(grid().indexOf(tile->preset().id)) != tile; });
+        tiles.removeIf(
+            [&](const PresetTile* tile) { return this->tile(grid().indexOf(tile->preset().id)) != tile; });
         const auto place = [](const PresetTile* tile) { return std::pair(tile->y(), tile->x()); };
         std::sort(tiles.begin(), tiles.end(), [&](auto* a, auto* b) { return place(a) < place(b); });
         QStringList names;
