@@ -12,8 +12,6 @@ constexpr int buttonSpacing = 8;
 constexpr double statusSize = 12;
 constexpr int signSize = 16;
 constexpr int leastStatusWidth = 220;
-/// The window is at least 1220 points wide.
-constexpr int roomInSmallWindow = 1220 - 2 * CommandBar::padding;
 constexpr int progressHeight = 3;
 
 }  // namespace
@@ -22,19 +20,18 @@ CommandBar::CommandBar(const QList<QAction*>& commands, const Theme& theme, QWid
     : QWidget(parent),
       m_status(new TextLabel({}, theme.font(statusSize), Theme::secondaryText, this)),
       m_signSize(theme.scaled(signSize)),
+      m_lines(new QBoxLayout(QBoxLayout::LeftToRight, this)),
       m_statusLine(new QHBoxLayout) {
-    auto* lines = new QBoxLayout(QBoxLayout::LeftToRight, this);
-    lines->setContentsMargins(padding, padding, padding, padding);
-    lines->setSpacing(buttonSpacing);
+    m_lines->setContentsMargins(padding, padding, padding, padding);
+    m_lines->setSpacing(buttonSpacing);
     QHBoxLayout* buttons = makeButtons(commands, theme);
     m_status->raise();  // last for screen readers, too
-    if (buttons->sizeHint().width() + theme.scaled(leastStatusWidth) > roomInSmallWindow)
-        lines->setDirection(QBoxLayout::TopToBottom);
-    lines->addLayout(buttons);
+    m_oneLineWidth = buttons->sizeHint().width() + theme.scaled(leastStatusWidth) + 2 * padding;
+    m_lines->addLayout(buttons);
     m_statusLine->setSpacing(buttonSpacing);
     m_statusLine->addStretch();
     m_statusLine->addWidget(m_status, 1);
-    lines->addLayout(m_statusLine, 1);
+    m_lines->addLayout(m_statusLine, 1);
     m_status->setMaximumLines(1);
     m_status->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 }
@@ -71,6 +68,11 @@ void CommandBar::setStatus(const QString& text, bool isProblem) {
     }
     if (m_problemSign)
         m_problemSign->setVisible(isProblem);
+}
+
+void CommandBar::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    m_lines->setDirection(width() < m_oneLineWidth ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 void CommandBar::setProgress(std::optional<double> progress) {

@@ -14,7 +14,7 @@
 namespace vellmora {
 
 /// A row of plain text buttons, one for each command, and the status text at its right end, or below it where
-/// large texts leave no room for that. A command's action brings its text, its shortcut, and whether it is
+/// the window leaves no room for that. A command's action brings its text, its shortcut, and whether it is
 /// enabled.
 class CommandBar : public QWidget {
     Q_OBJECT
@@ -33,6 +33,7 @@ public:
     void setProgress(std::optional<double> progress);
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -41,7 +42,9 @@ private:
     TextLabel* m_status;
     SymbolView* m_problemSign = nullptr;  ///< made when there is a problem
     int m_signSize;
+    QBoxLayout* m_lines;
     QHBoxLayout* m_statusLine;
+    int m_oneLineWidth = 0;  ///< with less, the status has a line of its own
     std::optional<double> m_progress;
 };
 

@@ -17,6 +17,8 @@ constexpr double paperContrast = 1.5;
 constexpr double usualFontHeight = 10 * 96.0 / 72;
 constexpr double largestUsualFontHeight = 11.5 * 96.0 / 72;
 constexpr double largestTextScale = 1.5;
+/// What the commands take in a row, at their usual size.
+constexpr double commandsWidth = 880;
 
 double linear(double channel) {
     return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
@@ -55,10 +57,12 @@ QColor Theme::readable(const QColor& color, const QColor& ground) {
 }
 
 /// The font's own pixels are not asked for: that would load the font.
-double Theme::textScaleFor(const QFont& desktopFont, double dotsPerInch) {
+double Theme::textScaleFor(const QFont& desktopFont, double dotsPerInch, int screenWidth) {
     const double height =
         desktopFont.pointSizeF() > 0 ? desktopFont.pointSizeF() * dotsPerInch / 72 : desktopFont.pixelSize();
-    return height > largestUsualFontHeight ? std::min(height / usualFontHeight, largestTextScale) : 1;
+    if (height <= largestUsualFontHeight)
+        return 1;
+    return std::max(1.0, std::min({height / usualFontHeight, largestTextScale, screenWidth / commandsWidth}));
 }
 
 QColor Theme::problem(const QColor& ground) {

@@ -20,9 +20,9 @@ public:
     explicit Theme(SystemFonts fonts, double textScale = 1)
         : m_fonts(std::move(fonts)), m_textScale(textScale) {}
 
-    /// By how much texts are larger than usual on a desktop with this font: 1 to 1.5, which is as much as a
-    /// window on a small screen has room for. `dotsPerInch` are the screen's logical ones.
-    static double textScaleFor(const QFont& desktopFont, double dotsPerInch);
+    /// By how much texts are larger than usual on a desktop with this font: 1 to 1.5, and no more than a
+    /// screen of this width has room for. `dotsPerInch` are the screen's logical ones.
+    static double textScaleFor(const QFont& desktopFont, double dotsPerInch, int screenWidth);
 
     static constexpr QFont::Weight regular = QFont::Normal;
     static constexpr QFont::Weight medium = QFont::Medium;

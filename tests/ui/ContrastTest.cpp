@@ -139,10 +139,10 @@ TEST(StatusTest, AProblemHasASignBesideItsText) {
 }
 
 TEST(TextScaleTest, FollowsTheDesktopsFont) {
-    const auto scale = [](double points, double dotsPerInch) {
+    const auto scale = [](double points, double dotsPerInch, int screenWidth = 1366) {
         QFont font;
         font.setPointSizeF(points);
-        return Theme::textScaleFor(font, dotsPerInch);
+        return Theme::textScaleFor(font, dotsPerInch, screenWidth);
     };
     for (const double usual : {9.0, 10.0, 11.0})
         EXPECT_EQ(scale(usual, 96), 1) << usual;
@@ -152,7 +152,9 @@ TEST(TextScaleTest, FollowsTheDesktopsFont) {
     EXPECT_DOUBLE_EQ(scale(40, 96), 1.5) << "as much as there is room for";
     QFont inPixels;
     inPixels.setPixelSize(20);
-    EXPECT_DOUBLE_EQ(Theme::textScaleFor(inPixels, 96), 1.5);
+    EXPECT_DOUBLE_EQ(Theme::textScaleFor(inPixels, 96, 1366), 1.5);
+    EXPECT_LT(scale(15, 96, 960), 1.1) << "the commands would not fit on the screen";
+    EXPECT_EQ(scale(15, 96, 600), 1);
 }
 
 /// With the largest texts nothing is cut off but what may be, in a window on a small screen.
