@@ -15,7 +15,10 @@ namespace vellmora {
 
 ContentView::ContentView(std::unique_ptr<StampLibrary> library, FilePanels& panels,
                          DocumentProcesses& processes)
-    : m_stampLibrary(std::move(library)), m_panels(panels), m_processes(processes) {}
+    : m_stampLibrary(std::move(library)),
+      m_panels(panels),
+      m_processes(processes),
+      m_stampsObserver(stampsByPage.addNotifier([this] { ++m_stampsRevision; })) {}
 
 ContentView::~ContentView() = default;
 
@@ -36,8 +39,17 @@ QString ContentView::pageDisplayText() const {
     return QStringLiteral("%1 / %2").arg(currentPageIndex.value() + 1).arg(document->pageCount());
 }
 
-QString ContentView::withRemark(const QString& message, const QString& remark) {
-    return remark.isEmpty() ? message : message + QStringLiteral(" – ") + remark;
+void ContentView::report(const QString& text, Outcome outcome) {
+    isStatusProblem = outcome == Outcome::problem;
+    statusText = text;
+    Q_EMIT didReport();
+}
+
+void ContentView::reportWithRemark(const QString& message, const QString& remark) {
+    if (remark.isEmpty())
+        report(message, Outcome::success);
+    else
+        report(message + QStringLiteral(" – ") + remark, Outcome::problem);
 }
 
 qsizetype ContentView::totalStampCount() const {
@@ -52,13 +64,29 @@ static QString notLoaded() {
     return QStringLiteral("PDF konnte nicht geladen werden. ") + Error::current().reason();
 }
 
+/// A document without stamps that was saved without any has nothing to save, whatever was on it in between.
+bool ContentView::hasUnsavedStamps() const {
+    return m_stampsRevision != m_saved.revision && (m_saved.count > 0 || totalStampCount() > 0);
+}
+
+std::optional<qsizetype> ContentView::pageOfSelectedStamp() const {
+    const std::optional<QUuid> selected = selectedStampID;
+    const StampsByPage& stamps = stampsByPage.value();
+    for (auto page = stamps.cbegin(); selected && page != stamps.cend(); ++page) {
+        const auto isSelected = [&](const StampItem& stamp) { return stamp.id == *selected; };
+        if (std::any_of(page->begin(), page->end(), isSelected))
+            return page.key();
+    }
+    return std::nullopt;
+}
+
 void ContentView::openPDF() {
     try {
         const auto url = m_panels.runModal(OpenPanel{QStringLiteral("PDF auswählen"), ContentType::pdf});
         if (url)
             loadPDF(*url);
     } catch (...) {
-        statusText = notLoaded();
+        report(notLoaded(), Outcome::problem);
     }
 }
 
@@ -73,7 +101,7 @@ bool ContentView::handlePDFDrop(const QList<QUrl>& items) {
     const auto file =
         std::find_if(items.begin(), items.end(), [](const QUrl& url) { return url.isLocalFile(); });
     if (file == items.end()) {
-        statusText = QStringLiteral("Bitte eine PDF-Datei ablegen.");
+        report(QStringLiteral("Bitte eine PDF-Datei ablegen."), Outcome::problem);
         return false;
     }
     QMetaObject::invokeMethod(
@@ -83,11 +111,11 @@ bool ContentView::handlePDFDrop(const QList<QUrl>& items) {
 
 void ContentView::loadDroppedFile(const QUrl& url) {
     if (url.path().isEmpty())
-        statusText = QStringLiteral("Drop fehlgeschlagen: Datei konnte nicht gelesen werden.");
+        report(QStringLiteral("Drop fehlgeschlagen: Datei konnte nicht gelesen werden."), Outcome::problem);
     else if (QFileInfo(url.fileName()).suffix().toLower() == QStringLiteral("pdf"))
         loadPDF(url);
     else
-        statusText = QStringLiteral("Nur PDF-Dateien werden unterstützt.");
+        report(QStringLiteral("Nur PDF-Dateien werden unterstützt."), Outcome::problem);
 }
 
 void ContentView::loadPDF(const QUrl& url) {
@@ -103,10 +131,13 @@ void ContentView::loadPDF(const QUrl& url) {
         currentPageIndex = 0;
         stampsByPage = StampsByPage();
         selectedStampID = std::nullopt;
-        statusText =
-            withRemark(QStringLiteral("PDF geladen: ") + url.fileName(), damageText(document->damage()));
+        m_saved = stampsNow();
+        reportWithRemark(QStringLiteral("PDF geladen: ") + url.fileName(), damageText(document->damage()));
     } catch (...) {
-        statusText = work.isCancelled() ? QStringLiteral("Laden abgebrochen.") : notLoaded();
+        if (work.isCancelled())
+            report(QStringLiteral("Laden abgebrochen."), Outcome::success);
+        else
+            report(notLoaded(), Outcome::problem);
     }
 }
 
@@ -128,7 +159,7 @@ static QString isBeingSaved() {
     return QStringLiteral("PDF wird gespeichert…");
 }
 
-static QString notSaved() {
+static QString savingCancelled() {
     return QStringLiteral("Speichern abgebrochen.");
 }
 
@@ -136,20 +167,24 @@ void ContentView::saveOverOriginalPDF() {
     const auto document = pdfDocument.value();
     const std::optional<QUrl> url = pdfSourceURL;
     if (!document || !url) {
-        statusText = QStringLiteral("Keine originale PDF-Datei zum Überschreiben verfügbar.");
+        report(QStringLiteral("Keine originale PDF-Datei zum Überschreiben verfügbar."), Outcome::problem);
         return;
     }
     WorkScope work(*this, isBeingSaved(), WorkScope::AtEnd::finish);
+    const SavedStamps written = stampsNow();
     try {
         const QString missing = work.await([&, stamps = stampsByPage.value()](WorkProgress* progress) {
             return PDFExporter::replaceOriginal(*document, stamps, *url, m_versions, progress);
         });
         pdfSourceURL = url;
-        statusText = withRemark(QStringLiteral("Original überschrieben: ") + url->fileName(), missing);
+        m_saved = written;
+        reportWithRemark(QStringLiteral("Original überschrieben: ") + url->fileName(), missing);
     } catch (...) {
-        statusText = work.isCancelled() ? notSaved()
-                                        : QStringLiteral("Fehler beim Überschreiben: ") +
-                                              Error::current().localizedDescription();
+        if (work.isCancelled())
+            report(savingCancelled(), Outcome::success);
+        else
+            report(QStringLiteral("Fehler beim Überschreiben: ") + Error::current().localizedDescription(),
+                   Outcome::problem);
     }
 }
 
@@ -168,22 +203,27 @@ void ContentView::saveAsNewPDF() {
         if (url)
             saveAsNewPDF(*document, *url);
         else
-            statusText = QStringLiteral("Speichern unter abgebrochen.");
+            report(QStringLiteral("Speichern unter abgebrochen."), Outcome::success);
     } catch (...) {
-        statusText = notSavedAs();
+        report(notSavedAs(), Outcome::problem);
     }
 }
 
 void ContentView::saveAsNewPDF(const PDFDocument& document, const QUrl& url) {
     WorkScope work(*this, isBeingSaved(), WorkScope::AtEnd::finish);
+    const SavedStamps written = stampsNow();
     try {
         const QString missing = work.await([&, stamps = stampsByPage.value()](WorkProgress* progress) {
             return PDFExporter::save(document, stamps, url, m_versions, progress);
         });
         pdfSourceURL = url;
-        statusText = withRemark(QStringLiteral("PDF gespeichert: ") + url.fileName(), missing);
+        m_saved = written;
+        reportWithRemark(QStringLiteral("PDF gespeichert: ") + url.fileName(), missing);
     } catch (...) {
-        statusText = work.isCancelled() ? notSaved() : notSavedAs();
+        if (work.isCancelled())
+            report(savingCancelled(), Outcome::success);
+        else
+            report(notSavedAs(), Outcome::problem);
     }
 }
 
@@ -202,10 +242,11 @@ void ContentView::importStampToLibrary() {
         if (!url)
             return;
         const StampPreset preset = m_stampLibrary->importPreset(*url);
-        statusText = QStringLiteral("Stempel importiert: ") + preset.displayName;
+        report(QStringLiteral("Stempel importiert: ") + preset.displayName, Outcome::success);
     } catch (...) {
-        statusText = QStringLiteral("Stempel konnte nicht importiert werden: ") +
-                     Error::current().localizedDescription();
+        report(QStringLiteral("Stempel konnte nicht importiert werden: ") +
+                   Error::current().localizedDescription(),
+               Outcome::problem);
     }
 }
 
@@ -213,16 +254,17 @@ void ContentView::addStampToCurrentPage(const std::optional<StampPreset>& preset
     try {
         const auto image = preset ? m_stampLibrary->image(*preset) : std::nullopt;
         if (!image) {
-            statusText = QStringLiteral("Kein aktiver Stempel gewählt.");
+            report(QStringLiteral("Kein aktiver Stempel gewählt."), Outcome::problem);
             return;
         }
         addStampToCurrentPage(*image, preset->id);
         const QString name = m_stampLibrary->current(*preset).displayName;
         m_stampLibrary->recordUse(preset->id);
-        statusText = QStringLiteral("Stempel auf Seite ") + QString::number(currentPageIndex.value() + 1) +
-                     QStringLiteral(" eingefügt: ") + name;
+        report(QStringLiteral("Stempel auf Seite ") + QString::number(currentPageIndex.value() + 1) +
+                   QStringLiteral(" eingefügt: ") + name,
+               Outcome::success);
     } catch (...) {
-        statusText = Error::current().localizedDescription();
+        report(Error::current().localizedDescription(), Outcome::problem);
     }
 }
 
@@ -269,7 +311,7 @@ void ContentView::deleteSelectedStamp() {
         onPage.removeIf([&](const StampItem& stamp) { return stamp.id == *selected; });
     stampsByPage = stamps;
     selectedStampID = std::nullopt;
-    statusText = QStringLiteral("Ausgewählter Stempel gelöscht.");
+    report(QStringLiteral("Ausgewählter Stempel gelöscht."), Outcome::success);
 }
 
 void ContentView::removePreset(const QUuid& id) {
@@ -281,10 +323,11 @@ void ContentView::removePreset(const QUuid& id) {
     // The selection stays, even where it names a stamp that is gone: only a deletion and a load clear it.
     try {
         m_stampLibrary->removePreset(id);
-        statusText = QStringLiteral("Stempel aus Bibliothek entfernt.");
+        report(QStringLiteral("Stempel aus Bibliothek entfernt."), Outcome::success);
     } catch (...) {
-        statusText = QStringLiteral("Stempel konnte nicht entfernt werden: ") +
-                     Error::current().localizedDescription();
+        report(QStringLiteral("Stempel konnte nicht entfernt werden: ") +
+                   Error::current().localizedDescription(),
+               Outcome::problem);
     }
 }
 

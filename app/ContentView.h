@@ -12,6 +12,7 @@
 
 #include <QObject>
 #include <QProperty>
+#include <QPropertyNotifier>
 #include <QUrl>
 
 namespace vellmora {
@@ -46,6 +47,8 @@ public:
     QProperty<qsizetype> currentPageIndex{0};  ///< 0-based
     QProperty<std::optional<QUuid>> selectedStampID;
     QProperty<QString> statusText{QStringLiteral("PDF laden, Stempelbibliothek füllen und loslegen.")};
+    /// The status text tells of something that went wrong, or that is missing.
+    QProperty<bool> isStatusProblem{false};
     QProperty<bool> isPDFDropTargeted{false};
     /// The file that the document came from or was last saved to; what "Speichern" writes over.
     QProperty<std::optional<QUrl>> pdfSourceURL;
@@ -62,6 +65,15 @@ public:
     QString pageDisplayText() const;
     /// Stamps on all pages.
     qsizetype totalStampCount() const;
+    /// Stamps were placed, changed or removed since the document was loaded or last saved.
+    bool hasUnsavedStamps() const;
+    /// The page that the selected stamp lies on; nothing without one.
+    std::optional<qsizetype> pageOfSelectedStamp() const;
+
+    enum class Outcome { success, problem };
+    /// Every command ends with this: it writes the status text and says so, also where the text is the same
+    /// as before.
+    void report(const QString& text, Outcome outcome);
 
     void openPDF();
     /// Takes the first file of what was dropped and answers true, or refuses the drop. The file is loaded
@@ -86,6 +98,8 @@ Q_SIGNALS:
     /// In between, once the work has taken a while. The event loop runs.
     void worksLong();
     void didWork();
+    /// The status text says what a command did, or what is being done.
+    void didReport();
     /// A stamp with these bytes is placed next; `image` is what they hold. A view that shows it need not
     /// decode them again.
     void willPlaceStamp(const QByteArray& imageData, const Image& image);
@@ -93,8 +107,15 @@ Q_SIGNALS:
 private:
     class WorkScope;
 
-    /// A message and, where there is something to add, that.
-    static QString withRemark(const QString& message, const QString& remark);
+    /// The stamps as a document has them that was just loaded or saved.
+    struct SavedStamps {
+        qint64 revision = 0;
+        qsizetype count = 0;
+    };
+
+    /// Reports a success and, where there is something missing, that.
+    void reportWithRemark(const QString& message, const QString& remark);
+    SavedStamps stampsNow() const { return {m_stampsRevision, totalStampCount()}; }
     void loadDroppedFile(const QUrl& url);
     void addStampToCurrentPage(const Image& image, const QUuid& presetID);
     QByteArray sharedWithPlacedStamps(const QByteArray& imageData) const;
@@ -108,6 +129,9 @@ private:
     DocumentProcesses& m_processes;
     WorkProgress* m_work = nullptr;  ///< of the work that is being done
     FileVersions m_versions;         ///< of the document's file
+    qint64 m_stampsRevision = 0;     ///< counts the changes of `stampsByPage`
+    SavedStamps m_saved;
+    QPropertyNotifier m_stampsObserver;
     SerialQueue m_workQueue;
 };
 

@@ -23,6 +23,7 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
       m_renderer(renderer),
       m_commands(makeCommands()),
       m_window(std::make_unique<MainWindow>(makeCallbacks(), theme)),
+      m_announcer(*m_content, *m_window),
       m_bridge{m_content->pdfDocument, m_content->stampsByPage, m_content->currentPageIndex,
                m_content->selectedStampID} {
     observe(m_content->pdfDocument);
@@ -30,6 +31,7 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
     observe(m_content->currentPageIndex);
     observe(m_content->selectedStampID);
     observe(m_content->statusText);
+    observe(m_content->isStatusProblem);
     observe(m_content->isPDFDropTargeted);
     observe(m_content->pdfSourceURL);
     observe(m_content->workProgress);
@@ -39,6 +41,7 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
         m_hasLibraryChanged = true;
         scheduleRefresh();
     });
+    connect(m_content.get(), &ContentView::didReport, this, &ContentWindow::scheduleRefresh);
     connect(m_content.get(), &ContentView::willWork, this, &ContentWindow::beginWork);
     connect(m_content.get(), &ContentView::worksLong, this, &ContentWindow::showWaitCursor);
     connect(m_content.get(), &ContentView::didWork, this, &ContentWindow::endWork);
@@ -54,14 +57,18 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
 
 ContentWindow::~ContentWindow() = default;
 
+/// Of the exception that is being handled.
+static QString commandFailed() {
+    return QStringLiteral("Befehl fehlgeschlagen: ") + Error::current().localizedDescription();
+}
+
 /// Runs what a view asked for. Qt ends the program where an exception reaches its event loop.
 template <typename Action>
 void ContentWindow::attempt(Action action) {
     try {
         action();
     } catch (...) {
-        m_content->statusText =
-            QStringLiteral("Befehl fehlgeschlagen: ") + Error::current().localizedDescription();
+        m_content->report(commandFailed(), ContentView::Outcome::problem);
     }
 }
 
@@ -98,11 +105,7 @@ QList<ContentWindow::Command> ContentWindow::makeCommands() {
         [&] { content.addStampToCurrentPage(content.stampLibrary().selectedPreset()); },
         [&, hasDocument] { return hasDocument() && content.stampLibrary().selectedPreset().has_value(); });
     add(
-        QStringLiteral("Ausgewählten löschen"), {},
-        [&, this] {
-            content.deleteSelectedStamp();
-            m_nextFocus = Focus::page;
-        },
+        QStringLiteral("Ausgewählten löschen"), {}, [this] { deleteSelectedStamp(); },
         [&] { return content.selectedStampID.value().has_value(); });
     add(
         ContentView::actionLabel(SaveMode::overwriteOriginal), Qt::CTRL | Qt::Key_S,
@@ -184,7 +187,13 @@ bool ContentWindow::event(QEvent* event) {
     if (event->type() != refreshEvent)
         return QObject::event(event);
     m_isRefreshScheduled = false;
-    attempt([this] { refresh(); });
+    try {
+        refresh();
+    } catch (...) {
+        // A report would have it refreshed again, and so on where that fails each time.
+        m_content->isStatusProblem = true;
+        m_content->statusText = commandFailed();
+    }
     return true;
 }
 
@@ -198,11 +207,28 @@ void ContentWindow::refresh() {
     // Before the control that has the focus is disabled or goes away, and Qt moves it.
     moveFocus();
     enableCommands();
-    m_window->commandBar().setStatusText(m_content->statusText);
+    showTitle();
+    m_window->commandBar().setStatus(m_content->statusText, m_content->isStatusProblem);
     m_window->commandBar().setProgress(m_content->workProgress);
     m_window->sidebar().setFigures(workspaceFigures());
     if (std::exchange(m_hasLibraryChanged, false))
         m_window->sidebar().setLibrary(libraryContent());
+    m_announcer.tellChanges();
+}
+
+void ContentWindow::showTitle() {
+    const bool hasDocument = m_content->pdfDocument.value() != nullptr;
+    m_window->showDocument(hasDocument ? m_content->defaultSaveAsFilename() : QString(),
+                           hasDocument && m_content->hasUnsavedStamps());
+}
+
+/// Nothing is deleted unseen: the page that the stamp lies on is turned to.
+void ContentWindow::deleteSelectedStamp() {
+    const std::optional<qsizetype> page = m_content->pageOfSelectedStamp();
+    if (page && m_editor)
+        m_editor->displayPage(*page);
+    m_content->deleteSelectedStamp();
+    m_nextFocus = Focus::page;
 }
 
 void ContentWindow::makeEditor() {
@@ -213,6 +239,7 @@ void ContentWindow::makeEditor() {
         QMetaObject::invokeMethod(
             this, [this, id] { command([this, id] { deleteStamp(id); })(); }, Qt::QueuedConnection);
     };
+    m_announcer.watch(*m_editor);
     m_window->editorArea().setEditor(m_editor);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Announcer.h"
 #include "app/ContentView.h"
 #include "app/LastInput.h"
 #include "editor/PDFEditorView.h"
@@ -64,6 +65,8 @@ private:
     void makeEditor();
     void moveFocus();
     void deleteStamp(const QUuid& id);
+    void deleteSelectedStamp();
+    void showTitle();
     QString nameOfStamp(const StampItem& stamp) const;
     WorkspaceFigures workspaceFigures() const;
     LibraryContent libraryContent() const;
@@ -72,6 +75,7 @@ private:
     PageRenderer& m_renderer;
     QList<Command> m_commands;
     std::unique_ptr<MainWindow> m_window;
+    Announcer m_announcer;
     PDFEditorView m_bridge;
     EditorHostView* m_editor = nullptr;
     std::vector<QPropertyNotifier> m_observers;

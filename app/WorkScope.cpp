@@ -1,6 +1,7 @@
 #include "app/WorkScope.h"
 
 #include <chrono>
+#include <utility>
 
 #include <QEventLoop>
 #include <QScopeGuard>
@@ -69,8 +70,11 @@ void ContentView::WorkScope::show() {
     const qint64 total = m_progress.total();
     const bool isKnown = total > 0;
     m_content.workProgress = isKnown ? static_cast<double>(done) / static_cast<double>(total) : 0;
-    m_content.statusText =
-        isKnown ? m_text + QStringLiteral(" Seite %1 von %2").arg(done).arg(total) : m_text;
+    const QString text = isKnown ? m_text + QStringLiteral(" Seite %1 von %2").arg(done).arg(total) : m_text;
+    if (std::exchange(m_isShown, true))
+        m_content.statusText = text;
+    else
+        m_content.report(text, Outcome::success);
 }
 
 }  // namespace vellmora

@@ -46,6 +46,7 @@ private:
     QString m_text;
     AtEnd m_atEnd;
     WorkProgress m_progress;
+    bool m_isShown = false;  ///< reported: from then on the status text follows the work
 };
 
 }  // namespace vellmora

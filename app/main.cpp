@@ -22,7 +22,10 @@ int main(int argc, char** argv) {
     auto library = std::make_unique<StampLibrary>(
         StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
     auto content = std::make_unique<ContentView>(std::move(library), panels, processes);
-    ContentWindow window(std::move(content), renderer, Theme(fonts));
+    const QScreen& screen = *QGuiApplication::primaryScreen();
+    const Theme theme(fonts, Theme::textScaleFor(QGuiApplication::font(), screen.logicalDotsPerInchY(),
+                                                 screen.availableSize().width()));
+    ContentWindow window(std::move(content), renderer, theme);
     window.window().fitInto(window.window().screen()->availableSize());
     const FirstPaint firstPaint(window.window());
     QObject::connect(&firstPaint, &FirstPaint::completed, &renderer, &ProcessRenderer::prepare);

@@ -19,6 +19,8 @@ constexpr double handleCornerRadius = 3;
 constexpr double focusInset = 3;
 constexpr float borderAlpha = 0.75F;
 constexpr float handleAlpha = 0.9F;
+constexpr QColor handleEdge{0x6e, 0x6e, 0x6e};
+constexpr double handleEdgeInset = 0.5;
 
 QColor white(float alpha) {
     QColor color(Qt::white);
@@ -167,10 +169,16 @@ void InteractiveStampView::paintBorder(QPainter& painter) const {
 }
 
 void InteractiveStampView::paintHandle(QPainter& painter) const {
+    const Rect handle = stampgeometry::resizeHandleRect({0, 0, double(width()), double(height())});
+    QRectF shape = toQt(handle, height());
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_isSelectedStamp ? colors::systemBlue : white(handleAlpha));
-    const Rect handle = stampgeometry::resizeHandleRect({0, 0, double(width()), double(height())});
-    painter.drawRoundedRect(toQt(handle, height()), handleCornerRadius, handleCornerRadius);
+    if (!m_isSelectedStamp) {
+        // On white paper a white handle would look like a hole in the stamp.
+        painter.setPen(QPen(handleEdge, 1));
+        shape.adjust(handleEdgeInset, handleEdgeInset, -handleEdgeInset, -handleEdgeInset);
+    }
+    painter.drawRoundedRect(shape, handleCornerRadius, handleCornerRadius);
 }
 
 }  // namespace vellmora

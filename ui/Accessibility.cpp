@@ -1,8 +1,8 @@
 #include "ui/Accessibility.h"
 
+#include "ui/Button.h"
 #include "ui/MainWindow.h"
-#include "ui/PresetGrid.h"
-#include "ui/PresetItem.h"
+#include "ui/PresetGridAccessible.h"
 #include "ui/SidebarBoxes.h"
 
 #include <QAccessibleWidget>
@@ -10,10 +10,6 @@
 namespace vellmora {
 
 namespace {
-
-const QString selectAction = QStringLiteral("Auswählen");
-const QString insertAction = QStringLiteral("Einfügen");
-const QString deleteAction = QStringLiteral("Löschen");
 
 class PresetItemAccessible : public QAccessibleWidget {
 public:
@@ -27,29 +23,86 @@ public:
         return state;
     }
     QStringList actionNames() const override {
-        QStringList names{selectAction, insertAction};
-        if (m_item->canDelete())
-            names.append(deleteAction);
-        return names;
+        return presetactions::names(m_item->canDelete()) + QAccessibleWidget::actionNames();
     }
     void doAction(const QString& name) override {
-        if (name == selectAction)
-            m_item->select();
-        else if (name == insertAction)
-            m_item->insert();
-        else if (name == deleteAction && m_item->canDelete())
-            m_item->remove();
+        if (const auto* action = presetactions::find(name, m_item->callbacks()))
+            (*action)(m_item->preset());
+        else
+            QAccessibleWidget::doAction(name);
+    }
+    QStringList keyBindingsForAction(const QString& name) const override {
+        return presetactions::keyBindings(name);
+    }
+    // Qt hides menus from their parent's children. Nothing else leads to this one.
+    int childCount() const override { return QAccessibleWidget::childCount() + (m_item->openMenu() ? 1 : 0); }
+    QAccessibleInterface* child(int index) const override {
+        return index == QAccessibleWidget::childCount()
+                   ? QAccessible::queryAccessibleInterface(m_item->openMenu())
+                   : QAccessibleWidget::child(index);
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        const bool isMenu = child && child->object() && child->object() == m_item->openMenu();
+        return isMenu ? QAccessibleWidget::childCount() : QAccessibleWidget::indexOfChild(child);
     }
 
 private:
     PresetItem* m_item;
 };
 
+/// A button with the keys that do the same as it.
+class ButtonAccessible : public QAccessibleWidget {
+public:
+    explicit ButtonAccessible(Button* button)
+        : QAccessibleWidget(button, QAccessible::Button), m_button(button) {}
+
+    QString text(QAccessible::Text kind) const override {
+        switch (kind) {
+            case QAccessible::Name:
+                return m_button->accessibleName().isEmpty() ? m_button->text() : m_button->accessibleName();
+            case QAccessible::Accelerator:
+                return keys();
+            case QAccessible::Description:
+                return m_button->accessibleDescription();
+            default:
+                return QAccessibleWidget::text(kind);
+        }
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.pressed = m_button->isDown();
+        return state;
+    }
+    QStringList actionNames() const override {
+        QStringList names = QAccessibleWidget::actionNames();
+        if (m_button->isEnabled())
+            names.prepend(pressAction());
+        return names;
+    }
+    /// The tool waits for the answer, and what the button does may take its time.
+    void doAction(const QString& name) override {
+        if (name == pressAction())
+            QMetaObject::invokeMethod(m_button, &Button::click, Qt::QueuedConnection);
+        else
+            QAccessibleWidget::doAction(name);
+    }
+    QStringList keyBindingsForAction(const QString& name) const override {
+        return name == pressAction() && !keys().isEmpty() ? QStringList{keys()} : QStringList();
+    }
+
+private:
+    QString keys() const { return m_button->shownShortcut().toString(QKeySequence::NativeText); }
+
+    Button* m_button;
+};
+
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     if (auto* item = qobject_cast<PresetItem*>(object))
         return new PresetItemAccessible(item);
     if (auto* grid = qobject_cast<PresetGrid*>(object))
-        return new QAccessibleWidget(grid, QAccessible::List);
+        return new PresetGridAccessible(grid);
+    if (auto* button = qobject_cast<Button*>(object))
+        return new ButtonAccessible(button);
     if (auto* box = qobject_cast<GroupBox*>(object))
         return new QAccessibleWidget(box, QAccessible::Grouping);
     if (auto* window = qobject_cast<MainWindow*>(object))

@@ -17,6 +17,8 @@ public:
 
     void setPreset(const std::optional<StampPreset>& preset);
     void setHasDocument(bool hasDocument);
+    /// The one that comes last for the Tab key.
+    QWidget& lastButton() { return *m_remove; }
 
 private:
     QWidget* makeStamp(Thumbnails& thumbnails, const Theme& theme);

@@ -1,6 +1,7 @@
 #include "ui/Button.h"
 
 #include "base/SystemColors.h"
+#include "ui/ToolTip.h"
 
 #include <QPainter>
 
@@ -11,41 +12,47 @@ namespace {
 constexpr double cornerRadius = 6;
 constexpr double disabledOpacity = 0.4;
 
-struct Metrics {
-    int height;
-    int padding;
-    double textSize;
-    double symbolSize;
-};
-
-Metrics metricsOf(Button::Size size) {
-    return size == Button::Size::small ? Metrics{24, 9, 11, 15} : Metrics{28, 12, 13, 18};
-}
-
 }  // namespace
 
+Button::Metrics Button::metricsOf(Size size, const Theme& theme) {
+    const Metrics usual = size == Size::small ? Metrics{24, 9, 11, 15} : Metrics{28, 12, 13, 18};
+    return {theme.scaled(usual.height), usual.padding, usual.textSize, theme.scaled(usual.symbolSize)};
+}
+
 Button::Button(const QString& text, Look look, Size size, const Theme& theme, QWidget* parent)
-    : QPushButton(text, parent), m_look(look), m_size(size) {
-    setFont(theme.font(metricsOf(size).textSize, Theme::medium));
+    : QPushButton(text, parent), m_look(look), m_metrics(metricsOf(size, theme)) {
+    setFont(theme.font(m_metrics.textSize, Theme::medium));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     // The Tab key moves the focus here; a click does not.
     setFocusPolicy(Qt::TabFocus);
 }
 
-Button::Button(Symbol symbol, const QString& name, Look look, Size size, const Theme& theme, QWidget* parent)
+Button::Button(Symbol symbol, Look look, Size size, const Theme& theme, QWidget* parent)
     : Button(QString(), look, size, theme, parent) {
     m_symbol = symbol;
-    setAccessibleName(name);
 }
 
-int Button::heightOf(Size size) {
-    return metricsOf(size).height;
+int Button::heightOf(Size size, const Theme& theme) {
+    return metricsOf(size, theme).height;
+}
+
+void Button::setName(const QString& name) {
+    if (name == accessibleName())
+        return;
+    setAccessibleName(name);
+    setToolTip(toolTipOf(name));
+}
+
+void Button::showShortcut(const QKeySequence& shortcut) {
+    m_shownShortcut = shortcut;
+    if (!shortcut.isEmpty())
+        setToolTip(
+            toolTipOf(QStringLiteral("%1 (%2)").arg(text(), shortcut.toString(QKeySequence::NativeText))));
 }
 
 QSize Button::sizeHint() const {
-    const Metrics metrics = metricsOf(m_size);
-    const double content = m_symbol ? metrics.symbolSize : QFontMetricsF(font()).horizontalAdvance(text());
-    return {qRound(content) + 2 * metrics.padding, metrics.height};
+    const double content = m_symbol ? m_metrics.symbolSize : QFontMetricsF(font()).horizontalAdvance(text());
+    return {qRound(content) + 2 * m_metrics.padding, m_metrics.height};
 }
 
 QColor Button::background() const {
@@ -81,7 +88,7 @@ void Button::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
     m_focusRing.paint(painter, rect(), cornerRadius, palette());
     if (m_symbol) {
-        const double side = metricsOf(m_size).symbolSize;
+        const double side = m_metrics.symbolSize;
         const QRectF square(QRectF(rect()).center() - QPointF(side, side) / 2, QSizeF(side, side));
         drawSymbol(painter, *m_symbol, square, foreground());
         return;
@@ -89,6 +96,11 @@ void Button::paintEvent(QPaintEvent*) {
     painter.setFont(font());
     painter.setPen(foreground());
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+}
+
+void Button::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (!m_ignoresSecondClick)
+        QPushButton::mouseDoubleClickEvent(event);
 }
 
 void Button::enterEvent(QEnterEvent* event) {

@@ -10,6 +10,7 @@ namespace {
 constexpr int horizontalPadding = 28;
 constexpr int verticalPadding = 26;
 constexpr int itemSpacing = 10;
+constexpr int usualWidth = 420;
 constexpr int symbolSize = 28;
 constexpr double titleSize = 18;
 constexpr double subtitleSize = 12;
@@ -47,8 +48,15 @@ DropZone::DropZone(const Theme& theme, QWidget* parent)
     stack->setSpacing(itemSpacing);
     stack->addWidget(m_symbol, 0, Qt::AlignHCenter);
     stack->addWidget(m_title);
-    stack->addWidget(makeTextOnDark(QStringLiteral("Unterstützt einzelne PDF-Dateien per Drag & Drop"),
-                                    theme.font(subtitleSize), 0.72, this));
+    TextLabel* subtitle = makeTextOnDark(QStringLiteral("Unterstützt einzelne PDF-Dateien per Drag & Drop"),
+                                         theme.font(subtitleSize), 0.72, this);
+    // Large texts need two lines.
+    constexpr int room = usualWidth - 2 * side;
+    if (subtitle->sizeHint().width() > room) {
+        subtitle->setWordWrap(true);
+        subtitle->setFixedHeight(subtitle->heightForWidth(room));
+    }
+    stack->addWidget(subtitle);
     setTargeted(false);
 }
 

@@ -64,6 +64,17 @@ void MainWindow::fitInto(const QSize& room) {
     setMinimumSize(minimumContentSize.boundedTo(room - frame).expandedTo(layout()->minimumSize()));
 }
 
+void MainWindow::showDocument(const QString& name, bool isModified) {
+    // Qt puts its mark where "[*]" stands, and "[*][*]" is what stands for itself.
+    const QString shown = QString(name).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    const QString title =
+        name.isEmpty() ? QStringLiteral("Vellmora") : shown + QStringLiteral("[*] — Vellmora");
+    if (title != windowTitle())
+        setWindowTitle(title);
+    if (isModified != isWindowModified())
+        setWindowModified(isModified);
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (std::none_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); }))

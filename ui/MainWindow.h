@@ -34,6 +34,10 @@ public:
     /// below the least sizes of the window's parts.
     void fitInto(const QSize& room);
 
+    /// Names the document in the title bar, with the desktop's mark for one that is not saved. An empty name:
+    /// there is none.
+    void showDocument(const QString& name, bool isModified);
+
     CommandBar& commandBar() { return *m_commandBar; }
     Sidebar& sidebar() { return *m_sidebar; }
     EditorArea& editorArea() { return *m_editorArea; }

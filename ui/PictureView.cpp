@@ -39,6 +39,16 @@ void PictureView::showEvent(QShowEvent*) {
     m_thumbnails.prepare(m_source, wantedPixels());
 }
 
+/// A little larger than the picture, and within the padding around it.
+void PictureView::paintPaper(QPainter& painter, const QRectF& picture) const {
+    const std::optional<QColor> paper = Theme::paperUnderPictures(palette());
+    if (!paper)
+        return;
+    const double margin = m_style.padding / 2.0;
+    painter.setBrush(*paper);
+    painter.drawRoundedRect(picture.adjusted(-margin, -margin, margin, margin), margin, margin);
+}
+
 void PictureView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -68,6 +78,7 @@ void PictureView::paintEvent(QPaintEvent*) {
     const QPointF offset =
         frame.topLeft() + QPointF(frame.width() - size.width(), frame.height() - size.height()) / 2;
     const QPointF snapped(qRound(offset.x() * ratio) / ratio, qRound(offset.y() * ratio) / ratio);
+    paintPaper(painter, QRectF(snapped, size));
     painter.setRenderHint(QPainter::SmoothPixmapTransform, !isExact);
     painter.drawPixmap(QRectF(snapped, size), m_shown, QRectF(m_shown.rect()));
 }

@@ -9,8 +9,8 @@
 
 namespace vellmora {
 
-/// A picture scaled to fit into its frame, on a tinted ground with round corners. Where there is no picture,
-/// a symbol stands for it.
+/// A picture scaled to fit into its frame, on a tinted ground with round corners. Where that ground is dark,
+/// the picture lies on a sheet of paper. Where there is no picture, a symbol stands for it.
 class PictureView : public QWidget {
     Q_OBJECT
 
@@ -42,6 +42,7 @@ protected:
 private:
     void thumbnailChanged(const QString& version);
     QSize wantedPixels() const;
+    void paintPaper(QPainter& painter, const QRectF& picture) const;
 
     Style m_style;
     Thumbnails& m_thumbnails;

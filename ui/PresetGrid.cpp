@@ -1,9 +1,13 @@
 #include "ui/PresetGrid.h"
 
+#include "ui/ShownOrder.h"
+
 #include <algorithm>
 #include <utility>
 
-#include <QKeyEvent>
+#include <QAccessible>
+#include <QApplication>
+#include <QCursor>
 #include <QSet>
 
 namespace vellmora {
@@ -16,19 +20,19 @@ PresetGrid::PresetGrid(PresetItem::Callbacks callbacks, PictureOf pictureOf, Thu
       m_thumbnails(thumbnails),
       m_theme(std::move(theme)) {}
 
-int PresetGrid::columnCount(int width) {
-    return std::max(1, (width + spacing) / (minimumColumnWidth + spacing));
+int PresetGrid::columnCount() const {
+    return std::max(1, (width() + spacing) / (m_theme.scaled(minimumColumnWidth) + spacing));
 }
 
-int PresetGrid::columnWidth(int width) {
-    const int columns = columnCount(width);
-    return (width - (columns - 1) * spacing) / columns;
+int PresetGrid::columnWidth() const {
+    const int columns = columnCount();
+    return (width() - (columns - 1) * spacing) / columns;
 }
 
 /// A row is as high as its highest tile.
 QList<PresetGrid::Row> PresetGrid::layOutRows() const {
-    const int columns = columnCount(width());
-    const PresetTile::Heights heights(columnWidth(width()), m_theme);
+    const int columns = columnCount();
+    const PresetTile::Heights heights(columnWidth(), m_theme);
     QList<Row> rows;
     int top = 0;
     for (qsizetype first = 0; first < m_data.presets.size(); first += columns) {
@@ -46,6 +50,10 @@ void PresetGrid::updateRows() {
     m_rows = layOutRows();
     setFixedHeight(m_rows.isEmpty() ? 0 : m_rows.last().top + m_rows.last().height);
     showTiles(Refresh::allTiles);
+    if (!QAccessible::isActive())
+        return;
+    QAccessibleEvent event(this, QAccessible::ObjectReorder);
+    QAccessible::updateAccessibility(&event);
 }
 
 void PresetGrid::resizeEvent(QResizeEvent* event) {
@@ -53,13 +61,32 @@ void PresetGrid::resizeEvent(QResizeEvent* event) {
         updateRows();
 }
 
+void PresetGrid::leaveEvent(QEvent*) {
+    if (m_awaited)
+        showEntries(*std::exchange(m_awaited, std::nullopt));
+}
+
 void PresetGrid::setData(const Data& newData) {
+    m_awaited.reset();
+    if (!underMouse())
+        return showEntries(newData);
+    const Data now{inShownOrder(newData.presets, m_data.presets), newData.selectedPresetID};
+    if (now.presets != newData.presets)
+        m_awaited = newData;
+    showEntries(now);
+}
+
+void PresetGrid::showEntries(const Data& newData) {
     const bool hasOtherPresets = newData.presets != m_data.presets;
+    const qsizetype current = currentIndex();
     m_data = newData;
-    if (hasOtherPresets)
-        updateRows();
-    else
-        showTiles(Refresh::allTiles);
+    if (!hasOtherPresets)
+        return showTiles(Refresh::allTiles);
+    keepFocus(current);
+    updateRows();
+    PresetTile* focused = m_tiles.value(m_current);
+    if (focused && focused->hasFocus() && focused->showsFocus())
+        Q_EMIT focusedTileMoved(focused);
 }
 
 void PresetGrid::setVisibleSpan(int top, int bottom) {
@@ -72,13 +99,17 @@ void PresetGrid::showTiles(Refresh refresh) {
     const auto isBefore = [](const Row& row, int y) { return row.top + row.height < y; };
     const auto firstRow = std::lower_bound(m_rows.begin(), m_rows.end(), m_visibleTop, isBefore);
     const auto lastRow = std::lower_bound(m_rows.begin(), m_rows.end(), m_visibleBottom, isBefore);
-    const int columns = columnCount(width());
+    const int columns = columnCount();
     const qsizetype first = std::max<qsizetype>(0, firstRow - m_rows.begin() - 1) * columns;
     const qsizetype last = std::min((lastRow - m_rows.begin() + 2) * columns, m_data.presets.size());
+    const qsizetype current = currentIndex();
+    const bool isCurrentApart = current >= 0 && (current < first || current >= last);
 
     QSet<QUuid> wanted;
     for (qsizetype i = first; i < last; ++i)
         wanted.insert(m_data.presets[i].id);
+    if (isCurrentApart)
+        wanted.insert(m_data.presets[current].id);
     QList<PresetTile*> unwanted;
     m_tiles.removeIf([&](const auto& entry) {
         if (wanted.contains(entry.key()))
@@ -88,67 +119,52 @@ void PresetGrid::showTiles(Refresh refresh) {
     });
     for (qsizetype i = first; i < last; ++i)
         place(i, refresh);
-    updateTabOrder(first, last);
-    // Hiding a tile moves its focus to another tile, which is then scrolled into sight, and that calls this
-    // function again. So it is done last.
+    if (isCurrentApart)
+        place(current, refresh);
+    updateTabStop();
+    // Hiding a tile that has the focus moves that on, something may be scrolled into sight then, and that
+    // calls this function again. So it is done last.
     for (PresetTile* tile : unwanted) {
         tile->hide();
         tile->deleteLater();
     }
+    followPointer();
+}
+
+QRect PresetGrid::tileArea(qsizetype index) const {
+    const int columns = columnCount();
+    const int width = columnWidth();
+    const Row& row = m_rows[index / columns];
+    return {static_cast<int>(index % columns) * (width + spacing), row.top, width, row.height};
 }
 
 void PresetGrid::place(qsizetype index, Refresh refresh) {
     const StampPreset& preset = m_data.presets[index];
     PresetTile*& tile = m_tiles[preset.id];
     const bool isNew = !tile;
-    if (isNew)
+    if (isNew) {
         tile = new PresetTile(m_callbacks, m_thumbnails, m_theme, this);
+        tile->installEventFilter(this);
+    }
     if (isNew || refresh == Refresh::allTiles)
-        tile->setData({preset, m_pictureOf(preset), m_data.selectedPresetID == preset.id});
-    const int columns = columnCount(width());
-    const int tileWidth = columnWidth(width());
-    const Row& row = m_rows[index / columns];
-    tile->setGeometry(static_cast<int>(index % columns) * (tileWidth + spacing), row.top, tileWidth,
-                      row.height);
+        tile->setData({preset, m_pictureOf(preset), isSelected(index)});
+    tile->setGeometry(tileArea(index));
     if (isNew)
         tile->show();
 }
 
-void PresetGrid::updateTabOrder(qsizetype first, qsizetype last) {
-    QWidget* previous = nullptr;
-    for (qsizetype i = first; i < last; ++i) {
-        PresetTile* tile = m_tiles.value(m_data.presets[i].id);
-        if (previous)
-            setTabOrder(previous, tile);
-        setTabOrder(tile, &tile->insertButton());
-        setTabOrder(&tile->insertButton(), &tile->deleteButton());
-        previous = &tile->deleteButton();
-    }
-}
-
-std::optional<qsizetype> PresetGrid::focusedIndex() const {
-    for (qsizetype i = 0; i < m_data.presets.size(); ++i) {
-        const PresetTile* tile = m_tiles.value(m_data.presets[i].id);
-        if (tile && tile->hasFocus())
-            return i;
-    }
-    return std::nullopt;
-}
-
-/// The arrow keys go from tile to tile.
-void PresetGrid::keyPressEvent(QKeyEvent* event) {
-    static const QHash<int, std::pair<int, int>> steps{
-        {Qt::Key_Left, {-1, 0}}, {Qt::Key_Right, {1, 0}}, {Qt::Key_Up, {0, -1}}, {Qt::Key_Down, {0, 1}}};
-    const auto step = steps.constFind(event->key());
-    const auto focused = focusedIndex();
-    if (step == steps.constEnd() || !focused)
-        return QWidget::keyPressEvent(event);
-    const qsizetype next = *focused + step->first + qsizetype{step->second} * columnCount(width());
-    if (next < 0 || next >= m_data.presets.size())
+/// Qt tells a widget that the pointer is over it when the pointer moves, not when the widget does.
+void PresetGrid::followPointer() {
+    if (!window()->underMouse())
         return;
-    // The scroll area scrolls a tile that gets the focus into sight. The tiles around it are made then.
-    if (PresetTile* tile = m_tiles.value(m_data.presets[next].id))
-        tile->setFocus(Qt::TabFocusReason);
+    const QWidget* under = QApplication::widgetAt(QCursor::pos());
+    for (auto* button : findChildren<Button*>()) {
+        const bool isUnder = button == under;
+        if (button->underMouse() == isUnder)
+            continue;
+        button->setAttribute(Qt::WA_UnderMouse, isUnder);
+        button->update();
+    }
 }
 
 }  // namespace vellmora

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QAccessible>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -16,7 +17,9 @@ PresetItem::PresetItem(const Look& look, Callbacks callbacks, QWidget* parent)
 void PresetItem::setData(const Data& newData) {
     const bool isSelectionChanged = newData.isSelected != m_data.isSelected;
     m_data = newData;
-    setAccessibleName(newData.preset.displayName);
+    // Assistive tools are told each time that it is set.
+    if (accessibleName() != newData.preset.displayName)
+        setAccessibleName(newData.preset.displayName);
     if (!isSelectionChanged)
         return;
     update();
@@ -57,9 +60,41 @@ void PresetItem::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
             return insert();
+        case Qt::Key_Delete:
+            if (canDelete())
+                return remove();
+            break;
+        case Qt::Key_F10:
+            // With Shift, what the menu key does: Qt leaves it to the program on this platform.
+            if (event->modifiers() & Qt::ShiftModifier)
+                return showMenu(mapToGlobal(rect().center()));
+            break;
         default:
-            return QWidget::keyPressEvent(event);
+            break;
     }
+    QWidget::keyPressEvent(event);
+}
+
+void PresetItem::contextMenuEvent(QContextMenuEvent* event) {
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    showMenu(isByKey ? mapToGlobal(rect().center()) : event->globalPos());
+}
+
+/// What is chosen may end this item: it is done when the menu is closed.
+void PresetItem::showMenu(const QPoint& globalPosition) {
+    auto* menu = new QMenu(this);
+    m_menu = menu;
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setAccessibleName(m_data.preset.displayName);
+    const auto add = [&](const QString& text, const auto& action) {
+        menu->addAction(
+            text, this, [preset = m_data.preset, action] { action(preset); }, Qt::QueuedConnection);
+    };
+    add(QStringLiteral("Auswählen"), m_callbacks.onSelect);
+    add(QStringLiteral("Einfügen"), m_callbacks.onInsert);
+    if (canDelete())
+        add(QStringLiteral("Löschen"), m_callbacks.onDelete);
+    menu->popup(globalPosition);
 }
 
 void PresetItem::focusInEvent(QFocusEvent* event) {

@@ -7,12 +7,14 @@
 
 #include <functional>
 
+#include <QMenu>
+#include <QPointer>
 #include <QWidget>
 
 namespace vellmora {
 
 /// What tile and row have in common. Each shows one entry of the library. A click or the Space key selects
-/// it, the Return key inserts it.
+/// it, the Return key inserts it, the Delete key deletes it where that is offered; a menu has the same.
 class PresetItem : public QWidget {
     Q_OBJECT
 
@@ -40,23 +42,33 @@ public:
     bool isSelected() const { return m_data.isSelected; }
     virtual void setData(const Data& newData);
 
+    const Callbacks& callbacks() const { return m_callbacks; }
     bool canDelete() const { return bool(m_callbacks.onDelete); }
     void select() { m_callbacks.onSelect(m_data.preset); }
     void insert() { m_callbacks.onInsert(m_data.preset); }
     void remove() { m_callbacks.onDelete(m_data.preset); }
 
+    /// Null while the menu is closed.
+    QMenu* openMenu() const { return m_menu; }
+    /// The keyboard moved the focus here, and a ring shows it.
+    bool showsFocus() const { return m_focusRing.isShown(); }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void showMenu(const QPoint& globalPosition);
+
     Look m_look;
     Callbacks m_callbacks;
     Data m_data;
     FocusRing m_focusRing;
+    QPointer<QMenu> m_menu;
 };
 
 }  // namespace vellmora

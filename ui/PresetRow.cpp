@@ -49,7 +49,7 @@ void PresetRow::setData(const Data& newData) {
     m_picture->setSource(newData.picture);
     m_name->setText(newData.preset.displayName);
     m_date->setText(germanAbbreviatedDateText(newData.preset.createdAt));
-    m_insert->setAccessibleName(newData.preset.displayName + QStringLiteral(" erneut einfügen"));
+    m_insert->setName(newData.preset.displayName + QStringLiteral(" erneut einfügen"));
 }
 
 }  // namespace vellmora

@@ -17,6 +17,8 @@ public:
 
     void setData(const Data& newData) override;
 
+    Button& insertButton() { return *m_insert; }
+
 private:
     PictureView* m_picture;
     TextLabel* m_name;

@@ -39,10 +39,14 @@ PresetTile::PresetTile(const Callbacks& callbacks, Thumbnails& thumbnails, const
       m_badge(new TextLabel(QStringLiteral("Standard"), badgeFont(theme), Theme::secondaryText, this)),
       m_insert(
           new Button(QStringLiteral("Einfügen"), Button::Look::prominent, Button::Size::small, theme, this)),
-      m_delete(new Button(Symbol::trash, {}, Button::Look::destructive, Button::Size::small, theme, this)) {
+      m_delete(new Button(Symbol::trash, Button::Look::destructive, Button::Size::small, theme, this)) {
     m_name->setMaximumLines(maximumNameLines);
     connect(m_insert, &Button::clicked, this, &PresetTile::insert);
     connect(m_delete, &Button::clicked, this, &PresetTile::remove);
+    // The grid is one stop for the Tab key. What the buttons do, keys and the menu of the tile do, too.
+    for (Button* button : {m_insert, m_delete})
+        button->setFocusPolicy(Qt::NoFocus);
+    m_delete->ignoreSecondClick();
 
     auto* stack = new QVBoxLayout(this);
     stack->setContentsMargins(padding, padding, padding, padding);
@@ -68,8 +72,8 @@ void PresetTile::setData(const Data& newData) {
     m_picture->setSource(newData.picture);
     m_name->setText(name);
     m_badge->setVisible(newData.preset.isBuiltin());
-    m_insert->setAccessibleName(name + QStringLiteral(" einfügen"));
-    m_delete->setAccessibleName(name + QStringLiteral(" löschen"));
+    m_insert->setName(name + QStringLiteral(" einfügen"));
+    m_delete->setName(name + QStringLiteral(" löschen"));
 }
 
 PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
@@ -77,7 +81,8 @@ PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
       m_nameMetrics(nameFont(theme)),
       m_nameWidth(tileWidth - 2 * padding),
       m_nameLine(QFontMetrics(nameFont(theme)).height()),
-      m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()) {}
+      m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()),
+      m_buttons(Button::heightOf(Button::Size::small, theme)) {}
 
 /// Qt takes twenty times as long to measure a text as to look up the widths of its glyphs. The widths are
 /// enough for most names. They lack the kerning, and characters that the font does not have.
@@ -96,7 +101,7 @@ int PresetTile::Heights::of(const StampPreset& preset) const {
     const int nameLines = fitsOneLine(preset.displayName) ? 1 : maximumNameLines;
     const int texts = nameLines * m_nameLine + (preset.isBuiltin() ? m_badge : 0);
     return 2 * padding + pictureStyle.frameHeight + 2 * pictureStyle.padding + spacing + texts + spacing +
-           Button::heightOf(Button::Size::small);
+           m_buttons;
 }
 
 void PresetTile::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -33,6 +33,7 @@ public:
         double m_nameWidth;
         int m_nameLine;
         int m_badge;
+        int m_buttons;
     };
 
     Button& insertButton() { return *m_insert; }

@@ -72,6 +72,7 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
         box->installEventFilter(this);
         stack->addWidget(box);
     }
+    m_recents->followInTabOrder(m_active->lastButton());
     m_library->setBoxWidth(columnWidth - 2 * padding);
     stack->addStretch();
     setWidget(m_column);
@@ -81,6 +82,14 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
     // While the window goes away, the column is there as long as anything that has the focus.
     connect(qApp, &QApplication::focusChanged, m_column,
             [this](const QWidget* before, QWidget* now) { scrollToFocus(before, now); });
+    // Once the boxes above the grid have their places.
+    connect(
+        &m_library->grid(), &PresetGrid::focusedTileMoved, this,
+        [this](QPointer<QWidget> tile) {
+            if (tile)
+                ensureWidgetVisible(tile);
+        },
+        Qt::QueuedConnection);
     applyPalette();
 }
 

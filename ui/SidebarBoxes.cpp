@@ -1,6 +1,7 @@
 #include "ui/SidebarBoxes.h"
 
 #include "ui/Button.h"
+#include "ui/ShownOrder.h"
 
 #include <utility>
 
@@ -27,9 +28,10 @@ GroupBox::GroupBox(QString title, const Theme& theme, QWidget* parent)
     : QWidget(parent),
       m_title(std::move(title)),
       m_titleFont(theme.font(titleTextSize, Theme::semibold)),
+      m_titleHeight(theme.scaled(titleHeight)),
       m_content(new QVBoxLayout(this)) {
     setAccessibleName(m_title);
-    m_content->setContentsMargins(padding, titleHeight + titleGap + padding, padding, padding);
+    m_content->setContentsMargins(padding, m_titleHeight + titleGap + padding, padding, padding);
     m_content->setSpacing(itemSpacing);
 }
 
@@ -38,10 +40,11 @@ void GroupBox::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(m_titleFont);
     painter.setPen(Theme::text(palette()));
-    painter.drawText(QRect(2, 0, width(), titleHeight), Qt::AlignLeft | Qt::AlignVCenter, m_title);
+    painter.drawText(QRect(2, 0, width(), m_titleHeight), Qt::AlignLeft | Qt::AlignVCenter, m_title);
     painter.setPen(QPen(Theme::divider(palette()), 1));
     painter.setBrush(Theme::boxBackground(palette()));
-    const QRectF frame(0, titleHeight + titleGap, width(), height() - titleHeight - titleGap);
+    const int top = m_titleHeight + titleGap;
+    const QRectF frame(0, top, width(), height() - top);
     painter.drawRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), frameRadius, frameRadius);
 }
 
@@ -54,14 +57,18 @@ StatisticsBox::StatisticsBox(const Theme& theme, QWidget* parent)
     addRow(QStringLiteral("Speicherort"), theme)->setText(QStringLiteral("Application Support"));
 }
 
-/// The title on the left and the value on the right. The font's figures are all of one width.
+/// The title on the left and the value on the right. The font's figures are all of one width. A screen reader
+/// says which title belongs to which value.
 TextLabel* StatisticsBox::addRow(const QString& title, const Theme& theme) {
     const QFont font = theme.font(textSize, Theme::medium);
     auto* row = new QHBoxLayout;
+    auto* name = new TextLabel(title, font, Theme::secondaryText, this);
     auto* value = new TextLabel({}, font, Theme::text, this);
-    row->addWidget(new TextLabel(title, font, Theme::secondaryText, this));
-    row->addStretch();
-    row->addWidget(value);
+    value->setMaximumLines(1);
+    value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    name->setBuddy(value);
+    row->addWidget(name);
+    row->addWidget(value, 1);
     content().addLayout(row);
     return value;
 }
@@ -84,19 +91,55 @@ RecentsBox::RecentsBox(SidebarCallbacks callbacks, Thumbnails& thumbnails, Theme
     content().setSpacing(recentsSpacing);
 }
 
-void RecentsBox::setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID) {
-    setVisible(!presets.isEmpty());
-    while (m_rows.size() > presets.size())
-        delete m_rows.takeLast();
-    while (m_rows.size() < presets.size()) {
-        auto* row =
-            new PresetRow({m_callbacks.onSelect, m_callbacks.onInsert, {}}, m_thumbnails, m_theme, this);
-        content().addWidget(row);
-        m_rows.append(row);
+/// The row that shows the preset, taken from the list; else null.
+static PresetRow* takeRowOf(const StampPreset& preset, QList<PresetRow*>& rows) {
+    for (PresetRow*& row : rows) {
+        if (row && row->preset().id == preset.id)
+            return std::exchange(row, nullptr);
     }
-    for (qsizetype i = 0; i < presets.size(); ++i)
+    return nullptr;
+}
+
+/// A row for each preset. One that is shown already keeps its row, and with it the focus.
+void RecentsBox::arrangeRows() {
+    QList<PresetRow*> rows;
+    for (const StampPreset& preset : std::as_const(m_shown)) {
+        PresetRow* row = takeRowOf(preset, m_rows);
+        rows.append(row ? row
+                        : new PresetRow({m_callbacks.onSelect, m_callbacks.onInsert, {}}, m_thumbnails,
+                                        m_theme, this));
+    }
+    qDeleteAll(m_rows);
+    m_rows = rows;
+    // The Tab key goes through them from the top.
+    QWidget* previous = m_before;
+    for (PresetRow* row : std::as_const(m_rows)) {
+        content().removeWidget(row);
+        content().addWidget(row);
+        if (previous)
+            setTabOrder(previous, row);
+        setTabOrder(row, &row->insertButton());
+        previous = &row->insertButton();
+    }
+}
+
+void RecentsBox::setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID) {
+    m_presets = presets;
+    m_selectedPresetID = selectedPresetID;
+    const QList<StampPreset> shown = underMouse() ? inShownOrder(presets, m_shown) : presets;
+    const bool isSame = shown == m_shown;
+    m_shown = shown;
+    setVisible(!presets.isEmpty());
+    if (!isSame)
+        arrangeRows();
+    for (qsizetype i = 0; i < m_shown.size(); ++i)
         m_rows[i]->setData(
-            {presets[i], m_callbacks.pictureOf(presets[i]), presets[i].id == selectedPresetID});
+            {m_shown[i], m_callbacks.pictureOf(m_shown[i]), m_shown[i].id == selectedPresetID});
+}
+
+void RecentsBox::leaveEvent(QEvent*) {
+    if (m_shown != m_presets)
+        setPresets(m_presets, m_selectedPresetID);
 }
 
 LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails, const Theme& theme,
@@ -109,12 +152,17 @@ LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails
     auto* add = new Button(QStringLiteral("PNG hinzufügen"), Button::Look::bordered, Button::Size::regular,
                            theme, this);
     connect(add, &Button::clicked, this, callbacks.onImport);
-    auto* row = new QHBoxLayout;
-    row->addWidget(add);
-    row->addStretch();
-    row->addWidget(new TextLabel(QStringLiteral("Doppelklick = direkt einfügen"), theme.font(smallTextSize),
-                                 Theme::secondaryText, this));
-    content().addLayout(row);
+    // The grid comes after the button, for the Tab key and for screen readers.
+    m_grid->followInTabOrder(*add);
+    m_grid->raise();
+    auto* hint = new TextLabel(QStringLiteral("Doppelklick = direkt einfügen"), theme.font(smallTextSize),
+                               Theme::secondaryText, this);
+    m_header = new QBoxLayout(QBoxLayout::LeftToRight);
+    m_header->addWidget(add);
+    m_header->addStretch();
+    m_header->addWidget(hint);
+    content().addLayout(m_header);
+    m_emptyText->setWordWrap(true);
     content().addWidget(m_emptyText);
     m_grid->setAccessibleName(QStringLiteral("Stempel der Bibliothek"));
     content().addWidget(m_grid);
@@ -122,6 +170,9 @@ LibraryBox::LibraryBox(const SidebarCallbacks& callbacks, Thumbnails& thumbnails
 
 void LibraryBox::setBoxWidth(int width) {
     setFixedWidth(width);
+    // Large texts stand below one another.
+    if (m_header->sizeHint().width() > width - 2 * padding)
+        m_header->setDirection(QBoxLayout::TopToBottom);
     m_grid->setFixedWidth(width - 2 * padding);
     m_grid->resize(m_grid->minimumWidth(), m_grid->height());
 }
@@ -139,8 +190,11 @@ GuideBox::GuideBox(const Theme& theme, QWidget* parent)
          {QStringLiteral("1. PDF öffnen"), QStringLiteral("2. Standardstempel oder eigene PNGs nutzen"),
           QStringLiteral("3. Bibliothekseintrag auswählen"),
           QStringLiteral("4. Stempel einfügen, dann ziehen oder skalieren"),
-          QStringLiteral("5. Speichern oder Speichern unter…")})
-        content().addWidget(new TextLabel(line, theme.font(textSize), Theme::text, this));
+          QStringLiteral("5. Speichern oder Speichern unter…")}) {
+        auto* label = new TextLabel(line, theme.font(textSize), Theme::text, this);
+        label->setWordWrap(true);
+        content().addWidget(label);
+    }
 }
 
 }  // namespace vellmora

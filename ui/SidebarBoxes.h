@@ -62,6 +62,7 @@ protected:
 private:
     QString m_title;
     QFont m_titleFont;
+    int m_titleHeight;
     QVBoxLayout* m_content;
 };
 
@@ -85,7 +86,8 @@ private:
     TextLabel* m_library;
 };
 
-/// The recently used stamps, a row each. Hidden while there are none.
+/// The recently used stamps, a row each. Hidden while there are none. While the pointer rests on it, the rows
+/// keep their order.
 class RecentsBox : public GroupBox {
     Q_OBJECT
 
@@ -94,11 +96,23 @@ public:
 
     void setPresets(const QList<StampPreset>& presets, const std::optional<QUuid>& selectedPresetID);
 
+    /// The Tab key leads to the rows from this widget, which is not in the box.
+    void followInTabOrder(QWidget& before) { m_before = &before; }
+
+protected:
+    void leaveEvent(QEvent* event) override;
+
 private:
+    void arrangeRows();
+
     SidebarCallbacks m_callbacks;
     Thumbnails& m_thumbnails;
     Theme m_theme;
+    QWidget* m_before = nullptr;
     QList<PresetRow*> m_rows;
+    QList<StampPreset> m_presets;  ///< in their own order
+    QList<StampPreset> m_shown;
+    std::optional<QUuid> m_selectedPresetID;
 };
 
 /// The stamp library: a button to add to it, and its entries as a grid of tiles.
@@ -118,6 +132,7 @@ public:
 private:
     TextLabel* m_emptyText;
     PresetGrid* m_grid;
+    QBoxLayout* m_header;
 };
 
 /// How the program is used, in five lines.

@@ -23,6 +23,8 @@ static QString fileName(Symbol symbol) {
             return QStringLiteral("tray-arrow-down");
         case Symbol::documentArrowUp:
             return QStringLiteral("document-arrow-up");
+        case Symbol::warning:
+            return QStringLiteral("warning");
     }
     return {};
 }

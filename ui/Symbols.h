@@ -18,6 +18,7 @@ enum class Symbol {
     trash,
     trayArrowDown,    ///< drop here
     documentArrowUp,  ///< let go now
+    warning,          ///< a problem
 };
 
 /// Draws the symbol into the largest square in the middle of `area`.

@@ -1,6 +1,7 @@
 #include "ui/TextLabel.h"
 
 #include "ui/Theme.h"
+#include "ui/ToolTip.h"
 
 #include <utility>
 
@@ -95,9 +96,7 @@ bool TextLabel::event(QEvent* event) {
     const bool isAskedForMore = event->type() == QEvent::ToolTip && m_maximumLines > 0;
     if (!isAskedForMore || shownLines().join(QString()) == onOneLine(text()))
         return QLabel::event(event);
-    // As HTML the text is broken into lines; blanks and signs stay what they are.
-    const QString html = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text().toHtmlEscaped());
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), html, this);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipOf(text()), this);
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "ui/Theme.h"
 
+#include "base/SystemColors.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,6 +10,15 @@ namespace vellmora {
 namespace {
 
 constexpr double readableContrast = 4.5;
+/// A ground with less contrast to paper is as light as paper, as far as pictures are concerned.
+constexpr double paperContrast = 1.5;
+
+/// Desktops have fonts of 9 to 11 points, as pixels at 96 to the inch.
+constexpr double usualFontHeight = 10 * 96.0 / 72;
+constexpr double largestUsualFontHeight = 11.5 * 96.0 / 72;
+constexpr double largestTextScale = 1.5;
+/// What the commands take in a row, at their usual size.
+constexpr double commandsWidth = 880;
 
 double linear(double channel) {
     return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
@@ -43,6 +54,25 @@ QColor Theme::readable(const QColor& color, const QColor& ground) {
     for (double share = 0; contrast(result, ground) < readableContrast && share < 1; share += 0.02)
         result = mixed(goal, color, share);
     return result;
+}
+
+/// The font's own pixels are not asked for: that would load the font.
+double Theme::textScaleFor(const QFont& desktopFont, double dotsPerInch, int screenWidth) {
+    const double height =
+        desktopFont.pointSizeF() > 0 ? desktopFont.pointSizeF() * dotsPerInch / 72 : desktopFont.pixelSize();
+    if (height <= largestUsualFontHeight)
+        return 1;
+    return std::max(1.0, std::min({height / usualFontHeight, largestTextScale, screenWidth / commandsWidth}));
+}
+
+QColor Theme::problem(const QColor& ground) {
+    return readable(colors::systemRed, ground);
+}
+
+std::optional<QColor> Theme::paperUnderPictures(const QPalette& palette) {
+    if (contrast(boxBackground(palette), Qt::white) < paperContrast)
+        return std::nullopt;
+    return Qt::white;
 }
 
 QColor Theme::secondaryText(const QPalette& palette) {

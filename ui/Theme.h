@@ -2,6 +2,7 @@
 
 #include "base/SystemFonts.h"
 
+#include <optional>
 #include <utility>
 
 #include <QColor>
@@ -10,11 +11,18 @@
 
 namespace vellmora {
 
-/// The window's fonts and colours, and the sizes that more than one view needs. Sizes are in view points.
+/// The window's fonts and colours, and the sizes that more than one view needs. Sizes are in view points, as
+/// they are where the desktop's font has its usual size; where that is larger, the window's texts are, too.
 /// Colours are made from the palette that is handed in, light or dark.
 class Theme {
 public:
-    explicit Theme(SystemFonts fonts) : m_fonts(std::move(fonts)) {}
+    /// `textScale` is 1 where texts have their usual size.
+    explicit Theme(SystemFonts fonts, double textScale = 1)
+        : m_fonts(std::move(fonts)), m_textScale(textScale) {}
+
+    /// By how much texts are larger than usual on a desktop with this font: 1 to 1.5, and no more than a
+    /// screen of this width has room for. `dotsPerInch` are the screen's logical ones.
+    static double textScaleFor(const QFont& desktopFont, double dotsPerInch, int screenWidth);
 
     static constexpr QFont::Weight regular = QFont::Normal;
     static constexpr QFont::Weight medium = QFont::Medium;
@@ -23,7 +31,11 @@ public:
     static constexpr double bodySize = 13;
     static constexpr double titleSize = 15;
 
-    QFont font(double size, QFont::Weight weight = regular) const { return m_fonts.font(size, weight); }
+    QFont font(double size, QFont::Weight weight = regular) const {
+        return m_fonts.font(size * m_textScale, weight);
+    }
+    /// A length that grows with the texts, rounded.
+    int scaled(double length) const { return qRound(length * m_textScale); }
 
     /// Contrast of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").
     static double contrast(const QColor& a, const QColor& b);
@@ -36,6 +48,8 @@ public:
         return palette.color(QPalette::Active, QPalette::WindowText);
     }
     static QColor secondaryText(const QPalette& palette);
+    /// The sign beside a text that tells of a problem, on this ground.
+    static QColor problem(const QColor& ground);
     static QColor accent(const QPalette& palette) {
         return palette.color(QPalette::Active, QPalette::Highlight);
     }
@@ -49,6 +63,9 @@ public:
     static QColor divider(const QPalette& palette);
     static QColor boxBackground(const QPalette& palette);
     static QColor buttonBackground(const QPalette& palette);
+    /// What lies under a stamp's picture. Pictures are made for paper: on a ground that is not light itself
+    /// they lie on a sheet of it. Nothing where they need none.
+    static std::optional<QColor> paperUnderPictures(const QPalette& palette);
 
     /// The editor area is black and drop zones are dark, on light and dark desktops alike.
     static QColor editorBackground();
@@ -60,6 +77,7 @@ public:
 
 private:
     SystemFonts m_fonts;
+    double m_textScale;
 };
 
 }  // namespace vellmora

@@ -57,6 +57,15 @@ TEST_F(InteractiveStampViewTest, ThePictureLiesAtItsPlaceAndNotAtTheWholePointsA
     }
 }
 
+TEST_F(InteractiveStampViewTest, OnWhitePaperTheHandleOfAStampThatIsNotSelectedHasAnEdge) {
+    const QColor inside = pixel(view->x() + 92, view->y() + 42);
+    const QColor edge = pixel(view->x() + 92, view->y() + 34);
+    EXPECT_GT(inside.lightness(), 225) << "it is white";
+    EXPECT_LT(edge.lightness(), 150) << "and no hole";
+    view->setSelectedStamp(true);
+    EXPECT_EQ(pixel(view->x() + 92, view->y() + 42), colors::systemBlue);
+}
+
 TEST_F(InteractiveStampViewTest, ADragMovesItAndReportsEveryStepAndTheEnd) {
     drag(*view, middle, 30, 20);
     EXPECT_EQ(view->place(), (Rect{130, 120, 100, 50}));

@@ -52,7 +52,7 @@ TEST(BuiltinStampsTest, EachShowsItsTextsInItsColour) {
         {"erledigt", "Erledigt", "ERLEDIGT", std::nullopt, QColor(0x2e, 0x7d, 0x32)},
         {"erledigt-heute", "Erledigt am: 07.03.2025", "ERLEDIGT AM", today, QColor(0x2e, 0x7d, 0x32)},
         {"archiviert", "Archiviert", "ARCHIVIERT", std::nullopt, QColor(0x15, 0x65, 0xc0)},
-        {"geprueft", "Geprüft", "GEPRÜFT", std::nullopt, QColor(0xe0, 0x52, 0x00)},
+        {"geprueft", "Geprüft", "GEPRÜFT", std::nullopt, QColor(0xb8, 0x4a, 0x00)},
     };
     TestWorkspace workspace;
     const auto library = workspace.makeLibrary();

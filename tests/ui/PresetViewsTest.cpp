@@ -52,12 +52,8 @@ TEST_F(PresetViewsTest, KeysActAsOnAnyList) {
     EXPECT_TRUE(tiles()[3]->hasFocus());
     QTest::keyClick(tiles()[3], Qt::Key_Return);
     EXPECT_EQ(calls, (QStringList{QStringLiteral("select Stempel 0"), QStringLiteral("insert Stempel 3")}));
-    tiles()[0]->setFocus(Qt::TabFocusReason);
-    for (QWidget* next : std::initializer_list<QWidget*>{&tiles()[0]->insertButton(),
-                                                         &tiles()[0]->deleteButton(), tiles()[1]}) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        EXPECT_EQ(QApplication::focusWidget(), next) << "Tab goes in reading order";
-    }
+    QTest::keyClick(tiles()[3], Qt::Key_Delete);
+    EXPECT_EQ(calls.last(), QStringLiteral("delete Stempel 3"));
 }
 
 TEST_F(PresetViewsTest, AssistiveToolsSeeOneItemForEachTile) {
@@ -88,8 +84,10 @@ TEST_F(PresetViewsTest, ALargeLibraryMakesTilesAndDecodesPicturesInSightOnly) {
     EXPECT_GT(bar.maximum(), 150000);
     bar.setValue(bar.maximum() / 2);
     settle();
-    const QList<PresetTile*> middle = tiles();
+    QList<PresetTile*> middle = tiles();
     ASSERT_LT(middle.size(), 30);
+    EXPECT_EQ(middle.first()->preset().displayName, QStringLiteral("Stempel 0")) << "the Tab key leads to it";
+    middle.removeFirst();
     EXPECT_GT(middle.first()->preset().displayName.mid(8).toInt(), 900);
     const auto isInSight = [&](PresetTile* tile) {
         return window.sidebar().viewport()->rect().intersects(

@@ -16,6 +16,7 @@ protected:
     WindowFixture() {
         window.resize(MainWindow::minimumContentSize);
         window.show();
+        window.activateWindow();
         settle();
     }
 
@@ -36,6 +37,10 @@ protected:
             library.selectedPreset = library.presets.first();
             library.selectedPresetID = library.selectedPreset->id;
         }
+        show(library);
+    }
+    void show(const LibraryContent& library) {
+        current = library;
         window.sidebar().setLibrary(library);
         settle();
     }
@@ -64,6 +69,7 @@ protected:
     QAction first{QStringLiteral("Erster")};
     QAction second{QStringLiteral("Zweiter")};
     QStringList calls;
+    LibraryContent current;
     std::atomic<bool> isPictureReadable = true;
     std::atomic<int> decodes = 0;
     MainWindow window{callbacks(), Theme(SystemFonts::load())};

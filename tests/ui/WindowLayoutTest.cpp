@@ -189,7 +189,7 @@ TEST_F(WindowLayoutTest, EverySymbolHasItsOwnDrawing) {
     QList<QImage> drawings;
     for (const Symbol symbol :
          {Symbol::document, Symbol::starOnSquares, Symbol::photoOnRectangle, Symbol::photo, Symbol::trash,
-          Symbol::trayArrowDown, Symbol::documentArrowUp}) {
+          Symbol::trayArrowDown, Symbol::documentArrowUp, Symbol::warning}) {
         QImage image(24, 24, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::white);
         QPainter painter(&image);
@@ -221,7 +221,7 @@ TEST_F(WindowLayoutTest, TheDropZoneKeepsItsWidthsAndTexts) {
 
 TEST_F(WindowLayoutTest, ALongStatusIsCutOffAndMovesNothing) {
     const int before = inWindow(*window.commandBar().findChildren<Button*>().last()).right();
-    window.commandBar().setStatusText(QString(400, QLatin1Char('x')));
+    window.commandBar().setStatus(QString(400, QLatin1Char('x')), true);
     settle();
     EXPECT_EQ(window.width(), 1220);
     EXPECT_EQ(inWindow(*window.commandBar().findChildren<Button*>().last()).right(), before);
