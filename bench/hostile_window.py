@@ -38,14 +38,15 @@ class Program:
         self.folder = Path("/proc") / str(process.pid)
         found = wait_for(lambda: desktop.run("xdotool", "search", "--onlyvisible", "--pid", process.pid,
                                              check=False).stdout.split(), "the window")
-        self.pulse = subprocess.Popen([str(desktop.pulse), found[0].decode()], env=desktop.env, text=True,
+        self.pulse = subprocess.Popen([str(desktop.pulse), found[0].decode(), str(process.pid)], env=desktop.env, text=True,
                                       stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def silence(self):
-        """Milliseconds: the longest that the window has not answered since this was asked last."""
+        """Milliseconds: the longest that the window has not answered since this was asked last; and without the time
+        in which it was ready to and others had the processor."""
         self.pulse.stdin.write("\n")
         self.pulse.stdin.flush()
-        return float(self.pulse.stdout.readline())
+        return tuple(map(float, self.pulse.stdout.readline().split()))
 
     def forget_peak(self):
         (self.folder / "clear_refs").write_text("5")
@@ -159,10 +160,11 @@ class HostileWindow:
         return elapsed, text
 
     def check_silence(self, what):
-        silence = self.program.silence()
+        silence, own = self.program.silence()
         self.longest_silence = max(self.longest_silence, silence)
-        if silence > MOST_SILENCE:
-            self.blame(f"{what}: no answer for {silence:.0f} ms")
+        self.longest_own = max(self.longest_own, own)
+        if own > MOST_SILENCE:
+            self.blame(f"{what}: no answer for {silence:.0f} ms, {own:.0f} of them its own")
 
     def blame(self, what):
         self.faults.append(f"{self.name}: {what}")
@@ -176,7 +178,7 @@ class HostileWindow:
 
     def use(self, source):
         """All that is done with one document. What the status said at last."""
-        self.name, self.longest_silence, self.cancelled = source.name, 0, 0
+        self.name, self.longest_silence, self.longest_own, self.cancelled = source.name, 0, 0, 0
         path = self.copies / source.name
         shutil.copyfile(source, path)
         if self.status().startswith(LOADED):  # so that it changes even where the next one is refused, too
@@ -195,7 +197,7 @@ class HostileWindow:
         if peak > source.stat().st_size / MEGABYTE + MOST_MEMORY:
             self.blame(f"{peak:.0f} MB of memory")
         took = "  ".join(f"{what} {seconds:5.2f}" for what, seconds in times.items())
-        print(f"{peak:5.0f} MB ({share:3.0f})  {self.longest_silence:4.0f} ms  {took}  {self.name}: {' | '.join(told)}",
+        print(f"{peak:5.0f} MB ({share:3.0f})  {self.longest_silence:4.0f} ms ({self.longest_own:3.0f})  {took}  {self.name}: {' | '.join(told)}",
               flush=True)
         return told[-1]
 

@@ -1,10 +1,12 @@
 // Tells how long a window leaves the desktop without an answer.
 //
-//   window_pulse WINDOW
+//   window_pulse WINDOW PROCESS
 //
 // Asks the window (its number, in decimal) every few milliseconds whether it is alive, as window managers do
-// (_NET_WM_PING). For each line of its input it prints the longest time, in milliseconds, that an answer has
-// taken since the line before. A question without an answer counts for as long as it has been waiting.
+// (_NET_WM_PING). For each line of its input it prints two times, in milliseconds: the longest that an answer
+// has taken since the line before, and the longest without what the process' main thread has waited for a
+// processor meanwhile, which others kept busy. A question without an answer counts for as long as it has been
+// waiting.
 
 #include <X11/Xlib.h>
 #include <algorithm>
@@ -12,8 +14,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <poll.h>
+#include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -25,13 +30,42 @@ double now() {
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
+/// How long a main thread has been ready to run, and did not, in milliseconds since its start.
+class ProcessorQueue {
+public:
+    explicit ProcessorQueue(const std::string& process)
+        : m_file(::open(("/proc/" + process + "/task/" + process + "/schedstat").c_str(), O_RDONLY)) {}
+
+    double waited() const {
+        std::array<char, 128> text{};
+        unsigned long long onProcessor = 0;
+        unsigned long long waiting = 0;
+        const bool isRead = ::pread(m_file, text.data(), text.size() - 1, 0) > 0 &&
+                            std::sscanf(text.data(), "%llu %llu", &onProcessor, &waiting) == 2;
+        return isRead ? static_cast<double>(waiting) / 1e6 : 0;
+    }
+
+private:
+    int m_file;
+};
+
+struct Times {
+    double seen = 0;
+    double own = 0;
+    void include(const Times& other) {
+        seen = std::max(seen, other.seen);
+        own = std::max(own, other.own);
+    }
+};
+
 class Pulse {
 public:
-    Pulse(Display* display, Window window)
+    Pulse(Display* display, Window window, const std::string& process)
         : m_display(display),
           m_window(window),
           m_protocols(XInternAtom(display, "WM_PROTOCOLS", False)),
-          m_ping(XInternAtom(display, "_NET_WM_PING", False)) {
+          m_ping(XInternAtom(display, "_NET_WM_PING", False)),
+          m_queue(process) {
         // Answers go to the root window. Qt sends them to those who listen to its structure.
         XSelectInput(display, DefaultRootWindow(display), StructureNotifyMask | SubstructureNotifyMask);
     }
@@ -42,7 +76,7 @@ public:
             XEvent event;
             XNextEvent(m_display, &event);
             if (m_isAsked && isAnswer(event)) {
-                m_longest = std::max(m_longest, now() - m_asked);
+                m_longest.include(sinceAsked());
                 m_isAsked = false;
             }
         }
@@ -51,16 +85,21 @@ public:
     }
 
     /// And begins anew.
-    double longest() {
-        const double longest = std::max(m_longest, m_isAsked ? now() - m_asked : 0);
-        m_longest = 0;
-        return longest;
+    Times longest() {
+        if (m_isAsked)
+            m_longest.include(sinceAsked());
+        return std::exchange(m_longest, Times());
     }
 
 private:
     bool isAnswer(const XEvent& event) const {
         return event.type == ClientMessage && event.xclient.message_type == m_protocols &&
                static_cast<Atom>(event.xclient.data.l[0]) == m_ping && event.xclient.data.l[1] == m_number;
+    }
+
+    Times sinceAsked() const {
+        const double seen = now() - m_asked;
+        return {seen, std::max(0.0, seen - (m_queue.waited() - m_waited))};
     }
 
     void ask() {
@@ -72,6 +111,7 @@ private:
         event.xclient.data.l[0] = static_cast<long>(m_ping);
         event.xclient.data.l[1] = ++m_number;
         event.xclient.data.l[2] = static_cast<long>(m_window);
+        m_waited = m_queue.waited();
         m_asked = now();
         m_isAsked = true;
         XSendEvent(m_display, m_window, False, NoEventMask, &event);
@@ -85,7 +125,9 @@ private:
     long m_number = 0;
     bool m_isAsked = false;
     double m_asked = 0;
-    double m_longest = 0;
+    ProcessorQueue m_queue;
+    double m_waited = 0;  ///< when it was asked
+    Times m_longest;
 };
 
 /// The window is gone, which ends the program that asks, too.
@@ -97,10 +139,10 @@ int takeError(Display*, XErrorEvent*) {
 
 int main(int argc, char** argv) {
     Display* display = XOpenDisplay(nullptr);
-    if (argc != 2 || !display)
+    if (argc != 3 || !display)
         return 1;
     XSetErrorHandler(takeError);
-    Pulse pulse(display, std::strtoul(argv[1], nullptr, 10));
+    Pulse pulse(display, std::strtoul(argv[1], nullptr, 10), argv[2]);
     std::array<pollfd, 2> events{pollfd{ConnectionNumber(display), POLLIN, 0},
                                  pollfd{STDIN_FILENO, POLLIN, 0}};
     for (;;) {
@@ -111,7 +153,8 @@ int main(int argc, char** argv) {
         std::array<char, 64> line{};
         if (::read(STDIN_FILENO, line.data(), line.size()) <= 0)
             return 0;
-        std::printf("%.1f\n", pulse.longest());
+        const Times longest = pulse.longest();
+        std::printf("%.1f %.1f\n", longest.seen, longest.own);
         std::fflush(stdout);
     }
 }
