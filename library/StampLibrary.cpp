@@ -24,7 +24,6 @@ StampLibrary::StampLibrary(Environment environment)
       m_marks(m_folder.decodingDirectory()),
       m_today(m_environment.clock),
       m_builtins(m_folder, m_environment.fonts) {
-    m_writer.setMaxThreadCount(1);
     connect(&m_today, &Today::changed, this, &StampLibrary::redrawDueBuiltins);
     connect(&m_builtins, &BuiltinPictures::drawn, this, [this] {
         if (m_builtins.isDrawing())
@@ -175,7 +174,7 @@ void StampLibrary::recordUse(const QUuid& id) {
 
 /// Nobody waits for the disk. What cannot be saved is saved with the next change that can be.
 void StampLibrary::saveLater() {
-    m_writer.start([this, copy = m_store]() mutable {
+    m_writer.run([this, copy = m_store]() mutable {
         try {
             copy.save();
         } catch (const Error&) {
@@ -192,7 +191,7 @@ void StampLibrary::saveLater() {
 }
 
 void StampLibrary::finishSaving() {
-    m_writer.waitForDone();
+    m_writer.run([] {}).wait();
 }
 
 void StampLibrary::setSelectedPresetID(const std::optional<QUuid>& id) {

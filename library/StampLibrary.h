@@ -4,6 +4,7 @@
 #include "base/FilePanels.h"
 #include "base/Folders.h"
 #include "base/Image.h"
+#include "base/SerialQueue.h"
 #include "base/SystemFonts.h"
 #include "base/UserDefaults.h"
 #include "library/BuiltinPictures.h"
@@ -19,7 +20,6 @@
 #include <QFileSystemWatcher>
 #include <QList>
 #include <QObject>
-#include <QThreadPool>
 #include <QUrl>
 
 namespace vellmora {
@@ -123,7 +123,7 @@ private:
     BuiltinPictures m_builtins;
     QFileSystemWatcher m_watcher;
     std::optional<QUuid> m_selectedPresetID;
-    QThreadPool m_writer;  ///< ends before all else here
+    SerialQueue m_writer;  ///< ends before all else here
 };
 
 }  // namespace vellmora

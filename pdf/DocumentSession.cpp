@@ -3,6 +3,7 @@
 #include "base/SharedMemory.h"
 #include "pdf/StructureReply.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
