@@ -1,7 +1,9 @@
 #include "base/SharedMemory.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace vellmora {
 
@@ -33,6 +35,22 @@ SharedMemory::SharedMemory(size_t size, Writers writers)
 SharedMemory::~SharedMemory() {
     if (m_bytes)
         ::munmap(m_bytes, m_size);
+}
+
+FileDescriptor sealedFile(const void* bytes, size_t size) {
+    FileDescriptor file(::memfd_create("vellmora", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    const auto* next = static_cast<const char*>(bytes);
+    while (file.isValid() && size > 0) {
+        const ssize_t count = ::write(file.get(), next, size);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return {};
+        next += count;
+        size -= static_cast<size_t>(count);
+    }
+    constexpr int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_FUTURE_WRITE | F_SEAL_SEAL;
+    return file.isValid() && seal(file, seals) ? std::move(file) : FileDescriptor();
 }
 
 }  // namespace vellmora

@@ -35,4 +35,8 @@ private:
     unsigned char* m_bytes = nullptr;
 };
 
+/// A file in memory with these bytes, which nobody can change any more. It takes none of this process's own
+/// memory. Not valid where the system gives none.
+FileDescriptor sealedFile(const void* bytes, size_t size);
+
 }  // namespace vellmora

@@ -78,7 +78,8 @@ qint64 StampPicture::size() const {
 
 std::shared_ptr<const StampPicture> StampPictures::known(const QByteArray& imageData) {
     const auto entry = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& candidate) {
-        return candidate.data.constData() == imageData.constData();
+        // Most stamps share them, and there is nothing to compare.
+        return candidate.data.constData() == imageData.constData() || candidate.data == imageData;
     });
     if (entry == m_entries.end())
         return nullptr;

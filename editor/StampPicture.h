@@ -28,12 +28,13 @@ private:
     std::vector<QImage> m_levels;
 };
 
-/// Decodes each picture once for all stamps that share its bytes, and keeps it as long as any of them shows
-/// it. The pictures used last are kept longer, so that turning the pages decodes nothing. Main thread only.
+/// Decodes each picture once for all stamps that have the same bytes, and keeps it as long as any of them
+/// shows it. The pictures used last are kept longer, so that turning the pages decodes nothing. Main thread
+/// only.
 class StampPictures {
 public:
     /// `budget` is the memory for all pictures, in bytes. Only pictures on screen may exceed it.
-    explicit StampPictures(qint64 budget = 256 << 20) : m_budget(budget) {}
+    explicit StampPictures(qint64 budget = 48 << 20) : m_budget(budget) {}
 
     /// Null where the data cannot be decoded.
     std::shared_ptr<const StampPicture> picture(const QByteArray& imageData);
@@ -43,7 +44,7 @@ public:
 
 private:
     struct Entry {
-        QByteArray data;  ///< found by its address, which no other data can get while it is held here
+        QByteArray data;
         std::shared_ptr<const StampPicture> picture;
     };
     std::shared_ptr<const StampPicture> known(const QByteArray& imageData);

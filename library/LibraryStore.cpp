@@ -141,8 +141,14 @@ void LibraryStore::save() {
     m_text = text;
     m_stored = presets;
     m_presets = presets;
+    m_savedChanges += m_unsaved.size();
     m_unsaved.clear();
     m_isKnown = true;
+}
+
+void LibraryStore::forgetSaved(const LibraryStore& copy) {
+    for (; m_savedChanges < copy.m_savedChanges; ++m_savedChanges)
+        m_unsaved.takeFirst()(m_stored);
 }
 
 /// Where its bytes can be read a copy is written beside the file, else the file itself is renamed.

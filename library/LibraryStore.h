@@ -16,7 +16,8 @@ namespace vellmora {
 /// The metadata of all presets, in a file that all windows and programs share.
 ///
 /// Every change is made to what the file holds at that moment: locked, read, changed, written as a whole. So
-/// no change of another program is lost, and each is seen here with the next change at the latest.
+/// no change of another program is lost, and each is seen here with the next change at the latest. A copy can
+/// be saved on another thread, as another program would.
 class LibraryStore {
 public:
     /// Makes one change in a list. It may be made more than once: where the file cannot be written now, again
@@ -41,6 +42,8 @@ public:
     /// Makes all changes since the last time in the file. Throws `Error` where it cannot be written; they are
     /// made with the next call then. An unreadable file is kept aside before it is replaced.
     void save();
+    /// `copy` was made of this one, and has been saved: its changes are not to be made again.
+    void forgetSaved(const LibraryStore& copy);
 
 private:
     /// What the file is. Where it is good, what it holds is in `m_stored`.
@@ -59,6 +62,7 @@ private:
     bool m_isKnown = false;       ///< it could be read once, or was not there
     QList<StampPreset> m_presets;
     QList<Change> m_unsaved;
+    qsizetype m_savedChanges = 0;  ///< how many there were before those
 };
 
 }  // namespace vellmora

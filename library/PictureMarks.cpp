@@ -14,11 +14,20 @@
 #include <utility>
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
+#include <QSet>
 
 namespace vellmora {
 
 namespace {
+
+constexpr qsizetype markNameLength = 64;
+
+QString markNameOf(const QString& version) {
+    const QByteArray digest = QCryptographicHash::hash(version.toUtf8(), QCryptographicHash::Sha256);
+    return QString::fromLatin1(digest.toHex());
+}
 
 /// Whether there is a note that no program holds. One that is held is another window's, at work on the same
 /// picture.
@@ -76,8 +85,7 @@ std::optional<Image> PictureMarks::decode(const QString& path, Caution caution) 
     const QString content = version(path);
     if (content.isEmpty())
         return std::nullopt;
-    const QByteArray name = QCryptographicHash::hash(content.toUtf8(), QCryptographicHash::Sha256).toHex();
-    const QByteArray markPath = QFile::encodeName(m_folder) + '/' + name;
+    const QByteArray markPath = QFile::encodeName(m_folder + QLatin1Char('/') + markNameOf(content));
     if (caution == Caution::passOver && isLeftBehind(markPath))
         return std::nullopt;
     Mark mark(m_folder, markPath);
@@ -86,6 +94,22 @@ std::optional<Image> PictureMarks::decode(const QString& path, Caution caution) 
     if (!image && timeComputed() - begin >= Image::longestDecoding)
         mark.leaveBehind();
     return image;
+}
+
+void PictureMarks::sweep(const QString& pictures) const {
+    constexpr auto files = QDir::Files | QDir::Hidden;
+    const QStringList marks = QDir(m_folder).entryList(files);
+    if (marks.isEmpty())
+        return;
+    QSet<QString> current;
+    for (const QString& name : QDir(pictures).entryList(files))
+        current.insert(markNameOf(version(pictures + QLatin1Char('/') + name)));
+    for (const QString& mark : marks) {
+        const QByteArray path = QFile::encodeName(m_folder + QLatin1Char('/') + mark);
+        // What is being made has another name yet.
+        if (mark.size() == markNameLength && !current.contains(mark) && isLeftBehind(path))
+            ::unlink(path.constData());
+    }
 }
 
 }  // namespace vellmora

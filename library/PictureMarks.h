@@ -27,6 +27,9 @@ public:
     /// note is about one version. A picture that can be decoded is no longer passed over. Any thread.
     std::optional<Image> decode(const QString& path, Caution caution) const;
 
+    /// Removes the notes about pictures that are not in the folder, or not in that version any more.
+    void sweep(const QString& pictures) const;
+
 private:
     QString m_folder;
 };

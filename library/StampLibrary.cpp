@@ -40,6 +40,7 @@ StampLibrary::~StampLibrary() = default;
 void StampLibrary::loadLibrary() {
     try {
         m_store.load();
+        m_marks.sweep(m_folder.stampsDirectory());
         restoreSelection();
     } catch (const Error&) {
         setSelectedPresetID(std::nullopt);
@@ -83,6 +84,7 @@ void StampLibrary::add(const LibraryStore::Change& change) {
 }
 
 void StampLibrary::save() {
+    finishSaving();
     Q_EMIT objectWillChange();
     m_store.save();
     watch();
@@ -146,6 +148,7 @@ void StampLibrary::removePreset(const QUuid& id) {
     const QString path = m_folder.filePath(*removed);
     if (files::exists(path))
         files::remove(path);
+    m_marks.sweep(m_folder.stampsDirectory());
     add([id](QList<StampPreset>& presets) {
         presets.removeIf([&](const StampPreset& p) { return p.id == id; });
     });
@@ -166,10 +169,29 @@ void StampLibrary::recordUse(const QUuid& id) {
         }
     });
     m_recents.prepend(id);
-    try {
-        save();
-    } catch (const Error&) {  // NOLINT(bugprone-empty-catch): saved with the next change that can be saved
-    }
+    saveLater();
+}
+
+/// Nobody waits for the disk. What cannot be saved is saved with the next change that can be.
+void StampLibrary::saveLater() {
+    m_writer.run([this, copy = m_store]() mutable {
+        try {
+            copy.save();
+        } catch (const Error&) {
+            return;
+        }
+        QMetaObject::invokeMethod(
+            this,
+            [this, copy] {
+                m_store.forgetSaved(copy);
+                showOthersChanges(m_folder.root());
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void StampLibrary::finishSaving() {
+    m_writer.run([] {}).wait();
 }
 
 void StampLibrary::setSelectedPresetID(const std::optional<QUuid>& id) {

@@ -4,6 +4,7 @@
 #include "base/FilePanels.h"
 #include "base/Folders.h"
 #include "base/Image.h"
+#include "base/SerialQueue.h"
 #include "base/SystemFonts.h"
 #include "base/UserDefaults.h"
 #include "library/BuiltinPictures.h"
@@ -63,9 +64,11 @@ public:
     void selectPreset(const QUuid& id);
     /// At most eight, most recently used first.
     QList<StampPreset> recentPresets() const;
-    /// Marks a preset as used now. Does nothing for an unknown id. Throws no `Error`: where the library
-    /// cannot be saved now, it is saved with the next change.
+    /// Marks a preset as used now. Does nothing for an unknown id. Returns at once, and throws no `Error`:
+    /// the library is saved on another thread, and where that cannot be done now, with the next change.
     void recordUse(const QUuid& id);
+    /// Waits until that is done.
+    void finishSaving();
 
     /// Copies the file into the library, selects the new entry and puts it first among the recent ones. A
     /// file that is no PNG which can be decoded is refused.
@@ -99,6 +102,7 @@ private:
     void adopt(const QList<StampPreset>& presets);
     void add(const LibraryStore::Change& change);
     void save();
+    void saveLater();
 
     void setSelectedPresetID(const std::optional<QUuid>& id);
     std::optional<QUuid> firstPresetID() const;
@@ -119,6 +123,7 @@ private:
     BuiltinPictures m_builtins;
     QFileSystemWatcher m_watcher;
     std::optional<QUuid> m_selectedPresetID;
+    SerialQueue m_writer;  ///< ends before all else here
 };
 
 }  // namespace vellmora

@@ -4,7 +4,6 @@
 #include "pdf/StructureReply.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 #include <utility>
 
@@ -20,12 +19,10 @@ constexpr qint64 mostTimesSource = 4;
 constexpr int maxAttempts = 2;
 
 /// Bytes for the process to read.
-SharedMemory sharedMemory(const void* bytes, size_t size) {
-    SharedMemory memory(std::max<size_t>(size, 1), SharedMemory::Writers::maker);
+FileDescriptor memoryWith(const void* bytes, size_t size) {
+    FileDescriptor memory = sealedFile(bytes, size);
     if (!memory.isValid())
         throw std::bad_alloc();
-    if (size > 0)
-        std::memcpy(memory.bytes(), bytes, size);
     return memory;
 }
 
@@ -170,15 +167,14 @@ void DocumentSession::restart(WorkProgress* progress) {
 
 void DocumentSession::sendComposition(const Composition& composition) {
     const size_t size = composition.commands.size() * sizeof(ComposeCommand);
-    const SharedMemory commands = sharedMemory(composition.commands.data(), size);
-    m_helper->send({DocumentRequestKind::compose, composition.isForView ? 0U : 1U, size, 0},
-                   commands.descriptor());
+    const FileDescriptor commands = memoryWith(composition.commands.data(), size);
+    m_helper->send({DocumentRequestKind::compose, composition.isForView ? 0U : 1U, size, 0}, commands.get());
     if (!composition.pictures)
         return;
     const QByteArray packed = packedPictures(composition.pictures());
     const auto packedSize = static_cast<size_t>(packed.size());
-    const SharedMemory pictures = sharedMemory(packed.constData(), packedSize);
-    m_helper->send({DocumentRequestKind::pictures, 0, packedSize, 0}, pictures.descriptor());
+    const FileDescriptor pictures = memoryWith(packed.constData(), packedSize);
+    m_helper->send({DocumentRequestKind::pictures, 0, packedSize, 0}, pictures.get());
 }
 
 QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDataConsumer& consumer,

@@ -59,11 +59,14 @@ void PageCache::take(qsizetype pageIndex, const Wish& wish, const QImage& image)
 
 void PageCache::setCentre(qsizetype pageIndex) {
     m_centre = pageIndex;
-    // The renderer may have dropped what was asked for ahead of time, or may have come back since: it is
-    // asked again.
+    // The renderer may have dropped what was asked for ahead of time, and what missed its time on a busy
+    // machine may be there in time now: both are asked for again.
     const auto page = m_pages.find(pageIndex);
-    if (page != m_pages.end() && (page->picture.shows != page->wanted || page->picture.isRendererBroken))
+    if (page != m_pages.end() && (page->picture.shows != page->wanted || page->picture.isUnavailable)) {
         page->wanted = {};
+        if (page->drawing && page->drawing->isEmpty())
+            page->drawing.reset();
+    }
     keepWithinBudget();
 }
 

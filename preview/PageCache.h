@@ -43,7 +43,7 @@ public:
     Picture picture(qsizetype pageIndex) const { return m_pages.value(pageIndex).picture; }
     /// Asks for a picture, unless it is there or on its way.
     void request(qsizetype pageIndex, const Wish& wish);
-    /// The page around which pictures are kept.
+    /// The page around which pictures are kept. Where it was unavailable the next request asks again.
     void setCentre(qsizetype pageIndex);
 
 Q_SIGNALS:
@@ -61,7 +61,7 @@ private:
     static qint64 bytesOf(const Page& page);
     void keepWithinBudget();
 
-    static constexpr qint64 budgetBytes = qint64{160} << 20;
+    static constexpr qint64 budgetBytes = qint64{48} << 20;
 
     PageRenderer& m_renderer;
     PagePdfQueue m_drawings;

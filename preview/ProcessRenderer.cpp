@@ -2,10 +2,30 @@
 
 #include "base/HelperProcess.h"
 
-#include <cstring>
+#include <functional>
+#include <numeric>
 #include <utility>
 
 namespace vellmora {
+
+namespace {
+
+QImage copyOf(const SharedMemory& pixels, QSize size) {
+    const qsizetype rowLength = qsizetype{size.width()} * qsizetype{sizeof(QRgb)};
+    return QImage(pixels.bytes(), size.width(), size.height(), rowLength, QImage::Format_RGB32).copy();
+}
+
+/// False where any pixel is as it was in the new memory.
+bool isPainted(const QImage& image) {
+    QRgb common = qRgb(0, 0, 0);
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        common = std::accumulate(row, row + image.width(), common, std::bit_and<>());
+    }
+    return qAlpha(common) == 255;
+}
+
+}  // namespace
 
 ProcessRenderer::ProcessRenderer(QString program, std::chrono::milliseconds timeLimit)
     : m_supply(std::move(program)) {
@@ -70,14 +90,13 @@ bool ProcessRenderer::begin(Waiting work) {
         work.request.drawing.isEmpty() || isHopeless(work.request))
         return false;
     const auto drawingSize = static_cast<size_t>(work.request.drawing.size());
-    SharedMemory drawing(drawingSize);
+    const FileDescriptor drawing = sealedFile(work.request.drawing.constData(), drawingSize);
     auto pixels = std::make_unique<SharedMemory>(static_cast<size_t>(pixelCount) * sizeof(QRgb));
     if (!drawing.isValid() || !pixels->isValid())
         return false;
-    std::memcpy(drawing.bytes(), work.request.drawing.constData(), drawingSize);
     const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
                                        part.y(),    part.width(), part.height()};
-    if (!m_supply.send(message, drawing.descriptor(), pixels->descriptor())) {
+    if (!m_supply.send(message, drawing.get(), pixels->descriptor())) {
         m_refused = work.request.drawing;
         return false;
     }
@@ -104,15 +123,14 @@ ProcessRenderer::Waiting ProcessRenderer::takeJob() {
 void ProcessRenderer::takeAnswer(bool isRendered) {
     if (!m_job)
         return m_supply.end();
-    QImage image;
-    if (isRendered) {
-        const QSize size = m_job->work.request.part.size();
-        const qsizetype rowLength = qsizetype{size.width()} * qsizetype{sizeof(QRgb)};
-        // A copy: the other process could still write to the memory.
-        image = QImage(m_job->pixels->bytes(), size.width(), size.height(), rowLength, QImage::Format_RGB32)
-                    .copy();
-    }
-    finish(image);
+    if (!isRendered)
+        return finish({});
+    // A copy: the other process could still write to the memory.
+    const QImage image = copyOf(*m_job->pixels, m_job->work.request.part.size());
+    if (isPainted(image))
+        return finish(image);
+    m_supply.endFailed();
+    processEnded(true);
 }
 
 /// The process may have been dying before it was given the page, so the page is tried once more; with one

@@ -12,7 +12,8 @@ namespace vellmora {
 /// that of memory.
 
 /// Comes with two file descriptors: the page's drawing (a PDF of one page), and where the pixels go (32 bits
-/// each, as QImage::Format_RGB32 has them, rows without gaps).
+/// each, as QImage::Format_RGB32 has them, rows without gaps). Each of them is 0 before, which no painted one
+/// is: that is opaque.
 struct RenderRequestMessage {
     std::uint64_t drawingSize;  ///< in bytes
     std::int32_t pageWidth;     ///< of the whole page, in pixels

@@ -18,7 +18,8 @@ bool RendererProcess::send(const RenderRequestMessage& request, int drawing, int
 
 std::optional<RenderReplyMessage> RendererProcess::receive() {
     RenderReplyMessage reply{};
-    if (::recv(socket(), &reply, sizeof reply, MSG_DONTWAIT) != sizeof reply)
+    // The length is that of the whole packet. Descriptors that come with it are closed by the system.
+    if (::recv(socket(), &reply, sizeof reply, MSG_DONTWAIT | MSG_TRUNC) != sizeof reply)
         return std::nullopt;
     return reply;
 }

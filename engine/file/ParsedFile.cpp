@@ -15,9 +15,14 @@ namespace vellmora {
 
 ParsedFile::ParsedFile(std::shared_ptr<const SnapshotReader> content, Damage damage)
     : m_content(std::move(content)), m_reading(damage) {
-    openFile(m_qpdf, *m_content, damage);
-    m_catalog = m_qpdf.getRoot();
-    m_pages = collectPages(m_qpdf);
+    try {
+        openFile(m_qpdf, *m_content, damage);
+        m_catalog = m_qpdf.getRoot();
+        m_pages = collectPages(m_qpdf);
+    } catch (const QPDFExc&) {
+        hasMetDamage();
+        throw;
+    }
     if (bringBackObjects())
         m_pages = collectPages(m_qpdf);
 }
@@ -60,11 +65,14 @@ bool ParsedFile::bringBackObjects() const {
 }
 
 std::unique_ptr<ParsedFile> ParsedFile::read(const std::shared_ptr<const SnapshotReader>& content,
-                                             Damage damage, bool& needsPassword) {
+                                             Damage damage, Obstacles& obstacles) {
     try {
         return std::unique_ptr<ParsedFile>(new ParsedFile(content, damage));
     } catch (const QPDFExc& error) {
-        needsPassword = error.getErrorCode() == qpdf_e_password;
+        obstacles.needsPassword |= error.getErrorCode() == qpdf_e_password;
+        return nullptr;
+    } catch (const std::bad_alloc&) {
+        obstacles.lacksMemory = true;
         return nullptr;
     } catch (const std::exception&) {
         return nullptr;
@@ -110,6 +118,8 @@ std::unique_ptr<ParsedFile> ParsedFile::open(const std::shared_ptr<const Snapsho
         if (source)
             source->findDamage(*content, isRepaired);
         return source;
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -118,24 +128,29 @@ std::unique_ptr<ParsedFile> ParsedFile::open(const std::shared_ptr<const Snapsho
 /// The source as it is where all its pages are there, else the repaired one where that has more.
 std::unique_ptr<ParsedFile> ParsedFile::choose(const std::shared_ptr<const SnapshotReader>& content,
                                                bool& isRepaired) {
-    bool needsPassword = false;  // that of attachments, where the repaired source can be read without it
-    auto source = read(content, Damage::refuse, needsPassword);
+    Obstacles obstacles;
+    auto source = read(content, Damage::refuse, obstacles);
     if (source && source->isComplete())
         return source;
-    bool ignored = false;
+    Obstacles obstaclesToRepair;
     try {
         const std::string_view all = content->all();
         const auto damaged = QByteArray::fromRawData(all.data(), static_cast<qsizetype>(all.size()));
         const auto repairedContent = std::make_shared<const SnapshotReader>(repairedFile(damaged));
-        auto repaired = read(repairedContent, Damage::refuse, ignored);
+        auto repaired = read(repairedContent, Damage::refuse, obstaclesToRepair);
         if (repaired && repaired->readablePageCount() > (source ? source->readablePageCount() : 0)) {
-            isRepaired = !needsPassword;
+            // That of attachments, where the repaired source can be read without it.
+            isRepaired = !obstacles.needsPassword;
             return repaired;
         }
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the source is taken as it is
     }
     isRepaired = !source;
-    return source ? std::move(source) : read(content, Damage::recover, ignored);
+    if (!source)
+        source = read(content, Damage::recover, obstacles);
+    if (!source && obstacles.lacksMemory)
+        throw std::bad_alloc();
+    return source;
 }
 
 }  // namespace vellmora

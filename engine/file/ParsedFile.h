@@ -28,7 +28,8 @@ struct ParsedPage {
 /// the file.
 class ParsedFile {
 public:
-    /// Nothing where the content is no PDF, or cannot be read. No exception leaves this function.
+    /// Nothing where the content is no PDF, or cannot be read. Throws nothing but `std::bad_alloc`, where
+    /// that is what it lacks.
     static std::unique_ptr<ParsedFile> open(const std::shared_ptr<const SnapshotReader>& content);
 
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
@@ -54,8 +55,13 @@ private:
     /// Pages that can be shown.
     qsizetype readablePageCount() const;
     bool isComplete() const { return pageCount() > 0 && readablePageCount() == pageCount(); }
+    /// Why it could not be read.
+    struct Obstacles {
+        bool needsPassword = false;
+        bool lacksMemory = false;
+    };
     static std::unique_ptr<ParsedFile> read(const std::shared_ptr<const SnapshotReader>& content,
-                                            Damage damage, bool& needsPassword);
+                                            Damage damage, Obstacles& obstacles);
     /// Whether libqpdf has met damage since it was asked last.
     bool hasMetDamage() const;
 

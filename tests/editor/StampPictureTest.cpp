@@ -47,6 +47,8 @@ TEST(StampPictureTest, IsDecodedOnceForTheSameBytes) {
     const auto picture = pictures.picture(png);
     ASSERT_TRUE(picture);
     EXPECT_EQ(pictures.picture(png), picture);
+    const QByteArray inTheNextDocument(png.constData(), png.size());
+    EXPECT_EQ(pictures.picture(inTheNextDocument), picture);
     EXPECT_FALSE(pictures.picture("no picture"));
 
     const QByteArray decodedElsewhere("no picture either");

@@ -62,6 +62,7 @@ protected:
             std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses());
         content->loadPDF(QUrl::fromLocalFile(contract()));
         content->addStampToCurrentPage(library().selectedPreset());
+        library().finishSaving();
     }
 
     QString contract() const { return workspace.path(QStringLiteral("Akten/Vertrag.pdf")); }

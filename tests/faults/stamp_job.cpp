@@ -85,6 +85,7 @@ int main(int argc, char** argv) {
     };
     press(Qt::Key_O, QStringLiteral("/Akten/Vertrag.pdf"));
     shown.content().addStampToCurrentPage(shown.content().stampLibrary().selectedPreset());
+    shown.content().stampLibrary().finishSaving();
     settle();
     if (shown.content().totalStampCount() != 1)
         return 1;

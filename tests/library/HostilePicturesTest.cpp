@@ -45,9 +45,11 @@ protected:
         writeFile(path, {});
         ASSERT_EQ(::truncate(qPrintable(path), size), 0);
     }
-    QStringList notes() const {
-        return QDir(workspace.storeFolder() + QStringLiteral("/.decoding"))
-            .entryList(QDir::Files | QDir::Hidden);
+    QString decodingFolder() const { return workspace.storeFolder() + QStringLiteral("/.decoding/"); }
+    QStringList notes() const { return QDir(decodingFolder()).entryList(QDir::Files | QDir::Hidden); }
+    QString noteOf(const StampPreset& preset) const {
+        const QByteArray version = library->deferredPicture(preset).version.toUtf8();
+        return QString::fromLatin1(QCryptographicHash::hash(version, QCryptographicHash::Sha256).toHex());
     }
 
     TestWorkspace workspace;
@@ -80,13 +82,8 @@ TEST_F(HostilePicturesTest, APictureOverWhichTheProgramEndedIsPassedOverUntilThe
         rlimit limit{};
         limit.rlim_cur = limit.rlim_max = 0;
         ::setrlimit(RLIMIT_CORE, &limit);
-        const QString folder = workspace.storeFolder() + QStringLiteral("/.decoding");
-        const QString name =
-            QString::fromLatin1(QCryptographicHash::hash(library->deferredPicture(mine).version.toUtf8(),
-                                                         QCryptographicHash::Sha256)
-                                    .toHex());
-        ::mkdir(qPrintable(folder), 0755);
-        const int note = ::open(qPrintable(folder + QLatin1Char('/') + name), O_RDWR | O_CREAT, 0600);
+        ::mkdir(qPrintable(decodingFolder()), 0755);
+        const int note = ::open(qPrintable(decodingFolder() + noteOf(mine)), O_RDWR | O_CREAT, 0600);
         ::_exit(::flock(note, LOCK_EX | LOCK_NB));
     }
     ASSERT_EQ(::waitpid(child, nullptr, 0), child);
@@ -97,15 +94,26 @@ TEST_F(HostilePicturesTest, APictureOverWhichTheProgramEndedIsPassedOverUntilThe
     EXPECT_EQ(notes(), QStringList());
 }
 
+TEST_F(HostilePicturesTest, NotesAboutPicturesThatAreGoneOrReplacedAreRemoved) {
+    ASSERT_EQ(importError(plainPng(9, 9, Qt::red)), QString());
+    ASSERT_EQ(importError(plainPng(9, 9, Qt::blue)), QString());
+    const QList<StampPreset> mine{library->presets().at(5), library->presets().at(6)};
+    QDir().mkpath(decodingFolder());
+    for (const StampPreset& preset : mine)
+        writeFile(decodingFolder() + noteOf(preset), {});
+    library->removePreset(mine[0].id);
+    EXPECT_EQ(notes(), QStringList{noteOf(mine[1])});
+    EXPECT_FALSE(workspace.makeLibrary()->deferredPicture(mine[1]).load()) << "it still counts";
+    writeFile(workspace.stampsFolder() + QLatin1Char('/') + mine[1].fileName, plainPng(7, 9, Qt::green));
+    EXPECT_TRUE(workspace.makeLibrary()->deferredPicture(mine[1]).load());
+    EXPECT_EQ(notes(), QStringList());
+}
+
 TEST_F(HostilePicturesTest, APictureThatAnotherWindowDecodesIsNotPassedOver) {
     ASSERT_EQ(importError(plainPng(9, 9, Qt::red)), QString());
     const StampPreset mine = named(*library, QStringLiteral("Bild"));
-    const QString name = QString::fromLatin1(
-        QCryptographicHash::hash(library->deferredPicture(mine).version.toUtf8(), QCryptographicHash::Sha256)
-            .toHex());
     ASSERT_TRUE(library->image(mine));
-    const int held = ::open(qPrintable(workspace.storeFolder() + QStringLiteral("/.decoding/") + name),
-                            O_RDWR | O_CREAT, 0600);
+    const int held = ::open(qPrintable(decodingFolder() + noteOf(mine)), O_RDWR | O_CREAT, 0600);
     ASSERT_EQ(::flock(held, LOCK_EX), 0);
     EXPECT_TRUE(library->deferredPicture(mine).load());
     ::close(held);

@@ -51,9 +51,12 @@ TEST_F(SharedLibraryTest, AChangeTakesNothingThatAnotherWindowHasAdded) {
     one->recordUse(one->presets().first().id);
     two->removePreset(builtin(*two, QStringLiteral("geprueft")).id);
     one->recordUse(mine.id);
+    one.reset();
     EXPECT_EQ(stored().size(), 6);
-    EXPECT_TRUE(has(*one, mine.id) && has(*one, other.id));
-    EXPECT_EQ(workspace.makeLibrary()->presets().size(), 7) << "the built-in one comes back";
+    const auto next = workspace.makeLibrary();
+    EXPECT_TRUE(has(*next, mine.id) && has(*next, other.id));
+    EXPECT_EQ(next->recentPresets().first().id, mine.id);
+    EXPECT_EQ(next->presets().size(), 7) << "the built-in one comes back";
 }
 
 TEST_F(SharedLibraryTest, BothFirstStartsMakeEachBuiltinOnce) {
@@ -117,6 +120,7 @@ TEST_F(SharedLibraryTest, AFileThatIsDamagedOrDeletedWhileTheWindowIsOpenTakesNo
     QFile::remove(workspace.metadataFile());
     settle();
     one->recordUse(second.id);
+    one.reset();
     EXPECT_EQ(stored().size(), 7);
     EXPECT_EQ(QDir(workspace.storeFolder()).entryList({QStringLiteral("*unlesbar*")}).size(), 1);
 }

@@ -1,4 +1,6 @@
+#include "base/FileLock.h"
 #include "base/Text.h"
+#include "library/LibraryFolder.h"
 #include "library/StampLibrary.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestImages.h"
@@ -60,7 +62,7 @@ TEST_F(StampSelectionTest, AnUnknownSelectionIsStoredAndStandsForTheFirstEntry) 
 }
 
 TEST_F(StampSelectionTest, UseMovesAnEntryToTheFrontAndKeepsTheSelection) {
-    const auto library = workspace.makeLibrary();
+    auto library = workspace.makeLibrary();
     const QList<StampPreset> presets = importMany(*library, 3);
     workspace.now = workspace.now.addDays(1);
     library->selectPreset(presets[1].id);
@@ -69,9 +71,29 @@ TEST_F(StampSelectionTest, UseMovesAnEntryToTheFrontAndKeepsTheSelection) {
     EXPECT_EQ(library->recentPresets().value(0).id, presets[0].id);
     EXPECT_EQ(library->recentPresets().size(), 3);
     EXPECT_EQ(library->recentPresets().value(0).lastUsedAt, workspace.now);
+    library.reset();
     const StampPreset restarted = workspace.makeLibrary()->recentPresets().value(0);
     EXPECT_EQ(restarted.id, presets[0].id);
     EXPECT_EQ(restarted.lastUsedAt, workspace.now);
+}
+
+TEST_F(StampSelectionTest, UseWaitsForNobodyAndIsStoredAllTheSame) {
+    auto library = workspace.makeLibrary();
+    const QList<StampPreset> presets = importMany(*library, 2);
+    workspace.now = workspace.now.addDays(1);
+    const QByteArray before = readFile(workspace.metadataFile());
+    {
+        const FileLock heldByAnotherProgram(LibraryFolder(workspace.folders()).lockPath());
+        library->recordUse(presets[0].id);
+        library->recordUse(presets[1].id);
+        EXPECT_EQ(readFile(workspace.metadataFile()), before);
+    }
+    library.reset();
+    const QList<StampPreset> recents = workspace.makeLibrary()->recentPresets();
+    ASSERT_EQ(recents.size(), 2);
+    EXPECT_EQ(recents[0].id, presets[1].id);
+    EXPECT_EQ(recents[0].lastUsedAt, workspace.now);
+    EXPECT_EQ(recents[1].lastUsedAt, workspace.now);
 }
 
 TEST_F(StampSelectionTest, TwelveRecentsAreStoredAndEightShown) {

@@ -4,6 +4,7 @@
 #include "pdf/PDFContext.h"
 #include "pdf/PagePdf.h"
 #include "tests/support/GTestQt.h"
+#include "tests/support/RewrittenPdf.h"
 #include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 
@@ -159,6 +160,22 @@ TEST_F(DocumentProcessTest, HasAsMuchMemoryAsTheSourceAndALimitMore) {
     ASSERT_EQ(::prlimit(*document->processID(), RLIMIT_AS, nullptr, &limit), 0);
     EXPECT_EQ(limit.rlim_cur, processes.limits().memory + document->content()->size());
     EXPECT_EQ(limit.rlim_max, limit.rlim_cur);
+}
+
+TEST_F(DocumentProcessTest, ObjectsThatUnpackToMoreMemoryAreNoDamage) {
+    DocumentLimits limits;
+    limits.memory = 192 << 20;
+    DocumentProcesses modest(QStringLiteral(VELLMORA_DOCUMENT), limits);
+    const auto packed = [](size_t unpackedSize) {
+        PdfBuilder builder = pages(1);
+        builder.catalog("/Odd 1000 0 R").object('(' + std::string(unpackedSize, ' ') + ')');
+        return rewritten(builder.bytes());
+    };
+    EXPECT_EQ(PDFDocument::fromData(packed(1 << 20), modest)->pageCount(), 1);
+    const QByteArray bomb = packed(160 << 20);
+    EXPECT_LT(bomb.size(), 1 << 20);
+    EXPECT_EQ(failureOf([&] { PDFDocument::fromData(bomb, modest); }),
+              QStringLiteral("Das Dokument braucht zu viel Arbeitsspeicher."));
 }
 #endif
 

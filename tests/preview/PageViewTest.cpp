@@ -1,3 +1,4 @@
+#include "pdf/DocumentProcesses.h"
 #include "preview/PDFView.h"
 #include "preview/ProcessRenderer.h"
 #include "tests/support/GTestQt.h"
@@ -5,6 +6,7 @@
 #include "tests/support/TestPdf.h"
 
 #include <cmath>
+#include <csignal>
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -265,6 +267,26 @@ TEST_F(PDFViewTest, SaysThatNothingCanBeShownUntilItCan) {
     unlucky.goTo(1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return showsPage(1); })) << "asked for again";
     EXPECT_EQ(unlucky.pageDescription(), QStringLiteral("Seite 2 von 3"));
+}
+
+TEST_F(PDFViewTest, APageThatMissedItsTimeIsAskedForAgainWhenItIsTurnedTo) {
+    DocumentLimits limits;
+    limits.view = std::chrono::seconds(1);
+    DocumentProcesses processes(QStringLiteral(VELLMORA_DOCUMENT), limits);
+    const auto document = PDFDocument::fromData(pages(2).bytes(), processes);
+    ::kill(*document->processID(), SIGSTOP);
+    view.setDocument(document);
+    const auto isUnavailable = [&] { return view.pictures().picture(0).isUnavailable; };
+    ASSERT_TRUE(QTest::qWaitFor(isUnavailable));
+    // More than once: on a busy machine it may miss its time again.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            view.goTo(1);
+            view.goTo(0);
+            return QTest::qWaitFor([&] { return !isUnavailable(); }, 2000);
+        },
+        60000));
+    EXPECT_FALSE(view.pictures().picture(0).pixmap.isNull());
 }
 
 TEST_F(PDFViewTest, NotifiesOfScaleChangesAndKeepsAFixedScale) {
