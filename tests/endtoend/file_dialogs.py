@@ -25,7 +25,7 @@ class FileDialogs:
         self.window.start_program(self.files / "Mietvertrag.pdf")
         self.window.expect("PDF geladen: Mietvertrag.pdf")
         self.document = "Mietvertrag.pdf"
-        self.frame = self.screen.find("frame", "Vellmora")
+        self.frame = self.screen.find("frame", "Mietvertrag.pdf")
         for step in self.save_as, self.save_over_a_file, self.open, self.import_stamp, self.cancel, self.refuse:
             print(f"{step.__name__} …", flush=True)
             step()
