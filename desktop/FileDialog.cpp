@@ -59,10 +59,29 @@ void FileDialog::prepare(const QString& title, ContentType type, const QUrl& fol
     m_type = type;
     setNameFilter(nameFilter(type));
     setDirectoryUrl(folder);
-    for (auto* list : findChildren<QAbstractItemView*>())
-        list->clearSelection();
+    clearSelection();
     if (QLineEdit* field = nameField())
         field->clear();
+    watchTyping();
+    m_isTyped = false;
+}
+
+void FileDialog::clearSelection() {
+    for (auto* list : findChildren<QAbstractItemView*>())
+        list->clearSelection();
+}
+
+void FileDialog::watchTyping() {
+    if (m_watched || !nameField())
+        return;
+    m_watched = nameField();
+    connect(m_watched, &QLineEdit::textEdited, this, [this] { m_isTyped = true; });
+    for (const auto* list : findChildren<QAbstractItemView*>()) {
+        connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this, list] {
+            if (list->hasFocus())
+                m_isTyped = false;
+        });
+    }
 }
 
 /// The desktop's dialog is gone before it can be told what it chose; where that will not do, it is shown
@@ -84,6 +103,10 @@ std::optional<QUrl> FileDialog::choose() {
 
 void FileDialog::accept() {
     closeCompletions();
+    // Qt selects in the list what is typed, folders on the way as well. One that is still being listed may
+    // stay selected, and would be entered in place of the file.
+    if (m_isTyped)
+        clearSelection();
     const QFileInfo chosen(selectedFiles().value(0));
     if (isDesktops() || chosen.isDir() || isOfType(chosen.fileName()))
         return QFileDialog::accept();

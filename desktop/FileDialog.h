@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <QFileDialog>
+#include <QPointer>
 
 class QLineEdit;
 
@@ -33,6 +34,8 @@ protected:
     void done(int answer) override;
 
 private:
+    void watchTyping();
+    void clearSelection();
     void prepare(const QString& title, ContentType type, const QUrl& folder);
     std::optional<QUrl> run();
     std::optional<QUrl> choose();
@@ -43,6 +46,8 @@ private:
     QLineEdit* nameField() const;
 
     ContentType m_type = ContentType::pdf;
+    QPointer<QLineEdit> m_watched;  ///< the name field, once its typing is watched
+    bool m_isTyped = false;         ///< what is to be chosen stands in the name field, and not in the list
 };
 
 }  // namespace vellmora

@@ -18,7 +18,7 @@ MOST_TABS = 60  # more than there are controls
 class KeyboardJob:
     def __init__(self, window):
         self.window = window
-        self.files = window.folder / "Vertrag"
+        self.files = window.folder / "HOME/Dokumente"
         self.contract = self.files / "Mietvertrag.pdf"
         self.copy = self.files / "Kopie.pdf"
         self.seal = self.files / "Siegel.png"
