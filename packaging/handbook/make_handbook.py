@@ -29,7 +29,7 @@ def with_picture(folder, image):
 
 
 def main(source, template, target):
-    parts = TocExtension(slugify=slugify_unicode, toc_depth="2")
+    parts = TocExtension(slugify=slugify_unicode, toc_depth="2-2")
     converter = markdown.Markdown(extensions=["tables", parts], output_format="html")
     text = source.read_text(encoding="utf-8")
     body = converter.convert(text)
