@@ -32,7 +32,7 @@ void showOnHelpKey(ContentWindow& window, const QString& file) {
     key->setAutoRepeat(false);
     QObject::connect(key, &QShortcut::activated, &window, [&window, file] {
         if (const QString failure = show(file); !failure.isEmpty())
-            window.content().statusText = failure;
+            window.content().report(failure, ContentView::Outcome::problem);
     });
 }
 

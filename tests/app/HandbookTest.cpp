@@ -125,7 +125,7 @@ TEST_F(HandbookTest, NamesEveryKeyOfTheWindowAndNoOther) {
 }
 
 TEST(HandbookTextTest, ShowsEachPictureInLightAndDark) {
-    QStringList shown = matches(textOf(handbookText), "^!\\[.+\\]\\((.+)\\)$");
+    QStringList shown = matches(textOf(handbookText), R"(^!\[.+\]\((.+)\)$)");
     QStringList there;
     for (const QFileInfo& file : QDir(documents + QStringLiteral("pictures")).entryInfoList(QDir::Files)) {
         const QString name = QStringLiteral("pictures/") + file.fileName();
