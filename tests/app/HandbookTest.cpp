@@ -74,7 +74,7 @@ QStringList keysInHandbook() {
     const QString part = textOf(handbookText)
                              .section(QStringLiteral("### Im ganzen Fenster"), 1)
                              .section(QStringLiteral("\n#"), 0, 0);
-    QStringList rows = matches(part, "^(\\| `.*) \\|$");
+    QStringList rows = matches(part, R"(^(\| `.*) \|$)");
     for (QString& row : rows)
         row.remove(QStringLiteral("| `")).replace(QStringLiteral("` | "), QStringLiteral(": "));
     rows.sort();
@@ -144,7 +144,7 @@ TEST(HandbookTextTest, ShowsEachPictureInLightAndDark) {
 
 TEST(HandbookTextTest, OthersReferToWhatIsThere) {
     const QString top = documents + QStringLiteral("../");
-    const QStringList links = matches(textOf(top + QStringLiteral("README.md")), "\\]\\((docs/[^)#]+)");
+    const QStringList links = matches(textOf(top + QStringLiteral("README.md")), R"(\]\((docs/[^)#]+))");
     EXPECT_TRUE(links.contains(QStringLiteral("docs/handbuch.md")));
     for (const QString& link : links)
         EXPECT_TRUE(QFileInfo::exists(top + link)) << qPrintable(link);
