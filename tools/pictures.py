@@ -95,7 +95,7 @@ class PictureTour(Tour):
         self.click_on(self.library_entry("Unterschrift"), times=2)
         self.screen.find("label", "Stempel auf Seite 1 eingefügt: Unterschrift")
         self.scroll_sidebar(UP)
-        self.move_stamp("Stempel Unterschrift", 0.17, -0.385)
+        self.move_stamp("Stempel Unterschrift", 0.24, -0.385)
 
     def save(self):
         self.desktop.run("xdotool", "key", "ctrl+s")
