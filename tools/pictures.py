@@ -17,6 +17,7 @@ from tour import A4_ASPECT, PAGE_MARGIN, RESULTS, ROOT, Tour, say, stop_at_signa
 
 PICTURES = ROOT / "docs/pictures"
 COLOURS = 256  # of a picture's palette
+ACTIVE = 1 << 1  # in the first word of an object's state
 UP, DOWN = 4, 5  # buttons of the mouse: its wheel
 
 # The colours of two desktops: of windows, of what one writes in, of buttons, of what is chosen.
@@ -134,10 +135,13 @@ class PictureTour(Tour):
 
     def take_picture(self, name):
         screen = RESULTS / "screen.png"
+        window = self.screen.find("frame", "")
+        if name != "dialog":  # the window shows its focus once it is the active one again
+            wait_for(lambda: self.screen.ask(window, "GetState")[0] & ACTIVE, "the window to become active")
         self.desktop.picture(screen)
         if name == "dialog":  # every desktop has its own
             return
-        x, y, width, height = self.screen.extents(self.screen.find("frame", ""))
+        x, y, width, height = self.screen.extents(window)
         self.desktop.run("convert", screen, "-crop", f"{width}x{height}+{x}+{y}", "+repage", "+dither",
                          "-colors", COLOURS, "-define", "png:compression-level=9", "-strip",
                          f"PNG8:{PICTURES / name}{self.suffix}.png")
