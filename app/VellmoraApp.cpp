@@ -58,20 +58,23 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc),
         QCoreApplication::installTranslator(&m_qtTexts);
 }
 
-std::optional<QUrl> VellmoraApp::documentToOpen() const {
+VellmoraApp::Request VellmoraApp::request() const {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Stempelt PDF-Dokumente."));
     parser.addHelpOption();
     parser.addVersionOption();
+    const QCommandLineOption handbook(QStringLiteral("handbuch"), QStringLiteral("Zeigt das Handbuch."));
+    parser.addOption(handbook);
     parser.addPositionalArgument(QStringLiteral("datei"), QStringLiteral("PDF, die geöffnet wird."),
                                  QStringLiteral("[Datei]"));
     parser.process(m_application);
     const QStringList files = parser.positionalArguments();
-    if (files.size() > 1)
+    const bool isForHandbook = parser.isSet(handbook);
+    if (files.size() > (isForHandbook ? 0 : 1))
         parser.showHelp(EXIT_FAILURE);
     if (files.isEmpty())
-        return std::nullopt;
-    return QUrl::fromLocalFile(QFileInfo(files.first()).absoluteFilePath());
+        return {std::nullopt, isForHandbook};
+    return {QUrl::fromLocalFile(QFileInfo(files.first()).absoluteFilePath()), isForHandbook};
 }
 
 }  // namespace vellmora

@@ -14,9 +14,13 @@ class VellmoraApp {
 public:
     VellmoraApp(int& argc, char** argv);
 
-    /// The file that the command line names. Ends the program where the command line asks for help or the
-    /// version, or makes no sense.
-    std::optional<QUrl> documentToOpen() const;
+    /// What the command line asks for.
+    struct Request {
+        std::optional<QUrl> document;
+        bool isForHandbook = false;  ///< to be shown in place of a window
+    };
+    /// Ends the program where the command line asks for help or the version, or makes no sense.
+    Request request() const;
 
     int run() { return QApplication::exec(); }
 

@@ -1,17 +1,31 @@
 #include "app/ContentWindow.h"
+#include "app/Handbook.h"
 #include "app/VellmoraApp.h"
 #include "desktop/DialogFilePanels.h"
 #include "pdf/DocumentProcesses.h"
 #include "preview/ProcessRenderer.h"
 #include "ui/FirstPaint.h"
 
+#include <cstdio>
+
 #include <QScreen>
 
 using namespace vellmora;
 
+/// Without a window. The exit code of the program.
+static int showHandbook() {
+    const QString failure = handbook::show(handbook::installedFile());
+    if (failure.isEmpty())
+        return EXIT_SUCCESS;
+    std::fprintf(stderr, "vellmora: %s\n", failure.toLocal8Bit().constData());
+    return EXIT_FAILURE;
+}
+
 int main(int argc, char** argv) {
     VellmoraApp app(argc, argv);
-    const std::optional<QUrl> document = app.documentToOpen();
+    const auto [document, isForHandbook] = app.request();
+    if (isForHandbook)
+        return showHandbook();
     DocumentProcesses processes(DocumentProcesses::installedProgram());
     if (document)
         processes.prepare();
@@ -26,6 +40,7 @@ int main(int argc, char** argv) {
     const Theme theme(fonts, Theme::textScaleFor(QGuiApplication::font(), screen.logicalDotsPerInchY(),
                                                  screen.availableSize().width()));
     ContentWindow window(std::move(content), renderer, theme);
+    handbook::showOnHelpKey(window, handbook::installedFile());
     window.window().fitInto(window.window().screen()->availableSize());
     const FirstPaint firstPaint(window.window());
     QObject::connect(&firstPaint, &FirstPaint::completed, &renderer, &ProcessRenderer::prepare);
@@ -37,7 +52,7 @@ int main(int argc, char** argv) {
         renderer.prepare();
         // Inside of the event loop, which may end while the document is loaded.
         QMetaObject::invokeMethod(
-            &window, [&] { window.content().loadPDF(*document); }, Qt::QueuedConnection);
+            &window, [&window, url = *document] { window.content().loadPDF(url); }, Qt::QueuedConnection);
     }
     return app.run();
 }

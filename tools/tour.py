@@ -42,7 +42,12 @@ class Tour:
         self.title = ""
 
     def run(self):
-        for self.title, step in [
+        for self.title, step in self.steps():
+            say(f"{self.title} …")
+            step()
+
+    def steps(self):
+        return [
             ("Starting a virtual display", self.desktop.start),
             ("Writing the sample document", self.write_sample),
             ("Starting the program", self.start_program),
@@ -51,9 +56,7 @@ class Tour:
             ("Dragging the stamp", self.drag_stamp),
             ("Saving under another name", self.save_as),
             ("Looking at the result", self.check_result),
-        ]:
-            say(f"{self.title} …")
-            step()
+        ]
 
     def write_sample(self):
         self.desktop.run(SAMPLE_PDF, self.sample, QT_QPA_PLATFORM="offscreen")

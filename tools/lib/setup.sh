@@ -5,6 +5,7 @@
 build_packages=(
     g++ cmake ninja-build
     qt6-base-dev qt6-base-dev-tools qt6-base-private-dev qt6-pdf-dev qt6-svg-dev qt6-translations-l10n
+    python3 python3-markdown
     libfribidi-dev libharfbuzz-dev libjemalloc-dev libqpdf-dev libseccomp-dev pkgconf zlib1g-dev
     fonts-dejavu-core fonts-lato fonts-roboto-unhinted
     libgmock-dev libgtest-dev locales
