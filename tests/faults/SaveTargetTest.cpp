@@ -40,6 +40,7 @@ protected:
         content.loadPDF(QUrl::fromLocalFile(path(fileName)));
         ASSERT_EQ(status(), QStringLiteral("PDF geladen: ") + fileName);
         content.addStampToCurrentPage(content.stampLibrary().selectedPreset());
+        content.stampLibrary().finishSaving();
         ASSERT_EQ(content.totalStampCount(), 1);
     }
     QString status() const { return content.statusText; }
