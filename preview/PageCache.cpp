@@ -8,11 +8,11 @@
 namespace vellmora {
 
 PageCache::PageCache(PageRenderer& renderer) : m_renderer(renderer) {
-    connect(&m_drawings, &PagePdfQueue::ready, this, &PageCache::takeDrawing);
+    connect(&m_pdfs, &PagePdfQueue::ready, this, &PageCache::takePdf);
 }
 
 void PageCache::setDocument(const std::shared_ptr<const PDFDocument>& document) {
-    m_drawings.setDocument(document);
+    m_pdfs.setDocument(document);
     m_renderer.beginDocument();
     m_pages.clear();
     ++m_generation;
@@ -23,17 +23,17 @@ void PageCache::request(qsizetype pageIndex, const Wish& wish) {
     if (page.wanted == wish)
         return;
     page.wanted = wish;
-    if (page.drawing)
+    if (page.pagePdf)
         render(pageIndex, page);
     else
-        m_drawings.request(pageIndex);
+        m_pdfs.request(pageIndex);
 }
 
-void PageCache::takeDrawing(qsizetype pageIndex, const QByteArray& drawing) {
+void PageCache::takePdf(qsizetype pageIndex, const QByteArray& pagePdf) {
     const auto page = m_pages.find(pageIndex);
     if (page == m_pages.end())
         return;
-    page->drawing = drawing;
+    page->pagePdf = pagePdf;
     if (page->wanted != Wish())
         render(pageIndex, *page);
 }
@@ -44,7 +44,7 @@ void PageCache::render(qsizetype pageIndex, const Page& page) {
         if (self && self->m_generation == generation)
             self->take(pageIndex, wish, image);
     };
-    m_renderer.render({*page.drawing, page.wanted.fullSize, page.wanted.part}, deliver);
+    m_renderer.render({*page.pagePdf, page.wanted.fullSize, page.wanted.part}, deliver);
 }
 
 void PageCache::take(qsizetype pageIndex, const Wish& wish, const QImage& image) {
@@ -64,15 +64,15 @@ void PageCache::setCentre(qsizetype pageIndex) {
     const auto page = m_pages.find(pageIndex);
     if (page != m_pages.end() && (page->picture.shows != page->wanted || page->picture.isUnavailable)) {
         page->wanted = {};
-        if (page->drawing && page->drawing->isEmpty())
-            page->drawing.reset();
+        if (page->pagePdf && page->pagePdf->isEmpty())
+            page->pagePdf.reset();
     }
     keepWithinBudget();
 }
 
 qint64 PageCache::bytesOf(const Page& page) {
     const qint64 pixels = qint64{page.picture.pixmap.width()} * page.picture.pixmap.height();
-    return pixels * qint64{sizeof(QRgb)} + (page.drawing ? page.drawing->size() : 0);
+    return pixels * qint64{sizeof(QRgb)} + (page.pagePdf ? page.pagePdf->size() : 0);
 }
 
 void PageCache::keepWithinBudget() {

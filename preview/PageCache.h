@@ -51,11 +51,11 @@ Q_SIGNALS:
 
 private:
     struct Page {
-        std::optional<QByteArray> drawing;
+        std::optional<QByteArray> pagePdf;
         Picture picture;
         Wish wanted;
     };
-    void takeDrawing(qsizetype pageIndex, const QByteArray& drawing);
+    void takePdf(qsizetype pageIndex, const QByteArray& pagePdf);
     void render(qsizetype pageIndex, const Page& page);
     void take(qsizetype pageIndex, const Wish& wish, const QImage& image);
     static qint64 bytesOf(const Page& page);
@@ -64,7 +64,7 @@ private:
     static constexpr qint64 budgetBytes = qint64{48} << 20;
 
     PageRenderer& m_renderer;
-    PagePdfQueue m_drawings;
+    PagePdfQueue m_pdfs;
     QHash<qsizetype, Page> m_pages;
     qsizetype m_centre = 0;
     quint64 m_generation = 0;  ///< tells pictures of a document that is gone from those of this one

@@ -7,17 +7,17 @@
 namespace vellmora {
 
 PagePdfQueue::~PagePdfQueue() {
-    endDrawing();
+    endJob();
 }
 
 void PagePdfQueue::setDocument(const std::shared_ptr<const PDFDocument>& document) {
     m_waiting.clear();
     if (m_document != document)
-        endDrawing();
+        endJob();
     m_document = document;
 }
 
-void PagePdfQueue::endDrawing() {
+void PagePdfQueue::endJob() {
     if (m_job)
         m_job->progress->cancel();
 }
@@ -38,18 +38,18 @@ void PagePdfQueue::drawNext() {
     m_job = Job{m_document, m_waiting.back(), std::make_shared<WorkProgress>()};
     m_waiting.pop_back();
     m_queue.run([this, job = *m_job] {
-        const QByteArray drawing =
+        const QByteArray pagePdf =
             job.document ? makePagePdf(*job.document, job.pageIndex, job.progress.get()) : QByteArray();
         QMetaObject::invokeMethod(
-            this, [this, job, drawing] { take(job, drawing); }, Qt::QueuedConnection);
+            this, [this, job, pagePdf] { take(job, pagePdf); }, Qt::QueuedConnection);
     });
 }
 
-void PagePdfQueue::take(const Job& job, const QByteArray& drawing) {
+void PagePdfQueue::take(const Job& job, const QByteArray& pagePdf) {
     m_job.reset();
     drawNext();
     if (job.document == m_document)
-        Q_EMIT ready(job.pageIndex, drawing);
+        Q_EMIT ready(job.pageIndex, pagePdf);
 }
 
 }  // namespace vellmora

@@ -13,14 +13,14 @@
 
 namespace vellmora {
 
-/// Makes the drawings of a document's pages on a thread of its own, so that nothing waits for a page that
+/// Makes PDFs of a document's single pages on a thread of its own, so that nothing waits for a page that
 /// takes long.
 class PagePdfQueue : public QObject {
     Q_OBJECT
 
 public:
     PagePdfQueue() = default;
-    /// Ends the drawing of a page, as far as it is not done.
+    /// Ends the making of a PDF, as far as it is not done.
     ~PagePdfQueue() override;
 
     /// Forgets all requests, and ends what is being drawn: the document's process is lost with it.
@@ -29,8 +29,8 @@ public:
     void request(qsizetype pageIndex);
 
 Q_SIGNALS:
-    /// `drawing` as of `makePagePdf`: empty where the page cannot be drawn.
-    void ready(qsizetype pageIndex, const QByteArray& drawing);
+    /// `pagePdf` as of `makePagePdf`: empty where the page cannot be drawn.
+    void ready(qsizetype pageIndex, const QByteArray& pagePdf);
 
 private:
     struct Job {
@@ -41,9 +41,9 @@ private:
             return document == other && pageIndex == page;
         }
     };
-    void endDrawing();
+    void endJob();
     void drawNext();
-    void take(const Job& job, const QByteArray& drawing);
+    void take(const Job& job, const QByteArray& pagePdf);
 
     static constexpr size_t maxWaiting = 8;
 

@@ -9,23 +9,23 @@
 
 namespace vellmora {
 
-/// A page drawing (a PDF of one page), how large the whole page is wanted, and which part of it.
+/// A PDF of one page, how large the whole page is wanted, and which part of it.
 struct PageRenderRequest {
-    QByteArray drawing;
+    QByteArray pagePdf;
     QSize pixelSize;
     QRect part;  ///< in pixels of the whole page, inside it
 
-    static PageRenderRequest whole(const QByteArray& drawing, QSize size) {
-        return {drawing, size, {{0, 0}, size}};
+    static PageRenderRequest whole(const QByteArray& pagePdf, QSize size) {
+        return {pagePdf, size, {{0, 0}, size}};
     }
 };
 
-/// Turns page drawings into pixels. An interface, since the engine behind it is what hostile files break: it
-/// does not live in this process.
+/// Turns PDFs of single pages into pixels. An interface, since the engine behind it is what hostile files
+/// break: it does not live in this process.
 class PageRenderer {
 public:
     /// Called at most once, on the main thread: the part of the page on white; a null image where the
-    /// drawing cannot be rendered.
+    /// page cannot be rendered.
     using Completion = std::function<void(const QImage&)>;
 
     virtual ~PageRenderer() = default;

@@ -79,7 +79,7 @@ void ProcessRenderer::serveNext() {
 
 /// Where nothing can be rendered, asking for the same page again is no reason for another try.
 bool ProcessRenderer::isHopeless(const PageRenderRequest& request) const {
-    return isBroken() && request.drawing == m_refused;
+    return isBroken() && request.pagePdf == m_refused;
 }
 
 bool ProcessRenderer::begin(Waiting work) {
@@ -87,17 +87,17 @@ bool ProcessRenderer::begin(Waiting work) {
     const QRect part = work.request.part;
     const qint64 pixelCount = qint64(part.width()) * part.height();
     if (part.isEmpty() || !QRect(QPoint(0, 0), page).contains(part) || pixelCount > maxRenderedPixels ||
-        work.request.drawing.isEmpty() || isHopeless(work.request))
+        work.request.pagePdf.isEmpty() || isHopeless(work.request))
         return false;
-    const auto drawingSize = static_cast<size_t>(work.request.drawing.size());
-    const FileDescriptor drawing = sealedFile(work.request.drawing.constData(), drawingSize);
+    const auto pdfSize = static_cast<size_t>(work.request.pagePdf.size());
+    const FileDescriptor pagePdf = sealedFile(work.request.pagePdf.constData(), pdfSize);
     auto pixels = std::make_unique<SharedMemory>(static_cast<size_t>(pixelCount) * sizeof(QRgb));
-    if (!drawing.isValid() || !pixels->isValid())
+    if (!pagePdf.isValid() || !pixels->isValid())
         return false;
-    const RenderRequestMessage message{drawingSize, page.width(), page.height(), part.x(),
-                                       part.y(),    part.width(), part.height()};
-    if (!m_supply.send(message, drawing.get(), pixels->descriptor())) {
-        m_refused = work.request.drawing;
+    const RenderRequestMessage message{pdfSize,  page.width(), page.height(), part.x(),
+                                       part.y(), part.width(), part.height()};
+    if (!m_supply.send(message, pagePdf.get(), pixels->descriptor())) {
+        m_refused = work.request.pagePdf;
         return false;
     }
     m_job = Job{std::move(work), std::move(pixels), {}};
@@ -152,7 +152,7 @@ void ProcessRenderer::giveUp() {
     if (!m_job)
         return;
     if (isBroken())
-        m_refused = m_job->work.request.drawing;
+        m_refused = m_job->work.request.pagePdf;
     finish({});
 }
 

@@ -72,7 +72,7 @@ private:
     QTimer m_limit;
     std::deque<Waiting> m_waiting;  ///< newest last
     std::optional<Job> m_job;
-    QByteArray m_refused;  ///< the drawing that was given up last because no process could be had
+    QByteArray m_refused;  ///< the page that was given up last because no process could be had
 };
 
 }  // namespace vellmora

@@ -8,8 +8,8 @@
 
 namespace vellmora {
 
-bool sendRenderRequest(int socket, const RenderRequestMessage& request, int drawing, int pixels) {
-    return sendWithDescriptors(socket, std::as_bytes(std::span(&request, 1)), std::array{drawing, pixels});
+bool sendRenderRequest(int socket, const RenderRequestMessage& request, int pagePdf, int pixels) {
+    return sendWithDescriptors(socket, std::as_bytes(std::span(&request, 1)), std::array{pagePdf, pixels});
 }
 
 std::optional<ReceivedRenderRequest> receiveRenderRequest(int socket) {
@@ -18,7 +18,7 @@ std::optional<ReceivedRenderRequest> receiveRenderRequest(int socket) {
         receiveWithDescriptors(socket, std::as_writable_bytes(std::span(&received.message, 1)));
     if (!descriptors || !descriptors->back().isValid())
         return std::nullopt;
-    received.drawing = std::move(descriptors->front());
+    received.pagePdf = std::move(descriptors->front());
     received.pixels = std::move(descriptors->back());
     return received;
 }

@@ -12,8 +12,8 @@ std::unique_ptr<RendererProcess> RendererProcess::start(const QString& program) 
     return std::unique_ptr<RendererProcess>(new RendererProcess(std::move(process)));
 }
 
-bool RendererProcess::send(const RenderRequestMessage& request, int drawing, int pixels) {
-    return sendRenderRequest(socket(), request, drawing, pixels);
+bool RendererProcess::send(const RenderRequestMessage& request, int pagePdf, int pixels) {
+    return sendRenderRequest(socket(), request, pagePdf, pixels);
 }
 
 std::optional<RenderReplyMessage> RendererProcess::receive() {

@@ -21,7 +21,7 @@ public:
     int socket() const { return m_process->socket(); }
 
     /// False where the process is gone. Never blocks.
-    bool send(const RenderRequestMessage& request, int drawing, int pixels);
+    bool send(const RenderRequestMessage& request, int pagePdf, int pixels);
     /// Nothing where the process is gone or talks nonsense. To be called when the socket is readable.
     std::optional<RenderReplyMessage> receive();
 

@@ -55,11 +55,11 @@ void RendererSupply::end() {
     m_hasServed = false;
 }
 
-bool RendererSupply::send(const RenderRequestMessage& request, int drawing, int pixels) {
+bool RendererSupply::send(const RenderRequestMessage& request, int pagePdf, int pixels) {
     // The process may have ended since it was last heard of.
     do {
         prepare();
-        if (m_process && m_process->send(request, drawing, pixels)) {
+        if (m_process && m_process->send(request, pagePdf, pixels)) {
             m_hasServed = true;
             return true;
         }

@@ -32,7 +32,7 @@ public:
     void endFailed();
 
     /// Starts a process where there is none. False where none can be had. Never blocks.
-    bool send(const RenderRequestMessage& request, int drawing, int pixels);
+    bool send(const RenderRequestMessage& request, int pagePdf, int pixels);
 
     bool isReady() const { return m_isReady; }
     /// Several processes in a row failed before they were ready.

@@ -57,9 +57,9 @@ void PageEngine::findFonts() {
     render(pageWithoutItsFont, target.size(), target.rect(), target);
 }
 
-bool PageEngine::render(const QByteArray& drawing, QSize pageSize, const QRect& part, QImage& target) {
+bool PageEngine::render(const QByteArray& pagePdf, QSize pageSize, const QRect& part, QImage& target) {
     QBuffer buffer;
-    buffer.setData(drawing);
+    buffer.setData(pagePdf);
     buffer.open(QIODevice::ReadOnly);
     QPdfDocument document;
     document.load(&buffer);

@@ -1,5 +1,5 @@
-// The renderer process: gets drawings of pages from the program and puts their pixels into shared memory. It
-// trusts nothing that it is given, and the program trusts nothing that comes back.
+// The renderer process: gets PDFs of single pages from the program and puts their pixels into shared memory.
+// It trusts nothing that it is given, and the program trusts nothing that comes back.
 
 #include "base/HelperProcess.h"
 #include "confinement/Confinement.h"
@@ -17,23 +17,23 @@ using namespace vellmora;
 namespace {
 
 bool serve(PageEngine& engine, const ReceivedRenderRequest& request) {
-    const size_t drawingSize = request.message.drawingSize;
+    const size_t pdfSize = request.message.pdfSize;
     const QRect part(request.message.x, request.message.y, request.message.width, request.message.height);
     const QSize size = part.size();
     const auto pixelBytes =
         static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) * sizeof(QRgb);
-    void* drawing = ::mmap(nullptr, drawingSize, PROT_READ, MAP_SHARED, request.drawing.get(), 0);
+    void* pagePdf = ::mmap(nullptr, pdfSize, PROT_READ, MAP_SHARED, request.pagePdf.get(), 0);
     void* pixels = ::mmap(nullptr, pixelBytes, PROT_READ | PROT_WRITE, MAP_SHARED, request.pixels.get(), 0);
     bool isRendered = false;
-    if (drawing != MAP_FAILED && pixels != MAP_FAILED) {
+    if (pagePdf != MAP_FAILED && pixels != MAP_FAILED) {
         QImage target(static_cast<uchar*>(pixels), size.width(), size.height(), QImage::Format_RGB32);
-        const auto length = static_cast<qsizetype>(drawingSize);
+        const auto length = static_cast<qsizetype>(pdfSize);
         isRendered =
-            engine.render(QByteArray::fromRawData(static_cast<const char*>(drawing), length),
+            engine.render(QByteArray::fromRawData(static_cast<const char*>(pagePdf), length),
                           QSize(request.message.pageWidth, request.message.pageHeight), part, target);
     }
-    if (drawing != MAP_FAILED)
-        ::munmap(drawing, drawingSize);
+    if (pagePdf != MAP_FAILED)
+        ::munmap(pagePdf, pdfSize);
     if (pixels != MAP_FAILED)
         ::munmap(pixels, pixelBytes);
     return isRendered;

@@ -27,8 +27,8 @@ protected:
         return source.document();
     }
     double deliveredWidth(qsizetype delivery) const {
-        const auto drawing = documentOf(delivered[delivery][1].toByteArray());
-        return drawing ? drawing->page(0)->bounds(DisplayBox::mediaBox).width : 0;
+        const auto pagePdf = documentOf(delivered[delivery][1].toByteArray());
+        return pagePdf ? pagePdf->page(0)->bounds(DisplayBox::mediaBox).width : 0;
     }
     QList<qsizetype> deliveredPages() const {
         QList<qsizetype> pages;
@@ -37,18 +37,18 @@ protected:
         return pages;
     }
 
-    PagePdfQueue drawings;
-    QSignalSpy delivered{&drawings, &PagePdfQueue::ready};
+    PagePdfQueue queue;
+    QSignalSpy delivered{&queue, &PagePdfQueue::ready};
 };
 
 }  // namespace
 
 TEST_F(PagePdfQueueTest, DrawsTheNewestRequestFirstAndDropsWhatWasOvertaken) {
-    drawings.setDocument(distinctPages(20));
+    queue.setDocument(distinctPages(20));
     for (qsizetype page = 0; page < 20; ++page)
-        drawings.request(page);
-    drawings.request(0);
-    drawings.request(15);
+        queue.request(page);
+    queue.request(0);
+    queue.request(15);
     const QList<qsizetype> expected{0, 15, 19, 18, 17, 16, 14, 13, 12};
     ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() == expected.size(); }));
     settle();
@@ -57,12 +57,12 @@ TEST_F(PagePdfQueueTest, DrawsTheNewestRequestFirstAndDropsWhatWasOvertaken) {
 }
 
 TEST_F(PagePdfQueueTest, DeliversNothingOfADocumentThatIsGone) {
-    drawings.setDocument(pages(3).document());
+    queue.setDocument(pages(3).document());
     for (const qsizetype page : {0, 1, 2})
-        drawings.request(page);
-    drawings.setDocument(distinctPages(1));
-    drawings.request(0);
-    drawings.request(7);
+        queue.request(page);
+    queue.setDocument(distinctPages(1));
+    queue.request(0);
+    queue.request(7);
     ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() == 2; }));
     settle();
     EXPECT_EQ(deliveredPages(), (QList<qsizetype>{7, 0}));
@@ -79,14 +79,14 @@ TEST_F(PagePdfQueueTest, APageThatNeverComesHoldsUpNeitherTheNextDocumentNorTheE
         ::kill(*document->processID(), SIGSTOP);
         return document;
     };
-    drawings.setDocument(stuck());
-    drawings.request(0);
-    drawings.setDocument(distinctPages(1));
-    drawings.request(0);
+    queue.setDocument(stuck());
+    queue.request(0);
+    queue.setDocument(distinctPages(1));
+    queue.request(0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return delivered.size() == 1; }));
     EXPECT_EQ(deliveredWidth(0), 100);
-    drawings.setDocument(stuck());
-    drawings.request(0);
+    queue.setDocument(stuck());
+    queue.request(0);
 }
 
 TEST(PageTurningTest, ShowsThePageThatQuickTurningEndsAtAndThoseItPassed) {

@@ -27,9 +27,9 @@ protected:
         return makePagePdf(*source.document(), 0);
     }
     /// What the renderer answers; nothing where it does not in time.
-    std::optional<QImage> render(const QByteArray& drawing, QSize size = {200, 200}) {
+    std::optional<QImage> render(const QByteArray& pagePdf, QSize size = {200, 200}) {
         std::optional<QImage> answer;
-        renderer.render(PageRenderRequest::whole(drawing, size),
+        renderer.render(PageRenderRequest::whole(pagePdf, size),
                         [&](const QImage& image) { answer = image; });
         EXPECT_FALSE(answer) << "answered on a later turn only";
         [[maybe_unused]] const bool isThere = QTest::qWaitFor([&] { return answer.has_value(); }, patience);
@@ -231,12 +231,12 @@ TEST_F(ProcessRendererTest, RendersAPartAsItLooksInTheWhole) {
         PdfBuilder source;
         source.page(std::string("/MediaBox [20 30 120 180] ") + rotation,
                     filledRect("0 0 1", "30 40 20 30") + filledRect("0 1 0", "70.3 90.7 33 44"));
-        const QByteArray drawing = makePagePdf(*source.document(), 0);
+        const QByteArray pagePdf = makePagePdf(*source.document(), 0);
         const QSize size = std::string(rotation).empty() ? QSize(1600, 2400) : QSize(2400, 1600);
         const QRect part(700, 600, 840, 700);
-        const QImage whole = *render(drawing, size);
+        const QImage whole = *render(pagePdf, size);
         std::optional<QImage> answer;
-        renderer.render({drawing, size, part}, [&](const QImage& image) { answer = image; });
+        renderer.render({pagePdf, size, part}, [&](const QImage& image) { answer = image; });
         ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }, patience));
         ASSERT_EQ(answer->size(), part.size());
         int differing = 0;

@@ -93,7 +93,7 @@ private:
 
 /// The memory is the program's, which maps it too.
 void takeMemoryAway(const ReceivedRenderRequest& request) {
-    for (const FileDescriptor* file : {&request.pixels, &request.drawing}) {
+    for (const FileDescriptor* file : {&request.pixels, &request.pagePdf}) {
         if (::ftruncate(file->get(), 0) == 0)
             std::abort();
         ::fallocate(file->get(), FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, 1 << 20);
