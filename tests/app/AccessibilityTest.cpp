@@ -49,7 +49,7 @@ protected:
         if (!AccessibilityRecord::canListen())
             GTEST_SKIP() << "built without Qt's private headers";
     }
-    ~AccessibilityTest() override {
+    void TearDown() override {
         const QString path = qEnvironmentVariable("VELLMORA_ACCESSIBILITY_RECORD");
         if (!path.isEmpty() && !protocol.isEmpty())
             writeFile(path, protocol.toUtf8());

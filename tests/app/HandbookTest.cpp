@@ -2,6 +2,7 @@
 #include "app/Handbook.h"
 #include "base/Files.h"
 #include "preview/ProcessRenderer.h"
+#include "tests/app/OpenedUrls.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestDocuments.h"
@@ -9,7 +10,6 @@
 #include "tests/support/TestWorkspace.h"
 
 #include <QAction>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QShortcut>
@@ -23,19 +23,6 @@ namespace {
 
 const QString documents = QStringLiteral(VELLMORA_DOCS "/");
 const QString handbookText = documents + QStringLiteral("handbuch.md");
-
-/// Stands for the desktop: notes what it is to show.
-class Desktop : public QObject {
-    Q_OBJECT
-
-public:
-    Desktop() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "show"); }
-    ~Desktop() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
-
-    Q_INVOKABLE void show(const QUrl& url) { shown.append(url); }
-
-    QList<QUrl> shown;
-};
 
 class HandbookTest : public testing::Test {
 protected:
@@ -53,7 +40,7 @@ protected:
     ContentWindow window{
         std::make_unique<ContentView>(workspace.makeLibrary(), workspace.panels, documentProcesses()),
         renderer, Theme(SystemFonts::load())};
-    Desktop desktop;
+    OpenedUrls desktop;
 };
 
 QString textOf(const QString& path) {
@@ -154,5 +141,3 @@ TEST(HandbookTextTest, OthersReferToWhatIsThere) {
     for (const QString& picture : pictures)
         EXPECT_TRUE(QFileInfo::exists(documents + picture)) << qPrintable(picture);
 }
-
-#include "HandbookTest.moc"

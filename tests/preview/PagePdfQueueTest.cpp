@@ -37,6 +37,13 @@ protected:
         return pages;
     }
 
+    static DocumentLimits patience() {
+        DocumentLimits limits;
+        limits.view = limits.silence = std::chrono::hours(1);
+        return limits;
+    }
+
+    DocumentProcesses processes{QStringLiteral(VELLMORA_DOCUMENT), patience()};  // outlives the queue's work
     PagePdfQueue queue;
     QSignalSpy delivered{&queue, &PagePdfQueue::ready};
 };
@@ -71,9 +78,6 @@ TEST_F(PagePdfQueueTest, DeliversNothingOfADocumentThatIsGone) {
 }
 
 TEST_F(PagePdfQueueTest, APageThatNeverComesHoldsUpNeitherTheNextDocumentNorTheEnd) {
-    DocumentLimits patient;
-    patient.view = patient.silence = std::chrono::hours(1);
-    DocumentProcesses processes(QStringLiteral(VELLMORA_DOCUMENT), patient);
     const auto stuck = [&] {
         auto document = PDFDocument::fromData(pages(1).bytes(), processes);
         ::kill(*document->processID(), SIGSTOP);

@@ -29,8 +29,10 @@ protected:
     /// In the order of their places on the screen.
     QStringList shownNames() {
         QList<PresetTile*> tiles = grid().findChildren<PresetTile*>();
-        tiles.removeIf(
-            [&](const PresetTile* tile) { return this->tile(grid().indexOf(tile->preset().id)) != tile; });
+        tiles.removeIf([&](const PresetTile* tile) {
+            const qsizetype index = grid().indexOf(tile->preset().id);
+            return index < 0 || this->tile(index) != tile;
+        });
         const auto place = [](const PresetTile* tile) { return std::pair(tile->y(), tile->x()); };
         std::sort(tiles.begin(), tiles.end(), [&](auto* a, auto* b) { return place(a) < place(b); });
         QStringList names;
