@@ -73,7 +73,7 @@ class PictureTour(Tour):
         self.click_on(self.screen.find("tree item", self.signature.name), times=2)
         self.screen.find("label", "Stempel importiert: Unterschrift")
         self.scroll_sidebar(DOWN)
-        self.click_on(self.library_entry("Eingegangen"))
+        self.click_on(self.tile_of("Eingegangen"))
         self.rest()
         self.take_picture("library")
 
@@ -93,7 +93,7 @@ class PictureTour(Tour):
 
     def sign(self):
         self.scroll_sidebar(DOWN)
-        self.click_on(self.library_entry("Unterschrift"), times=2)
+        self.click_on(self.tile_of("Unterschrift"), times=2)
         self.screen.find("label", "Stempel auf Seite 1 eingefügt: Unterschrift")
         self.scroll_sidebar(UP)
         self.move_stamp("Stempel Unterschrift", 0.24, -0.385)
@@ -108,7 +108,7 @@ class PictureTour(Tour):
         self.desktop.run("xdotool", "mousemove", x + 150, y + height // 2, "click", "--repeat", 40, button)
         self.rest()
 
-    def library_entry(self, name):
+    def tile_of(self, name):
         library = self.screen.find("list", "Stempel der Bibliothek")
         return next(entry for entry in self.screen.showing(library) if self.screen.property(entry, "Name").startswith(name))
 
