@@ -20,7 +20,7 @@ constexpr int patience = 60000;  // milliseconds, on a machine that has other wo
 /// A renderer that lies until it is made sound.
 class LyingRendererTest : public testing::Test {
 protected:
-    ~LyingRendererTest() override { qunsetenv("VELLMORA_LIE"); }
+    void TearDown() override { qunsetenv("VELLMORA_LIE"); }
 
     void lie(const char* lie) {
         qputenv("VELLMORA_LIE", lie);
@@ -31,7 +31,7 @@ protected:
     /// What it answers; nothing where it does not.
     std::optional<QImage> render() {
         std::optional<QImage> answer;
-        renderer.render(PageRenderRequest::whole(pagePdf, {200, 200}),
+        renderer.render(PageRenderRequest::whole(m_pagePdf, {200, 200}),
                         [&](const QImage& image) { answer = image; });
         EXPECT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }, patience));
         return answer;
@@ -57,7 +57,7 @@ private:
     }
     QTemporaryDir m_folder;
     QString m_program = m_folder.filePath(QStringLiteral("renderer"));
-    QByteArray pagePdf =
+    QByteArray m_pagePdf =
         makePagePdf(*PdfBuilder().page({}, filledRect("1 0 0", "0 0 595 842")).document(), 0);
 
 protected:
