@@ -155,7 +155,8 @@ QString AccessibilityRecord::tree(QAccessibleInterface* root) {
                 words.append(actions->keyBindingsForAction(action));
         }
         words.removeAll(QString());
-        lines += QString(2 * depth, QLatin1Char(' ')) + words.join(QLatin1Char(' ')) + QLatin1Char('\n');
+        lines += QString(qsizetype{2} * depth, QLatin1Char(' ')) + words.join(QLatin1Char(' ')) +
+                 QLatin1Char('\n');
     });
     return lines;
 }
