@@ -34,7 +34,9 @@ void PresetGrid::updateTabStop() {
     const qsizetype current = currentIndex();
     PresetTile* stop = current < 0 ? nullptr : tile(current);
     for (PresetTile* tile : std::as_const(m_tiles))
-        tile->setFocusPolicy(tile == stop ? Qt::StrongFocus : Qt::ClickFocus);
+        tile->setFocusPolicy(Qt::ClickFocus);
+    if (stop)
+        stop->setFocusPolicy(Qt::StrongFocus);
     if (stop && m_before && m_before->nextInFocusChain() != stop)
         setTabOrder(m_before, stop);
 }

@@ -85,7 +85,7 @@ Sidebar::Sidebar(const SidebarCallbacks& callbacks, const Theme& theme, QWidget*
     // Once the boxes above the grid have their places.
     connect(
         &m_library->grid(), &PresetGrid::focusedTileMoved, this,
-        [this](QPointer<QWidget> tile) {
+        [this](const QPointer<QWidget>& tile) {
             if (tile)
                 ensureWidgetVisible(tile);
         },

@@ -20,10 +20,8 @@ constexpr int patience = 60000;  // milliseconds, on a machine that has other wo
 /// A renderer that lies until it is made sound.
 class LyingRendererTest : public testing::Test {
 protected:
-    void TearDown() override { qunsetenv("VELLMORA_LIE"); }
-
     void lie(const char* lie) {
-        qputenv("VELLMORA_LIE", lie);
+        writeFile(m_program + QStringLiteral(".lie"), lie);
         install(QStringLiteral(VELLMORA_LYING_RENDERER));
     }
     void makeSound() { install(QStringLiteral(VELLMORA_RENDERER)); }

@@ -1,5 +1,5 @@
-// Stands in for the renderer process: says and does what no honest one does. The variable VELLMORA_LIE names
-// the lie.
+// Stands in for the renderer process: says and does what no honest one does. A file beside it, with ".lie" at
+// the end of its name, names the lie.
 
 #include "base/HelperProcess.h"
 #include "preview/RenderMessages.h"
@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <string>
 #include <sys/mman.h>
 #include <sys/socket.h>
@@ -136,9 +137,9 @@ void answerAs(const std::string& lie, const ReceivedRenderRequest& request) {
 
 }  // namespace
 
-int main() {
-    const char* variable = std::getenv("VELLMORA_LIE");
-    const std::string lie = variable ? variable : "";
+int main(int /*count*/, char** arguments) {
+    std::string lie;
+    std::getline(std::ifstream(std::string(arguments[0]) + ".lie"), lie);
     if (lie == "never ready")
         sayNothing();
     if (lie == "not ready")
