@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <utility>
 
 namespace vellmora {
 
@@ -15,21 +16,14 @@ bool seal(const FileDescriptor& file, int seals) {
 
 }  // namespace
 
-SharedMemory::SharedMemory(size_t size, Writers writers)
+SharedMemory::SharedMemory(size_t size)
     : m_file(::memfd_create("vellmora", MFD_CLOEXEC | MFD_ALLOW_SEALING)), m_size(size) {
     if (!m_file.isValid() || ::ftruncate(m_file.get(), static_cast<off_t>(size)) != 0 ||
-        !seal(m_file, F_SEAL_SHRINK | F_SEAL_GROW))
+        !seal(m_file, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL))
         return;
     void* memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, m_file.get(), 0);
-    if (memory == MAP_FAILED)
-        return;
-    // What is mapped already can be written to all the same.
-    const bool isSealed =
-        (writers == Writers::all || seal(m_file, F_SEAL_FUTURE_WRITE)) && seal(m_file, F_SEAL_SEAL);
-    if (isSealed)
+    if (memory != MAP_FAILED)
         m_bytes = static_cast<unsigned char*>(memory);
-    else
-        ::munmap(memory, size);
 }
 
 SharedMemory::~SharedMemory() {

@@ -3,7 +3,6 @@
 #include "base/FileDescriptor.h"
 
 #include <cstddef>
-#include <utility>
 
 namespace vellmora {
 
@@ -11,16 +10,9 @@ namespace vellmora {
 /// other side cannot make it shrink under the reader's hands.
 class SharedMemory {
 public:
-    /// Who may write to it: everybody who gets the descriptor, or only who made it.
-    enum class Writers { all, maker };
-
     /// Zeros. `size` is in bytes, and not 0. Not valid where the system gives no memory.
-    explicit SharedMemory(size_t size, Writers writers = Writers::all);
+    explicit SharedMemory(size_t size);
     ~SharedMemory();
-    SharedMemory(SharedMemory&& other) noexcept
-        : m_file(std::move(other.m_file)),
-          m_size(other.m_size),
-          m_bytes(std::exchange(other.m_bytes, nullptr)) {}
     SharedMemory(const SharedMemory&) = delete;
     SharedMemory& operator=(const SharedMemory&) = delete;
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/KeyboardFocus.h"
 #include "editor/StampGeometry.h"
 #include "editor/StampPicture.h"
 #include "library/StampItem.h"
-#include "preview/KeyboardFocus.h"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/KeyboardFocus.h"
 #include "pdf/PDFDocument.h"
-#include "preview/KeyboardFocus.h"
 #include "preview/PageCache.h"
 #include "preview/PageGeometry.h"
 #include "preview/PageScrollBars.h"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/KeyboardFocus.h"
 #include "ui/Theme.h"
 
-#include <QFocusEvent>
 #include <QPainter>
 
 namespace vellmora {
@@ -13,18 +13,12 @@ class FocusRing {
 public:
     static constexpr double lineWidth = 2;
 
-    void focusIn(const QFocusEvent& event) {
-        const Qt::FocusReason reason = event.reason();
-        m_isShown = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-                    reason == Qt::ShortcutFocusReason || (m_isShown && reason == Qt::ActiveWindowFocusReason);
-    }
-    void focusOut(const QFocusEvent& event) {
-        m_isShown = m_isShown && event.reason() == Qt::ActiveWindowFocusReason;
-    }
-    bool isShown() const { return m_isShown; }
+    void focusIn(const QFocusEvent& event) { m_focus.focusIn(event); }
+    void focusOut(const QFocusEvent& event) { m_focus.focusOut(event); }
+    bool isShown() const { return m_focus.isShown(); }
 
     void paint(QPainter& painter, const QRectF& frame, double cornerRadius, const QPalette& palette) const {
-        if (!m_isShown)
+        if (!isShown())
             return;
         constexpr double inset = lineWidth / 2;
         painter.setBrush(Qt::NoBrush);
@@ -35,7 +29,7 @@ public:
     }
 
 private:
-    bool m_isShown = false;
+    KeyboardFocus m_focus;
 };
 
 }  // namespace vellmora
