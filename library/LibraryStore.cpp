@@ -146,8 +146,16 @@ void LibraryStore::save() {
     m_isKnown = true;
 }
 
-void LibraryStore::forgetSaved(const LibraryStore& copy) {
-    for (; m_savedChanges < copy.m_savedChanges; ++m_savedChanges)
+LibraryStore LibraryStore::separateCopy() const {
+    LibraryStore copy = *this;
+    copy.m_stored.detach();
+    copy.m_presets.detach();
+    copy.m_unsaved.detach();
+    return copy;
+}
+
+void LibraryStore::forgetSaved(qsizetype savedChanges) {
+    for (; m_savedChanges < savedChanges; ++m_savedChanges)
         m_unsaved.takeFirst()(m_stored);
 }
 

@@ -16,8 +16,8 @@ namespace vellmora {
 /// The metadata of all presets, in a file that all windows and programs share.
 ///
 /// Every change is made to what the file holds at that moment: locked, read, changed, written as a whole. So
-/// no change of another program is lost, and each is seen here with the next change at the latest. A copy can
-/// be saved on another thread, as another program would.
+/// no change of another program is lost, and each is seen here with the next change at the latest. What
+/// `separateCopy` gives can be saved on another thread, as another program would.
 class LibraryStore {
 public:
     /// Makes one change in a list. It may be made more than once: where the file cannot be written now, again
@@ -42,8 +42,13 @@ public:
     /// Makes all changes since the last time in the file. Throws `Error` where it cannot be written; they are
     /// made with the next call then. An unreadable file is kept aside before it is replaced.
     void save();
-    /// `copy` was made of this one, and has been saved: its changes are not to be made again.
-    void forgetSaved(const LibraryStore& copy);
+    /// Shares no list with this one: a list that two threads share tells by an unordered read when it may be
+    /// changed in place.
+    LibraryStore separateCopy() const;
+    /// How many changes are in the file, of all that were ever added here.
+    qsizetype savedChanges() const { return m_savedChanges; }
+    /// A copy has been saved and has so many saved changes: they are not to be made again.
+    void forgetSaved(qsizetype savedChanges);
 
 private:
     /// What the file is. Where it is good, what it holds is in `m_stored`.
@@ -62,7 +67,7 @@ private:
     bool m_isKnown = false;       ///< it could be read once, or was not there
     QList<StampPreset> m_presets;
     QList<Change> m_unsaved;
-    qsizetype m_savedChanges = 0;  ///< how many there were before those
+    qsizetype m_savedChanges = 0;
 };
 
 }  // namespace vellmora

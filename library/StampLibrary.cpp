@@ -174,7 +174,7 @@ void StampLibrary::recordUse(const QUuid& id) {
 
 /// Nobody waits for the disk. What cannot be saved is saved with the next change that can be.
 void StampLibrary::saveLater() {
-    m_writer.run([this, copy = m_store]() mutable {
+    m_writer.run([this, copy = m_store.separateCopy()]() mutable {
         try {
             copy.save();
         } catch (const Error&) {
@@ -182,8 +182,8 @@ void StampLibrary::saveLater() {
         }
         QMetaObject::invokeMethod(
             this,
-            [this, copy] {
-                m_store.forgetSaved(copy);
+            [this, saved = copy.savedChanges()] {
+                m_store.forgetSaved(saved);
                 showOthersChanges(m_folder.root());
             },
             Qt::QueuedConnection);
