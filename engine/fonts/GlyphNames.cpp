@@ -320,7 +320,7 @@ char32_t cyrillicLetter(std::string_view name) {
     const auto value = name.starts_with("afii") ? number(name.substr(4), 10) : std::nullopt;
     for (const NumberedLetters& letters : cyrillicLetters) {
         if (value && *value >= letters.first && *value <= letters.last)
-            return letters.character + static_cast<char32_t>(*value - letters.first);
+            return static_cast<char32_t>(letters.character) + static_cast<char32_t>(*value - letters.first);
     }
     return 0;
 }

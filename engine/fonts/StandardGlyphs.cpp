@@ -292,10 +292,11 @@ StandardFace standardFace(std::string_view baseFont) {
 const StandardGlyph* standardGlyph(char32_t character) {
     if (character == U'\u00A0' || character == U'\u00AD')  // look like the space and the hyphen
         character = character == U'\u00A0' ? U' ' : U'-';
-    const auto place =
-        std::lower_bound(glyphs.begin(), glyphs.end(), character,
-                         [](const StandardGlyph& glyph, char32_t c) { return glyph.character < c; });
-    return place != glyphs.end() && place->character == character ? &*place : nullptr;
+    const auto place = std::lower_bound(
+        glyphs.begin(), glyphs.end(), character,
+        [](const StandardGlyph& glyph, char32_t c) { return static_cast<char32_t>(glyph.character) < c; });
+    const bool isFound = place != glyphs.end() && static_cast<char32_t>(place->character) == character;
+    return isFound ? &*place : nullptr;
 }
 
 const StandardGlyph* standardGlyph(std::string_view name) {

@@ -62,7 +62,7 @@ class Handbook:
         from_entry = self.page_shown()
         assert Path(self.window.program).parents[1] in from_entry.parents, from_entry
         self.window.start_program()
-        self.window.screen.find("label", "Keine PDF geladen")
+        self.window.wait_for_keyboard()
         self.window.keys("F1")
         assert self.page_shown() == from_entry
         check_page(from_entry)

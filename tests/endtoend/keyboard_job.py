@@ -32,6 +32,7 @@ class KeyboardJob:
         self.window.desktop.run("xdotool", "mousemove", 0, 0)
         self.window.start_program()
         self.screen.find("label", "Keine PDF geladen")
+        self.window.wait_for_keyboard()
         self.frame = self.screen.find("frame", "")
         for step in self.open, self.import_stamp, self.insert, self.move, self.resize, self.save, self.turn_pages, \
                 self.delete, self.deselect, self.save_as:

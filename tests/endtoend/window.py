@@ -50,6 +50,11 @@ class Window:
         at = map(round, middle(self.screen.extents(self.screen.find(role, name))))
         self.desktop.run("xdotool", "mousemove", *at, "click", "--repeat", times, "--delay", 20, 1)
 
+    def wait_for_keyboard(self):
+        """The program's only window is shown some time before the window manager gives it the keyboard."""
+        frame = self.screen.find("frame", "")
+        wait_for(lambda: self.has_state(frame, ACTIVE), "the window to have the keyboard")
+
     def keys(self, *names):
         self.desktop.run("xdotool", "key", *names)
 
