@@ -51,7 +51,7 @@ void Button::showShortcut(const QKeySequence& shortcut) {
 }
 
 QSize Button::sizeHint() const {
-    const double content = m_symbol ? m_metrics.symbolSize : QFontMetricsF(font()).horizontalAdvance(text());
+    const double content = m_symbol ? m_metrics.symbolSize : m_measures.widthInOneLine(text(), font());
     return {qRound(content) + 2 * m_metrics.padding, m_metrics.height};
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/FocusRing.h"
 #include "ui/Symbols.h"
+#include "ui/TextMeasures.h"
 #include "ui/Theme.h"
 
 #include <optional>
@@ -66,6 +67,7 @@ private:
     bool m_ignoresSecondClick = false;
     std::optional<Symbol> m_symbol;
     FocusRing m_focusRing;
+    mutable TextMeasures m_measures;
 };
 
 }  // namespace vellmora

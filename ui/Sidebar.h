@@ -25,6 +25,9 @@ public:
 
     Thumbnails& thumbnails() { return *m_thumbnails; }
 
+    /// The height is the window's. Qt would load the desktop's font to propose one.
+    QSize sizeHint() const override { return minimumSizeHint(); }
+
 protected:
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include <QImage>
+#include <QtMath>
+#include <qdrawutil.h>
 
 namespace vellmora {
 
@@ -53,6 +55,21 @@ void blur(QImage& opacity, int radius) {
         blurLine(opacity.bits() + x, opacity.height(), opacity.bytesPerLine(), radius);
 }
 
+/// How opaque the shadow is of a rounded rectangle that has `margin` pixels around it.
+QImage shadow(const QSize& size, int margin, double cornerRadius, int blurRadius) {
+    QImage opacity(size, QImage::Format_Alpha8);
+    opacity.fill(Qt::transparent);
+    QPainter painter(&opacity);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::black);
+    painter.drawRoundedRect(opacity.rect().adjusted(margin, margin, -margin, -margin), cornerRadius,
+                            cornerRadius);
+    painter.end();
+    blur(opacity, blurRadius);
+    return opacity;
+}
+
 /// The color, as opaque at each pixel as the image and the color say together.
 QImage colored(const QImage& opacity, const QColor& color) {
     QImage result(opacity.size(), QImage::Format_ARGB32_Premultiplied);
@@ -69,23 +86,20 @@ void SoftShadow::paint(QPainter& painter, const QRectF& shape) {
     const double ratio = painter.device()->devicePixelRatioF();
     const int radius = meanRadius(m_style.blurRadius / 2 * ratio);
     const int reach = passes * radius;
-    const QSize inner = (shape.size() * ratio).toSize();
-    const QSize size = inner + 2 * QSize(reach, reach);
-    if (m_pixmap.size() != size) {
-        QImage opacity(size, QImage::Format_Alpha8);
-        opacity.fill(Qt::transparent);
-        QPainter shapePainter(&opacity);
-        shapePainter.setRenderHint(QPainter::Antialiasing);
-        shapePainter.setPen(Qt::NoPen);
-        shapePainter.setBrush(Qt::black);
-        shapePainter.drawRoundedRect(QRect(QPoint(reach, reach), inner), m_style.cornerRadius * ratio,
-                                     m_style.cornerRadius * ratio);
-        shapePainter.end();
-        blur(opacity, radius);
-        m_pixmap = QPixmap::fromImage(colored(opacity, m_style.color));
-    }
-    const double margin = reach / ratio;
-    painter.drawPixmap(shape.adjusted(-margin, -margin, margin, margin), m_pixmap, QRectF(m_pixmap.rect()));
+    const QSize whole = (shape.size() * ratio).toSize() + 2 * QSize(reach, reach);
+    const int corner = qCeil(m_style.cornerRadius * ratio) + 2 * reach;
+    const QSize size = whole.boundedTo(QSize(2 * corner + 1, 2 * corner + 1));
+    if (m_pixmap.size() != size)
+        m_pixmap = QPixmap::fromImage(
+            colored(shadow(size, reach, m_style.cornerRadius * ratio, radius), m_style.color));
+    const int left = (size.width() - 1) / 2;
+    const int top = (size.height() - 1) / 2;
+    const QMargins corners(left, top, size.width() - 1 - left, size.height() - 1 - top);
+    painter.save();
+    painter.scale(1 / ratio, 1 / ratio);
+    const QRect target((shape.topLeft() * ratio).toPoint() - QPoint(reach, reach), whole);
+    qDrawBorderPixmap(&painter, target, corners, m_pixmap, m_pixmap.rect(), corners);
+    painter.restore();
 }
 
 }  // namespace vellmora

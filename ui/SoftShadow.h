@@ -6,7 +6,7 @@
 
 namespace vellmora {
 
-/// The blurred shadow of a rounded rectangle. It is drawn once for each size and kept.
+/// The blurred shadow of a rounded rectangle. Its corners are drawn once and kept; its sides are stretched.
 class SoftShadow {
 public:
     /// Lengths in view points.
@@ -23,7 +23,7 @@ public:
 
 private:
     Style m_style;
-    QPixmap m_pixmap;
+    QPixmap m_pixmap;  ///< of a rectangle that is as small as its corners allow
 };
 
 }  // namespace vellmora

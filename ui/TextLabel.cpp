@@ -72,13 +72,17 @@ void TextLabel::setMaximumLines(int lines) {
 QSize TextLabel::sizeHint() const {
     if (wordWrap())
         return QLabel::sizeHint();
-    return {qCeil(QFontMetricsF(font()).horizontalAdvance(text())), fontMetrics().height()};
+    return {qCeil(widthInOneLine()), fontMetrics().height()};
 }
 
 int TextLabel::heightForWidth(int width) const {
+    if (wordWrap()) {
+        const auto measure = [this](int w) { return QLabel::heightForWidth(w); };
+        return m_measures.heightFor(width, text(), font(), measure);
+    }
     if (m_maximumLines == 0)
         return QLabel::heightForWidth(width);
-    const bool fitsOneLine = QFontMetricsF(font()).horizontalAdvance(text()) <= width;
+    const bool fitsOneLine = widthInOneLine() <= width;
     return (fitsOneLine ? 1 : m_maximumLines) * fontMetrics().height();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/TextMeasures.h"
+
 #include <functional>
 
 #include <QLabel>
@@ -32,9 +34,11 @@ protected:
 private:
     /// What is painted where the lines are limited.
     QStringList shownLines() const;
+    double widthInOneLine() const { return m_measures.widthInOneLine(text(), font()); }
 
     Color m_color;
     int m_maximumLines = 0;
+    mutable TextMeasures m_measures;
 };
 
 /// A centred line of white text with this opacity, for the editor area and its drop zones.
