@@ -47,6 +47,10 @@ int main(int argc, char** argv) {
     QObject::connect(&firstPaint, &FirstPaint::completed, [&] { processes.prepare(); });
     QObject::connect(&firstPaint, &FirstPaint::completed, &window.content().stampLibrary(),
                      &StampLibrary::redrawDueBuiltins);
+    // Once a page is on the screen there is time to start the process of the next document.
+    QObject::connect(
+        &renderer, &ProcessRenderer::didAnswer, &window, [&processes] { processes.prepare(); },
+        Qt::QueuedConnection);
     window.window().show();
     if (document) {
         renderer.prepare();

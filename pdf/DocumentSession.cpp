@@ -222,7 +222,7 @@ QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDat
         m_content->requireWhole();
     const std::unique_lock lock = waitForTurn(composition.progress);
     qint64 delivered = 0;
-    QList<qsizetype> incomplete = attempt(
+    return attempt(
         [&] {
             if (!m_helper)
                 restart(composition.progress);
@@ -230,9 +230,6 @@ QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDat
             return takeFile(composition, consumer, delivered);
         },
         delivered);
-    // A spare process for the next document, when this one is on the screen.
-    m_processes.prepare();
-    return incomplete;
 }
 
 }  // namespace vellmora

@@ -16,6 +16,10 @@ void PageCache::setDocument(const std::shared_ptr<const PDFDocument>& document) 
     m_renderer.beginDocument();
     m_pages.clear();
     ++m_generation;
+    if (document && document->pageCount() > 0) {
+        m_pages.insert(0, {});
+        m_pdfs.request(0);
+    }
 }
 
 void PageCache::request(qsizetype pageIndex, const Wish& wish) {

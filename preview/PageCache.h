@@ -36,7 +36,8 @@ public:
     /// `renderer` must outlive the object.
     explicit PageCache(PageRenderer& renderer);
 
-    /// Forgets all pictures.
+    /// Forgets all pictures. The first page is drawn from now on, while nobody knows yet how large it will
+    /// be.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
 
     /// The newest picture of a page; it may show another part or size than was asked for last.

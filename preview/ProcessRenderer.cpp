@@ -162,6 +162,7 @@ void ProcessRenderer::finish(const QImage& image) {
         QMetaObject::invokeMethod(&m_supply, &RendererSupply::prepareSpare, Qt::QueuedConnection);
     QMetaObject::invokeMethod(this, &ProcessRenderer::serveNext, Qt::QueuedConnection);
     work.completion(image);
+    Q_EMIT didAnswer();
 }
 
 }  // namespace vellmora

@@ -41,6 +41,10 @@ public:
     /// Of the running process; nothing while there is none.
     std::optional<pid_t> processID() const { return m_supply.processID(); }
 
+Q_SIGNALS:
+    /// A request has been answered, with a picture or without.
+    void didAnswer();
+
 private:
     struct Waiting {
         PageRenderRequest request;
