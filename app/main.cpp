@@ -48,9 +48,7 @@ int main(int argc, char** argv) {
     QObject::connect(&firstPaint, &FirstPaint::completed, &window.content().stampLibrary(),
                      &StampLibrary::redrawDueBuiltins);
     // Once a page is on the screen there is time to start the process of the next document.
-    QObject::connect(
-        &renderer, &ProcessRenderer::didAnswer, &window, [&processes] { processes.prepare(); },
-        Qt::QueuedConnection);
+    QObject::connect(&renderer, &ProcessRenderer::didAnswer, [&processes] { processes.prepare(); });
     window.window().show();
     if (document) {
         renderer.prepare();

@@ -47,7 +47,8 @@ std::optional<QUrl> FileDialog::run(const SavePanel& panel, const QUrl& folder) 
 
 std::optional<QUrl> FileDialog::run() {
     auto url = choose();
-    leaveFolder();
+    // Whoever has chosen a file does not wait for this.
+    QMetaObject::invokeMethod(this, &FileDialog::leaveFolder, Qt::QueuedConnection);
     return url;
 }
 
@@ -145,6 +146,8 @@ void FileDialog::closeCompletions() {
 
 /// Qt lists a folder anew at each change in it, also where nobody sees the dialog.
 void FileDialog::leaveFolder() {
+    if (isVisible())
+        return;  // it has been opened again
     if (auto* folder = findChild<QFileSystemModel*>())
         folder->setRootPath({});
 }

@@ -42,8 +42,11 @@ public:
     std::optional<pid_t> processID() const { return m_supply.processID(); }
 
 Q_SIGNALS:
-    /// A request has been answered, with a picture or without.
+    /// A request has been answered, with a picture or without, and what it was for has been painted.
     void didAnswer();
+
+protected:
+    bool event(QEvent* event) override;
 
 private:
     struct Waiting {
@@ -76,7 +79,8 @@ private:
     QTimer m_limit;
     std::deque<Waiting> m_waiting;  ///< newest last
     std::optional<Job> m_job;
-    QByteArray m_refused;  ///< the page that was given up last because no process could be had
+    bool m_hasRendered = false;  ///< the answer given last was a picture
+    QByteArray m_refused;        ///< the page that was given up last because no process could be had
 };
 
 }  // namespace vellmora
