@@ -90,6 +90,8 @@ void SnapshotReader::fetch(size_t begin, size_t end) const {
                 requireReadable();
             }
             at += static_cast<size_t>(count);
+            if (m_report)
+                m_report();  // a share may take long for each of them
         }
         std::fill(m_fetched.begin() + static_cast<ptrdiff_t>(block),
                   m_fetched.begin() + static_cast<ptrdiff_t>(behind), true);

@@ -31,7 +31,7 @@ public:
     std::string_view range(size_t offset, size_t length) const;
     std::string_view all() const { return range(0, m_size); }
 
-    /// `report` is called every now and then while ranges are read.
+    /// `report` is called every now and then while ranges are read, and for each read of the file.
     void whenRead(std::function<void()> report) { m_report = std::move(report); }
 
     /// Throws the `Error` of a range that could not be read, whoever asked for it.

@@ -105,6 +105,17 @@ TEST_F(FileSnapshotTest, ManyReadersGetTheSameBytesInAnyOrder) {
     content->requireReadable();
 }
 
+TEST_F(FileSnapshotTest, AReaderTellsThatItIsAtWorkForEachReadOfTheFile) {
+    writeFile(path, QByteArray(8 * megabyte, 'x'));
+    const auto content = FileSnapshot::open(path);
+    SnapshotReader reader = readerOf(*content);
+    int reports = 0;
+    reader.whenRead([&] { ++reports; });
+    for (size_t i = 0; i < 8; ++i)
+        reader.range(i * megabyte, 1);
+    EXPECT_EQ(reports, 8);
+}
+
 TEST_F(FileSnapshotTest, OthersCanNeitherWriteToItNorCutItShort) {
     const FileSnapshot content(QByteArray("stays"));
     const FileDescriptor memory = duplicate(content.memory());
