@@ -99,17 +99,18 @@ def write_report(rows, rounds):
     REPORT.write_text(f"""# How quick Vellmora is
 
 Measured by `./benchmark --write`, each row at least {rounds} times in turn with what it is compared to (memory, silences,
-what happens at rest and the slow share {LONG_ROUNDS} times), in one run on one machine. "Ours" is the median (for steps of a drag the 99th percentile, for silences and system calls the greatest), "Spread" the least and the greatest sample.
+what happens at rest and the slow share {LONG_ROUNDS} times), in one run on one machine. "Ours" is the median (for steps of
+a drag the 99th percentile, for silences and system calls the greatest), "Spread" the least and the greatest sample.
 The window is driven with real events on a virtual display, and watched from outside: a time ends with the last change
 on the screen. Saving is timed from the start of a process that opens, stamps and writes (others until its end, ours until
 the file has its name, without the final sync to the disk, which no other program does); "that are open" is the part of it
 that the program's user waits for, who opened the document before.
 
 Memory is what the program and its helpers have for themselves and what they share, counted once. A silence is the time
-that the window takes to answer the desktop whether it is alive. System calls at rest are counted with strace, once a
-document is open, a stamp placed and selected, and all threads sleep. The slow share is a mount of our own (`bench/slow_share.cpp`):
-10 MB a second, each request answered 20 ms late; it counts the bytes that the kernel asks it for, readahead included, and
-{OTHER_FILES} other documents lie in the folder.
+that the window takes to answer the desktop when it asks whether the window is alive. System calls at rest are counted with
+strace, once a document is open, a stamp placed and selected, and all threads sleep. The slow share is a mount of our own
+(`bench/slow_share.cpp`): 10 MB a second, each request answered 20 ms late. It counts the bytes that the kernel asks it for,
+readahead included. {OTHER_FILES} other documents lie in the folder, and names are typed as quickly as people do.
 
 {markdown_table(rows)}
 

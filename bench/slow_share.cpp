@@ -218,8 +218,10 @@ int main(int argc, char** argv) {
     std::setvbuf(log, nullptr, _IOLBF, 1 << 12);
     const std::chrono::duration<double, std::milli> latency(std::atof(argv[4]));
     Share share{argv[1], Line(std::atof(argv[3]) * 1e6, latency, log)};
+    // Requests that wait for the line have a thread each, so that none waits for a thread.
     std::string foreground = "-f";
-    char* words[] = {argv[0], argv[2], foreground.data(), nullptr};
+    std::string threads = "-omax_threads=100";
+    char* words[] = {argv[0], argv[2], foreground.data(), threads.data(), nullptr};
     const fuse_operations all = operations();
-    return fuse_main(3, words, &all, &share);
+    return fuse_main(4, words, &all, &share);
 }

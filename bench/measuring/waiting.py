@@ -5,10 +5,10 @@ LONGEST = 300  # seconds
 
 
 def wait_for_file(path, before=None):
-    """Seconds until the name belongs to another file than that with the number `before`."""
+    """Returns when the name belongs to another file than that with the number `before`."""
     started = time.monotonic()
     while time.monotonic() - started < LONGEST:
         if path.exists() and path.stat().st_ino != before:
-            return time.monotonic() - started
+            return
         time.sleep(0.01)
     raise RuntimeError(f"{path.name} was not saved")
