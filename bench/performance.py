@@ -107,8 +107,9 @@ the file has its name, without the final sync to the disk, which no other progra
 that the program's user waits for, who opened the document before.
 
 Memory is what the program and its helpers have for themselves and what they share, counted once. A silence is the time
-that the window takes to answer the desktop when it asks whether the window is alive. System calls at rest are counted with
-strace, once a document is open, a stamp placed and selected, and all threads sleep. The slow share is a mount of our own
+that the window takes to answer the desktop when it asks whether the window is alive, without that for which others had the
+processor. System calls at rest are counted with strace, once a document is open, a stamp placed and selected, and all
+threads sleep. The slow share is a mount of our own
 (`bench/slow_share.cpp`): 10 MB a second, each request answered 20 ms late. It counts the bytes that the kernel asks it for,
 readahead included. {OTHER_FILES} other documents lie in the folder, and names are typed as quickly as people do.
 

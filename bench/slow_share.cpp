@@ -28,6 +28,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr double cacheSeconds = 1;
+
 /// All requests share one line: one's bytes follow the other's. The latency of many passes at the same time.
 class Line {
 public:
@@ -88,6 +90,8 @@ void* start(fuse_conn_info* connection, fuse_config* config) {
     // same.
     connection->want |= connection->capable & (FUSE_CAP_WRITEBACK_CACHE | FUSE_CAP_AUTO_INVAL_DATA);
     config->kernel_cache = 1;
+    // So are attributes and names, those of files that are not there too.
+    config->attr_timeout = config->entry_timeout = config->negative_timeout = cacheSeconds;
     config->use_ino = 1;
     return fuse_get_context()->private_data;
 }

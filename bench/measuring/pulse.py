@@ -10,10 +10,11 @@ class Pulse:
                                        env=screen.desktop.env, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
 
     def silence(self):
-        """Milliseconds: the longest that the window has not answered since this was asked last."""
+        """Milliseconds: the longest that the window has not answered since this was asked last, without the time in which
+        it was ready to and others had the processor."""
         self.asking.stdin.write("\n")
         self.asking.stdin.flush()
-        return float(self.asking.stdout.readline().split()[0])
+        return float(self.asking.stdout.readline().split()[1])
 
     def end(self):
         self.asking.kill()
