@@ -116,6 +116,9 @@ bool SnapshotReader::agreesWithSnapshot() {
             std::memcmp(copied.data(), m_bytes + offset, length) != 0)
             return false;
     }
+    // What was read from the file goes; the same bytes show in its place, those that everybody shares.
+    if (!m_fetched.empty())
+        ::madvise(m_bytes, m_size, MADV_DONTNEED);
     m_fetched.clear();
     m_copied = m_size;
     return true;

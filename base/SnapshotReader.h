@@ -36,8 +36,8 @@ public:
 
     /// Throws the `Error` of a range that could not be read, whoever asked for it.
     void requireReadable() const;
-    /// Once all is copied: whether what was read from the file is the same. Where it is not, the file has
-    /// changed in between.
+    /// Once all is copied: whether what was read from the file is the same. Then it takes no memory of its
+    /// own any more; ranges that were given out stay. Where it is not, the file has changed in between.
     bool agreesWithSnapshot();
 
 private:
