@@ -10,6 +10,7 @@
 #define FUSE_USE_VERSION 312
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -180,7 +181,7 @@ int changeOwner(const char* path, uid_t user, gid_t group, fuse_file_info*) {
     return answer(::lchown(placeOf(path).c_str(), user, group));
 }
 
-int changeTimes(const char* path, const timespec times[2], fuse_file_info*) {
+int changeTimes(const char* path, const timespec* times, fuse_file_info*) {
     share().line.pass("utimens");
     return answer(::utimensat(AT_FDCWD, placeOf(path).c_str(), times, AT_SYMLINK_NOFOLLOW));
 }
@@ -225,7 +226,7 @@ int main(int argc, char** argv) {
     // Requests that wait for the line have a thread each, so that none waits for a thread.
     std::string foreground = "-f";
     std::string threads = "-omax_threads=100";
-    char* words[] = {argv[0], argv[2], foreground.data(), threads.data(), nullptr};
+    std::array<char*, 5> words{argv[0], argv[2], foreground.data(), threads.data(), nullptr};
     const fuse_operations all = operations();
-    return fuse_main(4, words, &all, &share);
+    return fuse_main(4, words.data(), &all, &share);
 }
