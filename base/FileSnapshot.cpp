@@ -93,6 +93,10 @@ public:
             throw readingFailure(error, m_path);
     }
 
+    /// True where this is the file that was opened, and nobody has changed it since. To read a large one once
+    /// more would take as long as to save it.
+    bool isUntouched(const FileState& state) const { return !m_opened.isRecent && state == m_opened; }
+
     /// On this thread too, since that one has the lowest priority.
     void requireCopied() {
         while (copyNext()) {
@@ -141,8 +145,7 @@ private:
         std::call_once(m_compared, [this] {
             try {
                 // A file that only got another name or other permissions has not changed.
-                const bool isUntouched = !m_opened.isRecent && FileState::of(m_file, m_path) == m_opened;
-                if (!isUntouched && !m_target.isContentOf(m_file, m_path))
+                if (!isUntouched(FileState::of(m_file, m_path)) && !m_target.isContentOf(m_file, m_path))
                     m_error = changedMeanwhile;
             } catch (const Error& error) {
                 m_error = error.code();
@@ -237,10 +240,14 @@ void FileSnapshot::requireWhole() const {
 }
 
 bool FileSnapshot::isHeldBy(const FileDescriptor& file, const QString& path) const {
-    if (FileState::of(file, path).size != static_cast<off_t>(size()))
+    const FileState state = FileState::of(file, path);
+    if (state.size != static_cast<off_t>(size()))
         return false;
-    if (m_copying)
+    if (m_copying) {
         m_copying->requireCopied();
+        if (m_copying->isUntouched(state))
+            return true;
+    }
     return isContentOf(file, path);
 }
 

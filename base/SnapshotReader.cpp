@@ -90,6 +90,8 @@ void SnapshotReader::fetch(size_t begin, size_t end) const {
                 requireReadable();
             }
             at += static_cast<size_t>(count);
+            if (m_report)
+                m_report();  // a share may take long for each of them
         }
         std::fill(m_fetched.begin() + static_cast<ptrdiff_t>(block),
                   m_fetched.begin() + static_cast<ptrdiff_t>(behind), true);
@@ -114,6 +116,9 @@ bool SnapshotReader::agreesWithSnapshot() {
             std::memcmp(copied.data(), m_bytes + offset, length) != 0)
             return false;
     }
+    // What was read from the file goes; the same bytes show in its place, those that everybody shares.
+    if (!m_fetched.empty())
+        ::madvise(m_bytes, m_size, MADV_DONTNEED);
     m_fetched.clear();
     m_copied = m_size;
     return true;

@@ -31,13 +31,13 @@ public:
     std::string_view range(size_t offset, size_t length) const;
     std::string_view all() const { return range(0, m_size); }
 
-    /// `report` is called every now and then while ranges are read.
+    /// `report` is called every now and then while ranges are read, and for each read of the file.
     void whenRead(std::function<void()> report) { m_report = std::move(report); }
 
     /// Throws the `Error` of a range that could not be read, whoever asked for it.
     void requireReadable() const;
-    /// Once all is copied: whether what was read from the file is the same. Where it is not, the file has
-    /// changed in between.
+    /// Once all is copied: whether what was read from the file is the same. Then it takes no memory of its
+    /// own any more; ranges that were given out stay. Where it is not, the file has changed in between.
     bool agreesWithSnapshot();
 
 private:

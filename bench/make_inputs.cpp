@@ -1,5 +1,6 @@
-// Writes the documents and pictures that are measured with: make_inputs FOLDER
+// Writes the documents and pictures that are measured with: make_inputs FOLDER [large]
 //
+// "large" asks for the one document of 1.3 GB in place of all the others.
 // What they show comes from a random generator with a fixed seed, so each run measures the same.
 
 #include "base/SystemFonts.h"
@@ -20,15 +21,10 @@ using namespace vellmora;
 namespace {
 
 constexpr int scanCount = 300;
+constexpr int manyScans = 10 * scanCount;
 constexpr QSize scanSize(1240, 1754);  // A4 at 150 dots an inch
 constexpr qsizetype scanBytes = 433'000;
 constexpr int resolution = 72;
-
-void write(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("%s cannot be written", qPrintable(path));
-}
 
 QString words(std::mt19937& random, int count) {
     QString text;
@@ -72,50 +68,81 @@ QByteArray makeScan(const SystemFonts& fonts, std::mt19937& random) {
 /// Objects of a PDF file, written one after the other and found again by its table.
 class PdfFile {
 public:
+    explicit PdfFile(const QString& path) : m_file(path) {
+        if (!m_file.open(QIODevice::WriteOnly))
+            qFatal("%s cannot be written", qPrintable(path));
+        put("%PDF-1.4\n");
+    }
     void add(const QByteArray& body) {
-        m_offsets.append(m_bytes.size());
-        m_bytes += QByteArray::number(m_offsets.size()) + " 0 obj\n" + body + "\nendobj\n";
+        m_offsets.append(m_file.pos());
+        put(QByteArray::number(m_offsets.size()) + " 0 obj\n" + body + "\nendobj\n");
     }
     void addStream(const QByteArray& entries, const QByteArray& data) {
         add("<< " + entries + " /Length " + QByteArray::number(data.size()) + " >>\nstream\n" + data +
             "\nendstream");
     }
-    QByteArray finished() {
-        const QByteArray table = QByteArray::number(m_bytes.size());
+    void finish() {
+        const QByteArray table = QByteArray::number(m_file.pos());
         const QByteArray size = QByteArray::number(m_offsets.size() + 1);
-        m_bytes += "xref\n0 " + size + "\n0000000000 65535 f \n";
-        for (const qsizetype offset : m_offsets)
-            m_bytes += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
-        return m_bytes + "trailer\n<< /Size " + size + " /Root 1 0 R >>\nstartxref\n" + table + "\n%%EOF\n";
+        put("xref\n0 " + size + "\n0000000000 65535 f \n");
+        for (const qint64 offset : m_offsets)
+            put(QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n");
+        put("trailer\n<< /Size " + size + " /Root 1 0 R >>\nstartxref\n" + table + "\n%%EOF\n");
     }
 
 private:
-    QByteArray m_bytes = "%PDF-1.4\n";
-    QList<qsizetype> m_offsets;
+    void put(const QByteArray& bytes) {
+        if (m_file.write(bytes) != bytes.size())
+            qFatal("%s cannot be written", qPrintable(m_file.fileName()));
+    }
+
+    QFile m_file;
+    QList<qint64> m_offsets;
+};
+
+/// Different ones, of which the first are made as people scan them and the others differ from those in a
+/// number behind the picture's end.
+class Scans {
+public:
+    explicit Scans(const SystemFonts& fonts) : m_fonts(fonts) {}
+
+    QByteArray next() {
+        const int number = m_number++;
+        if (number < scanCount)
+            m_made.append(makeScan(m_fonts, m_random));
+        const QByteArray& scan = m_made[number % scanCount];
+        return number < scanCount ? scan : scan + QByteArray::number(number);
+    }
+
+private:
+    const SystemFonts& m_fonts;
+    std::mt19937 m_random{1};
+    QList<QByteArray> m_made;
+    int m_number = 0;
 };
 
 /// One JPEG for each page.
-QByteArray makeScans(const SystemFonts& fonts) {
-    std::mt19937 random(1);
-    PdfFile file;
+void writeScans(const QString& path, int count, const SystemFonts& fonts) {
+    Scans scans(fonts);
+    PdfFile file(path);
     QByteArray kids;
-    for (int i = 0; i < scanCount; ++i)
+    for (int i = 0; i < count; ++i)
         kids += QByteArray::number(3 + 3 * i) + " 0 R ";
     file.add("<< /Type /Catalog /Pages 2 0 R >>");
-    file.add("<< /Type /Pages /Count " + QByteArray::number(scanCount) + " /Kids [ " + kids + "] >>");
+    file.add("<< /Type /Pages /Count " + QByteArray::number(count) + " /Kids [ " + kids + "] >>");
     const QByteArray picture =
         "/Type /XObject /Subtype /Image /ColorSpace /DeviceRGB /BitsPerComponent 8 "
         "/Filter /DCTDecode /Width " +
         QByteArray::number(scanSize.width()) + " /Height " + QByteArray::number(scanSize.height());
-    for (int i = 0; i < scanCount; ++i) {
+    for (int i = 0; i < count; ++i) {
         const QByteArray content = QByteArray::number(4 + 3 * i);
         const QByteArray image = QByteArray::number(5 + 3 * i);
         file.add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents " + content +
                  " 0 R /Resources << /XObject << /Im " + image + " 0 R >> >> >>");
         file.addStream({}, "q 595 0 0 842 0 0 cm /Im Do Q");
-        file.addStream(picture, makeScan(fonts, random));
+        file.addStream(picture, scans.next());
     }
-    return file.finished();
+    file.finish();
 }
 
 void writeText(const QString& path, int pageCount, const SystemFonts& fonts) {
@@ -163,11 +190,15 @@ void writeOverlay(const QString& path, const QImage& stamp) {
 
 int main(int argc, char** argv) {
     const QGuiApplication app(argc, argv);
-    if (argc != 2)
+    if (argc != 2 && (argc != 3 || qstrcmp(argv[2], "large") != 0))
         return 1;
     const QString folder = QString::fromLocal8Bit(argv[1]) + QLatin1Char('/');
     const SystemFonts fonts = SystemFonts::load();
-    write(folder + QStringLiteral("scans.pdf"), makeScans(fonts));
+    if (argc == 3) {
+        writeScans(folder + QStringLiteral("scans3000.pdf"), manyScans, fonts);
+        return 0;
+    }
+    writeScans(folder + QStringLiteral("scans.pdf"), scanCount, fonts);
     writeText(folder + QStringLiteral("text2000.pdf"), 2000, fonts);
     writeText(folder + QStringLiteral("text200.pdf"), 200, fonts);
     writeText(folder + QStringLiteral("small.pdf"), 2, fonts);

@@ -12,22 +12,27 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
+from measuring.rest_rows import RestRows
 from measuring.samples import markdown_table, text_table
 from measuring.save_rows import SaveRows
 from measuring.screen import Screen
+from measuring.share_rows import OTHER_FILES, ShareRows
 from measuring.window_rows import WindowRows
 
 PROGRAMS = ROOT / "build/release"
 INPUTS = ROOT / "build/bench-data"
 REPORT = ROOT / "docs/performance.md"
-WINDOW_PARTS = ["start", "open", "turn", "drag", "insert"]
-PARTS = [*WINDOW_PARTS, "save"]
+WINDOW_PARTS = {WindowRows: ["start", "open", "turn", "drag", "insert"], RestRows: ["rest", "memory", "large"],
+                ShareRows: ["share"]}
+SAVE_PARTS = ["save", "large"]
+PARTS = list(dict.fromkeys([*sum(WINDOW_PARTS.values(), []), *SAVE_PARTS]))
 LEAST_ROUNDS = 7
+LONG_ROUNDS = 3  # of what takes long and hardly varies
 
 
 def arguments():
     parser = argparse.ArgumentParser(prog="./benchmark", description=__doc__.partition(":")[0])
-    parser.add_argument("parts", nargs="*", metavar="PART", help="of " + ", ".join(PARTS) + "; all where none is named")
+    parser.add_argument("parts", nargs="*", metavar="PART", help="of " + ", ".join(PARTS) + "; all where none is named; large takes 4 GB of the disk")
     parser.add_argument("--rounds", type=int, default=LEAST_ROUNDS, help="how often each is measured (%(default)s)")
     parser.add_argument("--write", action="store_true", help=f"put the table into {REPORT.relative_to(ROOT)}")
     parser.add_argument("--install", action="store_true", help="install the other programs first, without a question")
@@ -38,36 +43,36 @@ def arguments():
     return words
 
 
-def make_inputs():
+def make_inputs(*words):
     """Made once for each state of the program that makes them."""
     maker = PROGRAMS / "bench/make_inputs"
-    stamp = INPUTS / "made"
+    stamp = INPUTS / "-".join(["made", *words])
     if stamp.exists() and stamp.stat().st_mtime >= maker.stat().st_mtime:
         return
     print("Making the documents …", flush=True)
     INPUTS.mkdir(parents=True, exist_ok=True)
-    subprocess.run([maker, INPUTS], env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}, check=True)
+    subprocess.run([maker, INPUTS, *words], env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}, check=True)
     stamp.touch()
 
 
 def measure(parts, rounds):
     rows = []
 
-    def take(owner, part):
-        print(f"Measuring: {part} …", flush=True)
-        rows.extend(getattr(owner, part)())
+    def take(owner, own_parts):
+        for part in own_parts:
+            if part in parts:
+                print(f"Measuring: {part} …", flush=True)
+                rows.extend(getattr(owner, part)())
 
-    if window_parts := [part for part in WINDOW_PARTS if part in parts]:
-        folder = Path(tempfile.mkdtemp(prefix="vellmora-bench-"))
-        try:
-            with Screen(folder, PROGRAMS) as screen:
-                window_rows = WindowRows(screen, INPUTS, rounds)
-                for part in window_parts:
-                    take(window_rows, part)
-        finally:
-            shutil.rmtree(folder, ignore_errors=True)
-    if "save" in parts:
-        take(SaveRows(PROGRAMS, INPUTS, rounds), "save")
+    for kind, window_parts in WINDOW_PARTS.items():
+        if set(window_parts) & set(parts):
+            folder = Path(tempfile.mkdtemp(prefix="vellmora-bench-"))
+            try:
+                with Screen(folder, PROGRAMS) as screen:
+                    take(kind(screen, INPUTS, rounds if kind is WindowRows else LONG_ROUNDS), window_parts)
+            finally:
+                shutil.rmtree(folder, ignore_errors=True)
+    take(SaveRows(PROGRAMS, INPUTS, rounds), SAVE_PARTS)
     return rows
 
 
@@ -78,7 +83,7 @@ def machine():
 
 
 def versions():
-    packages = ["libqt6core6", "libqt6pdf6", "libqpdf29", "mupdf-tools", "python3-fitz", "qpdf", "pdftk-java", "coreutils"]
+    packages = ["libqt6core6", "libqt6pdf6", "libqpdf29", "mupdf-tools", "python3-fitz", "qpdf", "pdftk-java", "coreutils", "fuse3", "strace"]
     found = subprocess.run(["dpkg-query", "-W", "-f", "${binary:Package} ${Version}\n", *packages], capture_output=True,
                            text=True).stdout
     return found.replace(":amd64", "").split("\n")[:-1]
@@ -93,12 +98,20 @@ def remarks():
 def write_report(rows, rounds):
     REPORT.write_text(f"""# How quick Vellmora is
 
-Measured by `./benchmark --write`, each row at least {rounds} times in turn with what it is compared to, in one run on one
-machine. "Ours" is the median (for steps of a drag the 99th percentile), "Spread" the least and the greatest sample.
+Measured by `./benchmark --write`, each row at least {rounds} times in turn with what it is compared to (memory, silences,
+what happens at rest and the slow share {LONG_ROUNDS} times), in one run on one machine. "Ours" is the median (for steps of
+a drag the 99th percentile, for silences and system calls the greatest), "Spread" the least and the greatest sample.
 The window is driven with real events on a virtual display, and watched from outside: a time ends with the last change
 on the screen. Saving is timed from the start of a process that opens, stamps and writes (others until its end, ours until
 the file has its name, without the final sync to the disk, which no other program does); "that are open" is the part of it
 that the program's user waits for, who opened the document before.
+
+Memory is what the program and its helpers have for themselves and what they share, counted once. A silence is the time
+that the window takes to answer the desktop when it asks whether the window is alive, without that for which others had the
+processor. System calls at rest are counted with strace, once a document is open, a stamp placed and selected, and all
+threads sleep. The slow share is a mount of our own
+(`bench/slow_share.cpp`): 10 MB a second, each request answered 20 ms late. It counts the bytes that the kernel asks it for,
+readahead included. {OTHER_FILES} other documents lie in the folder, and names are typed as quickly as people do.
 
 {markdown_table(rows)}
 
@@ -111,6 +124,8 @@ Versions: {", ".join(versions())}.
 def main():
     words = arguments()
     make_inputs()
+    if "large" in words.parts:
+        make_inputs("large")
     rows = measure(words.parts, max(words.rounds, LEAST_ROUNDS))
     print(text_table(rows))
     if words.write:

@@ -30,6 +30,10 @@ static QString refusal(ContentType type) {
                                     : QStringLiteral("Nur PNG-Dateien werden unterstützt.");
 }
 
+FileDialog::FileDialog() {
+    setIconProvider(&m_icons);
+}
+
 std::optional<QUrl> FileDialog::run(const OpenPanel& panel, const QUrl& folder) {
     setAcceptMode(QFileDialog::AcceptOpen);
     setFileMode(QFileDialog::ExistingFile);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FilePanels.h"
+#include "desktop/FileIcons.h"
 
 #include <optional>
 
@@ -21,6 +22,8 @@ namespace vellmora {
 // Without Q_OBJECT: Qt shows the desktop's dialog in place of its own class only.
 class FileDialog : public QFileDialog {
 public:
+    FileDialog();
+
     /// Runs modal to the window that is active, and starts in `folder`. The user's choice; nothing when
     /// cancelled. Afterwards nothing of the dialog is left on the screen.
     std::optional<QUrl> run(const OpenPanel& panel, const QUrl& folder);
@@ -45,6 +48,7 @@ private:
     void leaveFolder();
     QLineEdit* nameField() const;
 
+    FileIcons m_icons;
     ContentType m_type = ContentType::pdf;
     QPointer<QLineEdit> m_watched;  ///< the name field, once its typing is watched
     bool m_isTyped = false;         ///< what is to be chosen stands in the name field, and not in the list

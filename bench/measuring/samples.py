@@ -31,7 +31,7 @@ class Row:
     against: str = "–"
     theirs: list = None
     is_ratio: bool = False
-    share: float = 0.5  # which of our samples counts: the median, or 0.99 for the 99th percentile
+    share: float = 0.5  # which of our samples counts: the median, 0.99 for the 99th percentile, 1 for the greatest
     unit: str = "ms"
 
     @property
@@ -62,7 +62,7 @@ HEADINGS = ["What", "Ours", "Spread", "Against", "Its median", "Ratio", "Goal", 
 
 def number(value, unit):
     digits = 0 if value >= 100 else 1 if value >= 10 else 2
-    return f"{value:.{digits}f} {unit}"
+    return f"{value:.{0 if isinstance(value, int) else digits}f} {unit}"
 
 
 def cells(row):

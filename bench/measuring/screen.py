@@ -6,6 +6,8 @@ from contextlib import contextmanager
 
 from lib.virtual_desktop import WAIT_SECONDS, Accessibility, VirtualDesktop
 
+from .processes import wait_for_rest
+
 WHOLE_SCREEN = (0, 0, 1600, 1000)
 REST = 800  # milliseconds without any drawing after which nothing more is to come
 STOP_SECONDS = 5
@@ -17,7 +19,7 @@ class Screen:
     def __init__(self, folder, programs):
         self.desktop = VirtualDesktop(folder)
         self.programs = programs
-        self.homes = 0
+        self.folders = 0
 
     def __enter__(self):
         self.desktop.start()
@@ -32,14 +34,18 @@ class Screen:
 
     def new_home(self):
         """A home folder without anything in it: environment variables that lead to it."""
-        self.homes += 1
-        home = self.desktop.folder / f"home{self.homes}"
-        home.mkdir()
+        home = self.new_folder()
         return {"XDG_DATA_HOME": str(home), "XDG_CONFIG_HOME": str(home)}
 
-    def probe(self, command, area, *words):
+    def new_folder(self):
+        self.folders += 1
+        folder = self.desktop.folder / f"folder{self.folders}"
+        folder.mkdir()
+        return folder
+
+    def probe(self, command, area, *words, rest=REST):
         process = subprocess.Popen(
-            [str(word) for word in (self.programs / "bench/screen_probe", command, *area, REST, *words)],
+            [str(word) for word in (self.programs / "bench/screen_probe", command, *area, rest, *words)],
             env=self.desktop.env, stdout=subprocess.PIPE, text=True)
         assert process.stdout.readline() == "ready\n", "the screen cannot be watched"
         return process
@@ -51,33 +57,55 @@ class Screen:
             raise RuntimeError(f"{process.args[1]} failed")
         return json.loads(text)
 
+    def seen(self, command, area, *words, rest=REST):
+        """The times of a key or a click and of the last change that it brings about in the area."""
+        return self.answer(self.probe(command, area, *words, rest=rest))
+
     def use(self, command, area, *words):
         """From a key or a click until the last change that it brings about in the area."""
-        seen = self.answer(self.probe(command, area, *words))
+        seen = self.seen(command, area, *words)
         return seen["last"] - seen["sent"]
 
     def drag(self, area, at, steps):
         return self.answer(self.probe("drag", area, *at, steps))
+
+    def started(self, program, *arguments, home, env=None):
+        return subprocess.Popen([str(word) for word in (self.programs / program, *arguments)],
+                                env={**(env or self.desktop.env), **home}, cwd=self.desktop.folder,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+
+    @staticmethod
+    def end(process):
+        process.terminate()
+        process.wait(STOP_SECONDS)
+        process.stdout.close()
 
     @contextmanager
     def running(self, program, *arguments, home, env=None):
         """The program once its window is there; with the time that this took."""
         watching = self.probe("watch", WHOLE_SCREEN)
         started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
-        process = subprocess.Popen([str(word) for word in (self.programs / program, *arguments)],
-                                   env={**(env or self.desktop.env), **home}, cwd=self.desktop.folder,
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        process = self.started(program, *arguments, home=home, env=env)
         try:
             process.start_time = self.answer(watching)["last"] - started
             yield process
         finally:
-            process.terminate()
-            process.wait(STOP_SECONDS)
-            process.stdout.close()
+            self.end(process)
 
     def start_time(self, program, home):
         with self.running(program, home=home) as process:
             return process.start_time
+
+    def time_to_rest(self, program, home):
+        """Until the window is complete and all threads of the program and its helpers sleep."""
+        watching = self.probe("watch", WHOLE_SCREEN)
+        started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
+        process = self.started(program, home=home)
+        try:
+            at_rest = wait_for_rest(process.pid)
+            return max(at_rest, self.answer(watching)["last"]) - started
+        finally:
+            self.end(process)
 
     def places(self):
         """Where the program's editor area and its insert button are: asked of an own run, since answering costs time."""
@@ -87,14 +115,21 @@ class Screen:
             x, y, width, height = screen.extents(screen.find("push button", "Stempel auf aktueller Seite"))
             return screen.extents(area), (x + width // 2, y + height // 2)
 
-    def choose_document(self, path):
-        """Opens the dialog and types the document's name, all but the key that opens it."""
+    def choose_file(self, path, key, dialog, typing=15):
+        """Opens the dialog and types the file's name, so many milliseconds between two keys, all but the one that
+        ends it."""
         run = self.desktop.run
-        run("xdotool", "key", "ctrl+o")
-        run("timeout", WAIT_SECONDS, "xdotool", "search", "--sync", "--onlyvisible", "--name", "^PDF ausw")
+        run("xdotool", "key", key)
+        run("timeout", WAIT_SECONDS, "xdotool", "search", "--sync", "--onlyvisible", "--name", dialog)
         time.sleep(0.3)
-        run("xdotool", "key", "ctrl+a", "type", "--delay", 15, path)
+        run("xdotool", "key", "ctrl+a", "type", "--delay", typing, path)
         time.sleep(0.5)
+
+    def choose_document(self, path, **options):
+        self.choose_file(path, "ctrl+o", "^PDF ausw", **options)
+
+    def choose_target(self, path, **options):
+        self.choose_file(path, "ctrl+shift+s", "^PDF speichern", **options)
 
     def open_document(self, path, area):
         self.choose_document(path)

@@ -105,6 +105,37 @@ TEST_F(FileSnapshotTest, ManyReadersGetTheSameBytesInAnyOrder) {
     content->requireReadable();
 }
 
+/// In bytes.
+qint64 ownMemory() {
+    const QByteArray figures = readFile(QStringLiteral("/proc/self/smaps_rollup"));
+    const qsizetype start = figures.indexOf("Anonymous:") + 10;
+    return figures.sliced(start, figures.indexOf("kB", start) - start).trimmed().toLongLong() << 10;
+}
+
+TEST_F(FileSnapshotTest, WhatAReaderReadItselfTakesNoMemoryOnceItIsInTheSnapshot) {
+    const QByteArray bytes(64 * megabyte, 'x');
+    writeFile(path, bytes);
+    const auto content = FileSnapshot::open(path);
+    SnapshotReader reader = readerOf(*content);
+    const std::string_view all = reader.all();
+    content->requireWhole();
+    const qint64 before = ownMemory();
+    ASSERT_TRUE(reader.agreesWithSnapshot());
+    EXPECT_LT(ownMemory(), before - 48 * megabyte);
+    EXPECT_TRUE(all == std::string_view(bytes.constData(), all.size()));
+}
+
+TEST_F(FileSnapshotTest, AReaderTellsThatItIsAtWorkForEachReadOfTheFile) {
+    writeFile(path, QByteArray(8 * megabyte, 'x'));
+    const auto content = FileSnapshot::open(path);
+    SnapshotReader reader = readerOf(*content);
+    int reports = 0;
+    reader.whenRead([&] { ++reports; });
+    for (size_t i = 0; i < 8; ++i)
+        reader.range(i * megabyte, 1);
+    EXPECT_EQ(reports, 8);
+}
+
 TEST_F(FileSnapshotTest, OthersCanNeitherWriteToItNorCutItShort) {
     const FileSnapshot content(QByteArray("stays"));
     const FileDescriptor memory = duplicate(content.memory());

@@ -1,11 +1,14 @@
 #include "base/Error.h"
+#include "base/FileState.h"
 #include "base/FileVersions.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestPdf.h"
 
 #include <array>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -82,6 +85,33 @@ TEST_F(FileVersionsTest, TellsByContentWhoseAFileIs) {
         EXPECT_EQ(versions.heldBy(path), Held::foreign) << bytes.size();
     }
     EXPECT_EQ(FileVersions().heldBy(path), Held::foreign);
+}
+
+/// What this process has read from files so far, in bytes.
+qint64 readSoFar() {
+    const QByteArray figures = readFile(QStringLiteral("/proc/self/io"));
+    return figures.sliced(figures.indexOf("rchar: ") + 7).split('\n').constFirst().toLongLong();
+}
+
+TEST_F(FileVersionsTest, ALargeFileThatNobodyTouchedIsNotReadOnceMore) {
+    const QByteArray opened = bytesFrom(4, 8 << 20);
+    writeFile(path, opened);
+    // Changes that follow upon one another look alike, so a new file is compared by content.
+    while (FileState::of(path)->isRecent)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto content = FileSnapshot::open(path);
+    content->requireWhole();
+    const FileVersions versions(content);
+    const qint64 before = readSoFar();
+    EXPECT_EQ(versions.heldBy(path), Held::opened);
+    EXPECT_LT(readSoFar() - before, opened.size() / 8);
+
+    QByteArray other = opened;
+    other[opened.size() / 2] = static_cast<char>(other[opened.size() / 2] ^ 1);
+    overwriteUnseen(path, other);
+    EXPECT_EQ(versions.heldBy(path), Held::foreign);
+    overwriteUnseen(path, opened);
+    EXPECT_EQ(versions.heldBy(path), Held::opened);
 }
 
 TEST_F(FileVersionsTest, KnowsWhatWasWrittenAndWhatMayHaveBeen) {
