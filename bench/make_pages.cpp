@@ -75,22 +75,25 @@ QByteArray letter(int page) {
 /// Nine objects, then the page, which is the tenth.
 int addPage(PdfFile& file, int index, int parent) {
     const int content = file.addStream({}, letter(index));
-    const int descriptor =
-        file.add("<< /Type /FontDescriptor /FontName /Helvetica /Flags 32 /ItalicAngle 0 /Ascent 718 "
-                 "/Descent -207 /CapHeight 718 /StemV 88 /FontBBox [-166 -225 1000 931] >>");
-    const int font = file.add("<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica /Encoding "
-                              "/WinAnsiEncoding /FontDescriptor " +
-                              reference(descriptor) + " >>");
+    const int descriptor = file.add(
+        "<< /Type /FontDescriptor /FontName /Helvetica /Flags 32 /ItalicAngle 0 /Ascent 718 "
+        "/Descent -207 /CapHeight 718 /StemV 88 /FontBBox [-166 -225 1000 931] >>");
+    const int font = file.add(
+        "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica /Encoding "
+        "/WinAnsiEncoding /FontDescriptor " +
+        reference(descriptor) + " >>");
     const int state = file.add("<< /Type /ExtGState /ca 0.5 /CA 0.5 >>");
-    const int picture = file.addStream("/Type /XObject /Subtype /Image /ColorSpace /DeviceGray "
-                                       "/BitsPerComponent 8 /Width 4 /Height 4",
-                                       QByteArray(16, static_cast<char>('0' + index % 75)));
-    const int form = file.addStream("/Type /XObject /Subtype /Form /BBox [0 0 595 842]",
-                                    "0.9 g 50 60 495 1 re f 0 g");
+    const int picture = file.addStream(
+        "/Type /XObject /Subtype /Image /ColorSpace /DeviceGray "
+        "/BitsPerComponent 8 /Width 4 /Height 4",
+        QByteArray(16, static_cast<char>('0' + index % 75)));
+    const int form =
+        file.addStream("/Type /XObject /Subtype /Form /BBox [0 0 595 842]", "0.9 g 50 60 495 1 re f 0 g");
     const int resources =
         file.add("<< /Font << /T " + reference(font) + " >> /ExtGState << /G " + reference(state) +
                  " >> /XObject << /I " + reference(picture) + " /F " + reference(form) + " >> >>");
-    const int action = file.add("<< /S /URI /URI (https://www.example.org/" + QByteArray::number(index) + ") >>");
+    const int action =
+        file.add("<< /S /URI /URI (https://www.example.org/" + QByteArray::number(index) + ") >>");
     const int link = file.add("<< /Type /Annot /Subtype /Link /Rect [50 40 200 60] /Border [0 0 0] /A " +
                               reference(action) + " >>");
     return file.add("<< /Type /Page /Parent " + reference(parent) + " /MediaBox [0 0 595 842] /Resources " +
@@ -133,8 +136,9 @@ void writeDocument(const QString& path, int pageCount) {
                 count += level[i].pageCount;
             }
             const QByteArray parent =
-                nodes == 1 ? QByteArray()
-                           : "/Parent " + reference(nextNode + static_cast<int>(above.size()) / kidsOfNode) + ' ';
+                nodes == 1
+                    ? QByteArray()
+                    : "/Parent " + reference(nextNode + static_cast<int>(above.size()) / kidsOfNode) + ' ';
             above.append({file.add("<< /Type /Pages " + parent + "/Count " + QByteArray::number(count) +
                                    " /Kids [ " + kids + "] >>"),
                           count});

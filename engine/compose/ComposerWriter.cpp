@@ -25,10 +25,12 @@ void PageComposer::Writer::beginPage() {
     m_page.dictionary.replaceKey("/Parent", m_pages);
 }
 
-void PageComposer::Writer::drawPage(const ParsedFile& source, qsizetype index, DisplayBox box) {
+void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index,
+                                    DisplayBox box) {
+    const ParsedFile& source = *file;
     const ParsedPage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
-    useSource(source);
+    useSource(file);
     m_copier.beginStep();
     const OpenPage begun = m_page;
     drawParts(source, page, box);
@@ -61,9 +63,9 @@ void PageComposer::Writer::attempt(const std::function<void()>& step) {
     }
 }
 
-void PageComposer::Writer::useSource(const ParsedFile& source) {
-    if (m_sources.insert(&source).second && !source.isEncrypted())
-        m_copier.addFile(source.catalog().getOwningQPDF(), source.content());
+void PageComposer::Writer::useSource(const std::shared_ptr<const ParsedFile>& file) {
+    if (m_sources.insert(file).second)
+        m_copier.addFile(file->catalog().getOwningQPDF(), file->content(), !file->isEncrypted());
 }
 
 void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBox box) {
@@ -181,7 +183,7 @@ void PageComposer::Writer::write() {
     m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
     FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());
     // libqpdf takes what it cannot read, and want of memory, for damage and goes on.
-    for (const ParsedFile* source : m_sources) {
+    for (const auto& source : m_sources) {
         source->content().requireReadable();
         source->bringBackObjects();
     }

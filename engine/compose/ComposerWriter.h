@@ -23,7 +23,7 @@ public:
     explicit Writer(PDFDataConsumer& consumer);
 
     void beginPage();
-    void drawPage(const ParsedFile& source, qsizetype index, DisplayBox box);
+    void drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index, DisplayBox box);
     int addPicture(PictureMaker picture);
     void drawPicture(int picture, const Rect& rect);
     void endPage();
@@ -49,7 +49,7 @@ private:
         PictureMaker make;
     };
 
-    void useSource(const ParsedFile& source);
+    void useSource(const std::shared_ptr<const ParsedFile>& file);
     void drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box);
     void attempt(const std::function<void()>& step);
     void drawContent(const ParsedPage& page);
@@ -61,7 +61,8 @@ private:
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
     QPDFObjectHandle contentStream(const std::string& content);
 
-    std::set<const ParsedFile*> m_sources;
+    /// What is copied from them is read when the output is written.
+    std::set<std::shared_ptr<const ParsedFile>> m_sources;
     PDFDataConsumer& m_consumer;
     QPDF m_output;
     ObjectCopier m_copier;

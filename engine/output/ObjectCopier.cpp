@@ -48,9 +48,9 @@ void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& so
                              QPDFObjectHandle::newNull());
     m_carriedStreams.push_back(target);
     const auto file = m_files.find(source.getOwningQPDF());
-    if (file == m_files.end())
+    if (file == m_files.end() || !file->second.hasPlainStreams)
         return;
-    if (const auto bytes = storedBytes(source, *file->second))
+    if (const auto bytes = storedBytes(source, *file->second.content))
         m_storedStreams.add(target, *bytes);
 }
 
@@ -65,7 +65,8 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     if (levels == 0)
         return QPDFObjectHandle::newNull();
     if (object.isIndirect()) {
-        const auto [known, isNew] = m_copies.try_emplace({object.getOwningQPDF(), object.getObjGen()});
+        const auto [known, isNew] =
+            m_copies.try_emplace({m_files[object.getOwningQPDF()].content, object.getObjGen()});
         if (isNew) {
             m_copiedInStep.push_back(known->first);
             known->second = makeCounterpart(object);

@@ -23,9 +23,12 @@ public:
     /// Gives a stream of the output the bytes of one of a source, as they are stored.
     void carryData(QPDFObjectHandle target, const QPDFObjectHandle& source);
 
-    /// Where the file that objects are copied from lies in memory, so that bytes need not be copied. Not for
-    /// encrypted files.
-    void addFile(const QPDF* source, const SnapshotReader& file) { m_files[source] = &file; }
+    /// To be called before objects of the source are copied: the file that it was read from. Several sources
+    /// may be parts of one file; an object of it is copied once. Where its streams lie in the file as they
+    /// are, their bytes need not be copied.
+    void addFile(const QPDF* source, const SnapshotReader& file, bool hasPlainStreams) {
+        m_files[source] = {&file, hasPlainStreams};
+    }
 
     /// From now on: objects that are met the first time from then on can be forgotten.
     void beginStep() { m_copiedInStep.clear(); }
@@ -38,7 +41,11 @@ public:
     const std::vector<QPDFObjectHandle>& carriedStreams() const { return m_carriedStreams; }
 
 private:
-    using Source = std::pair<QPDF*, QPDFObjGen>;
+    struct File {
+        const SnapshotReader* content = nullptr;
+        bool hasPlainStreams = false;
+    };
+    using Source = std::pair<const SnapshotReader*, QPDFObjGen>;
 
     static constexpr int maxNesting = 500;  ///< of direct objects within one another
 
@@ -47,7 +54,7 @@ private:
     void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
 
     QPDF& m_output;
-    std::map<const QPDF*, const SnapshotReader*> m_files;
+    std::map<const QPDF*, File> m_files;
     StoredStreams m_storedStreams;
     std::vector<QPDFObjectHandle> m_carriedStreams;
     std::map<Source, QPDFObjectHandle> m_copies;
