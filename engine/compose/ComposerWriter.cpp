@@ -16,7 +16,7 @@ namespace vellmora {
 namespace {
 
 /// From so many on a part is written.
-constexpr size_t mostObjectsInPart = 10000;
+constexpr size_t mostObjectsInPart = 5000;
 /// The page, and its content as a form.
 constexpr size_t objectsOfPage = 2;
 
