@@ -1,4 +1,4 @@
-// Writes the documents and pictures that are measured with: make_inputs FOLDER
+// Writes the documents and pictures that are measured with: make_inputs FOLDER [pictures]
 //
 // What they show comes from a random generator with a fixed seed, so each run measures the same.
 
@@ -163,17 +163,19 @@ void writeOverlay(const QString& path, const QImage& stamp) {
 
 int main(int argc, char** argv) {
     const QGuiApplication app(argc, argv);
-    if (argc != 2)
+    if (argc < 2)
         return 1;
     const QString folder = QString::fromLocal8Bit(argv[1]) + QLatin1Char('/');
+    const QImage stamp = makeStamp({1000, 400});
+    stamp.save(folder + QStringLiteral("stamp.png"));
+    writeOverlay(folder + QStringLiteral("overlay.pdf"), stamp);
+    if (argc > 2)
+        return 0;
     const SystemFonts fonts = SystemFonts::load();
     write(folder + QStringLiteral("scans.pdf"), makeScans(fonts));
     writeText(folder + QStringLiteral("text2000.pdf"), 2000, fonts);
     writeText(folder + QStringLiteral("text200.pdf"), 200, fonts);
     writeText(folder + QStringLiteral("small.pdf"), 2, fonts);
-    const QImage stamp = makeStamp({1000, 400});
-    stamp.save(folder + QStringLiteral("stamp.png"));
-    writeOverlay(folder + QStringLiteral("overlay.pdf"), stamp);
     makeStamp({100, 40}).save(folder + QStringLiteral("small.png"));
     makeStamp({6000, 4000}).save(folder + QStringLiteral("large.png"));
     return 0;

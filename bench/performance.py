@@ -12,6 +12,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
+from measuring.length_rows import LengthRows
 from measuring.samples import markdown_table, text_table
 from measuring.save_rows import SaveRows
 from measuring.screen import Screen
@@ -21,7 +22,7 @@ PROGRAMS = ROOT / "build/release"
 INPUTS = ROOT / "build/bench-data"
 REPORT = ROOT / "docs/performance.md"
 WINDOW_PARTS = ["start", "open", "turn", "drag", "insert"]
-PARTS = [*WINDOW_PARTS, "save"]
+PARTS = [*WINDOW_PARTS, "save", "length"]
 LEAST_ROUNDS = 7
 
 
@@ -38,16 +39,25 @@ def arguments():
     return words
 
 
-def make_inputs():
+def make(program, mark, *words):
     """Made once for each state of the program that makes them."""
-    maker = PROGRAMS / "bench/make_inputs"
-    stamp = INPUTS / "made"
+    maker = PROGRAMS / "bench" / program
+    stamp = INPUTS / mark
     if stamp.exists() and stamp.stat().st_mtime >= maker.stat().st_mtime:
         return
     print("Making the documents …", flush=True)
     INPUTS.mkdir(parents=True, exist_ok=True)
-    subprocess.run([maker, INPUTS], env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}, check=True)
+    subprocess.run([maker, INPUTS, *words], env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}, check=True)
     stamp.touch()
+
+
+def make_inputs(parts):
+    """Those that the parts need: some of them take a while."""
+    if set(parts) - {"length"}:
+        make("make_inputs", "made")
+    if "length" in parts:
+        make("make_inputs", "made_pictures", "pictures")
+        make("make_pages", "made_pages")
 
 
 def measure(parts, rounds):
@@ -57,17 +67,18 @@ def measure(parts, rounds):
         print(f"Measuring: {part} …", flush=True)
         rows.extend(getattr(owner, part)())
 
-    if window_parts := [part for part in WINDOW_PARTS if part in parts]:
+    saving = SaveRows(PROGRAMS, INPUTS, rounds)
+    if window_parts := [part for part in [*WINDOW_PARTS, "length"] if part in parts]:
         folder = Path(tempfile.mkdtemp(prefix="vellmora-bench-"))
         try:
             with Screen(folder, PROGRAMS) as screen:
                 window_rows = WindowRows(screen, INPUTS, rounds)
                 for part in window_parts:
-                    take(window_rows, part)
+                    take(LengthRows(window_rows, saving, rounds) if part == "length" else window_rows, part)
         finally:
             shutil.rmtree(folder, ignore_errors=True)
     if "save" in parts:
-        take(SaveRows(PROGRAMS, INPUTS, rounds), "save")
+        take(saving, "save")
     return rows
 
 
@@ -110,7 +121,7 @@ Versions: {", ".join(versions())}.
 
 def main():
     words = arguments()
-    make_inputs()
+    make_inputs(words.parts)
     rows = measure(words.parts, max(words.rounds, LEAST_ROUNDS))
     print(text_table(rows))
     if words.write:

@@ -13,7 +13,7 @@ namespace {
 constexpr int windowBits = 15;
 constexpr int memoryLevel = 9;
 /// Of few bytes all lie in a smaller window, and it takes a tenth of the time to clear.
-constexpr size_t fewBytes = 2048;
+constexpr size_t fewBytes = 512;
 constexpr int windowBitsForFew = 12;
 constexpr int memoryLevelForFew = 6;
 constexpr size_t blockSize = 1 << 16;
