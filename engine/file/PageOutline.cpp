@@ -3,6 +3,9 @@
 #include "engine/file/PageAttributes.h"
 #include "pdf/DocumentMessages.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <map>
 #include <string>
 #include <utility>
@@ -118,8 +121,10 @@ private:
         const std::vector<int>& numbers = m_kids.references();
         require(kids.find_first_of("[<", 1) == std::string_view::npos &&
                 m_kids.itemCount() == numbers.size());
-        for (auto number = numbers.rbegin(); number != numbers.rend(); ++number)
-            m_steps.push_back({*number, texts});
+        // The first one is to be the next.
+        std::transform(numbers.rbegin(), numbers.rend(), std::back_inserter(m_steps), [&texts](int number) {
+            return Step{number, texts};
+        });
     }
 
     void addPage(int number, const AttributeTexts& texts) {

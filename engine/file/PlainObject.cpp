@@ -2,6 +2,7 @@
 
 #include "engine/objects/ObjectPlaces.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -71,7 +72,7 @@ void PlainObject::read(std::string_view text, int number) {
     skipBlanks();
     require(skipWord("obj"));
     readValue(m_text.substr(m_at));
-    const size_t start = static_cast<size_t>(m_value.data() - text.data());
+    const auto start = static_cast<size_t>(m_value.data() - text.data());
     m_text = text;
     m_at = start + m_value.size();
     skipBlanks();
@@ -93,11 +94,9 @@ void PlainObject::readValue(std::string_view text) {
 }
 
 std::string_view PlainObject::entry(std::string_view key) const {
-    for (auto found = m_entries.rbegin(); found != m_entries.rend(); ++found) {
-        if (found->first == key)
-            return found->second;
-    }
-    return {};
+    const auto found = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                    [key](const Entry& entry) { return entry.first == key; });
+    return found == m_entries.rend() ? std::string_view() : found->second;
 }
 
 char PlainObject::next() const {
