@@ -1,6 +1,6 @@
-// Writes the documents and pictures that are measured with: make_inputs FOLDER [large]
+// Writes the documents and pictures that are measured with: make_inputs FOLDER [pictures|large]
 //
-// "large" asks for the one document of 1.3 GB in place of all the others.
+// "pictures" asks for the pictures alone, "large" for the one document of 1.3 GB in place of all the others.
 // What they show comes from a random generator with a fixed seed, so each run measures the same.
 
 #include "base/SystemFonts.h"
@@ -190,11 +190,17 @@ void writeOverlay(const QString& path, const QImage& stamp) {
 
 int main(int argc, char** argv) {
     const QGuiApplication app(argc, argv);
-    if (argc != 2 && (argc != 3 || qstrcmp(argv[2], "large") != 0))
+    const QByteArray wanted = argc == 3 ? argv[2] : "";
+    if (argc < 2 || argc > 3 || (argc == 3 && wanted != "pictures" && wanted != "large"))
         return 1;
     const QString folder = QString::fromLocal8Bit(argv[1]) + QLatin1Char('/');
+    const QImage stamp = makeStamp({1000, 400});
+    stamp.save(folder + QStringLiteral("stamp.png"));
+    writeOverlay(folder + QStringLiteral("overlay.pdf"), stamp);
+    if (wanted == "pictures")
+        return 0;
     const SystemFonts fonts = SystemFonts::load();
-    if (argc == 3) {
+    if (wanted == "large") {
         writeScans(folder + QStringLiteral("scans3000.pdf"), manyScans, fonts);
         return 0;
     }
@@ -202,9 +208,6 @@ int main(int argc, char** argv) {
     writeText(folder + QStringLiteral("text2000.pdf"), 2000, fonts);
     writeText(folder + QStringLiteral("text200.pdf"), 200, fonts);
     writeText(folder + QStringLiteral("small.pdf"), 2, fonts);
-    const QImage stamp = makeStamp({1000, 400});
-    stamp.save(folder + QStringLiteral("stamp.png"));
-    writeOverlay(folder + QStringLiteral("overlay.pdf"), stamp);
     makeStamp({100, 40}).save(folder + QStringLiteral("small.png"));
     makeStamp({6000, 4000}).save(folder + QStringLiteral("large.png"));
     return 0;

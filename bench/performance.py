@@ -12,6 +12,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
+from measuring.length_rows import LengthRows
 from measuring.rest_rows import RestRows
 from measuring.samples import markdown_table, text_table
 from measuring.save_rows import SaveRows
@@ -23,7 +24,7 @@ PROGRAMS = ROOT / "build/release"
 INPUTS = ROOT / "build/bench-data"
 REPORT = ROOT / "docs/performance.md"
 WINDOW_PARTS = {WindowRows: ["start", "open", "turn", "drag", "insert"], RestRows: ["rest", "memory", "large"],
-                ShareRows: ["share"]}
+                ShareRows: ["share"], LengthRows: ["length"]}
 SAVE_PARTS = ["save", "large"]
 PARTS = list(dict.fromkeys([*sum(WINDOW_PARTS.values(), []), *SAVE_PARTS]))
 LEAST_ROUNDS = 7
@@ -43,16 +44,27 @@ def arguments():
     return words
 
 
-def make_inputs(*words):
+def make(program, mark, *words):
     """Made once for each state of the program that makes them."""
-    maker = PROGRAMS / "bench/make_inputs"
-    stamp = INPUTS / "-".join(["made", *words])
+    maker = PROGRAMS / "bench" / program
+    stamp = INPUTS / mark
     if stamp.exists() and stamp.stat().st_mtime >= maker.stat().st_mtime:
         return
     print("Making the documents …", flush=True)
     INPUTS.mkdir(parents=True, exist_ok=True)
     subprocess.run([maker, INPUTS, *words], env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}, check=True)
     stamp.touch()
+
+
+def make_inputs(parts):
+    """Those that the parts need: some of them take a while."""
+    if set(parts) - {"length"}:
+        make("make_inputs", "made")
+    if "large" in parts:
+        make("make_inputs", "made_large", "large")
+    if "length" in parts:
+        make("make_inputs", "made_pictures", "pictures")
+        make("make_pages", "made_pages")
 
 
 def measure(parts, rounds):
@@ -123,9 +135,7 @@ Versions: {", ".join(versions())}.
 
 def main():
     words = arguments()
-    make_inputs()
-    if "large" in words.parts:
-        make_inputs("large")
+    make_inputs(words.parts)
     rows = measure(words.parts, max(words.rounds, LEAST_ROUNDS))
     print(text_table(rows))
     if words.write:

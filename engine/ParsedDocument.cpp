@@ -1,29 +1,92 @@
 #include "engine/ParsedDocument.h"
 
+#include "engine/file/FileInput.h"
 #include "engine/file/OpenFailure.h"
 #include "engine/file/ParsedFile.h"
 
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
 namespace vellmora {
 
-ParsedDocument::ParsedDocument(const std::shared_ptr<const SnapshotReader>& content)
-    : m_file(ParsedFile::open(content)) {
-    if (!m_file)
-        throw Unparsable(openFailure(*content));
+namespace {
+
+/// Who asks for page after page gets ever more of them at once.
+constexpr qsizetype mostPagesAtOnce = 256;
+
+PDFPage pageWith(const PageOrientation& orientation, const Rect& cropBox) {
+    return {orientation.uprightMediaBox(), mapRect(orientation.toPageSpace(), cropBox)};
+}
+
+}  // namespace
+
+struct ParsedDocument::Outlined {
+    PlainFile file;
+    PageOutline outline;
+    std::shared_ptr<const ParsedFile> lastPart;
+    qsizetype lastIndex = -2;
+    qsizetype pagesAtOnce = 1;
+};
+
+ParsedDocument::ParsedDocument(const std::shared_ptr<const SnapshotReader>& content) : m_content(content) {
+    if (const std::optional<PlainFile> file = PlainFile::open(*content)) {
+        if (std::optional<PageOutline> outline = PageOutline::read(*file))
+            m_outlined = std::make_unique<Outlined>(Outlined{*file, std::move(*outline), {}});
+    }
+    if (!m_outlined)
+        openWhole();
 }
 
 ParsedDocument::~ParsedDocument() = default;
 
+void ParsedDocument::openWhole() const {
+    m_whole = ParsedFile::open(m_content);
+    if (!m_whole)
+        throw Unparsable(openFailure(*m_content));
+}
+
 qsizetype ParsedDocument::pageCount() const {
-    return m_file->pageCount();
+    return m_outlined ? m_outlined->outline.pageCount() : m_whole->pageCount();
 }
 
 PDFPage ParsedDocument::page(qsizetype index) const {
-    const ParsedPage& page = m_file->page(index);
-    return {page.orientation.uprightMediaBox(), mapRect(page.orientation.toPageSpace(), page.cropBox)};
+    if (m_outlined) {
+        const PageOutline::Attributes& attributes = m_outlined->outline.attributes(index);
+        return pageWith(attributes.orientation, attributes.cropBox);
+    }
+    const ParsedPage& page = m_whole->page(index);
+    return pageWith(page.orientation, page.cropBox);
 }
 
 const DocumentDamage& ParsedDocument::damage() const {
-    return m_file->damage();
+    return m_outlined ? m_damage : m_whole->damage();
+}
+
+std::shared_ptr<const ParsedFile> ParsedDocument::fileOf(qsizetype index) const {
+    if (m_whole)
+        return m_whole;
+    if (auto part = partOf(index))
+        return part;
+    openWhole();
+    if (m_whole->pageCount() != pageCount() || !m_whole->damage().lostPages.isEmpty()) {
+        m_whole.reset();
+        throw std::runtime_error("other pages");
+    }
+    return m_whole;
+}
+
+std::shared_ptr<const ParsedFile> ParsedDocument::partOf(qsizetype index) const {
+    Outlined& known = *m_outlined;
+    const bool isNext = index == std::exchange(known.lastIndex, index) + 1;
+    if (known.lastPart && known.lastPart->hasPage(index))
+        return known.lastPart;
+    known.pagesAtOnce = isNext ? std::min(2 * known.pagesAtOnce, mostPagesAtOnce) : 1;
+    known.lastPart.reset();
+    if (const auto part = vellmora::partOf(known.file, known.outline, index, known.pagesAtOnce,
+                                           FileInput::endPosition(*m_content)))
+        known.lastPart = ParsedFile::openPart(m_content, known.outline, *part);
+    return known.lastPart;
 }
 
 }  // namespace vellmora

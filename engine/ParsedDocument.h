@@ -18,7 +18,8 @@ struct Unparsable : std::exception {
     DocumentFailure reason;
 };
 
-/// A document whose structure is read.
+/// A document whose structure is read. Of one that is sound and plain only the pages that are drawn are read
+/// with the PDF library, and not all of them at once: a document of any length takes little memory.
 class ParsedDocument {
 public:
     /// Throws `Unparsable`, the `Error` of content that cannot be read, or `std::bad_alloc`.
@@ -33,10 +34,21 @@ public:
     /// What is known to be missing since the document was opened.
     const DocumentDamage& damage() const;
 
-    const ParsedFile& file() const { return *m_file; }
+    /// A file that has this page, at the same index. Throws the `Error` of content that cannot be read,
+    /// `std::bad_alloc`, and `std::runtime_error` where the pages are others than those that were found
+    /// before.
+    std::shared_ptr<const ParsedFile> fileOf(qsizetype index) const;
 
 private:
-    std::unique_ptr<ParsedFile> m_file;
+    struct Outlined;
+
+    void openWhole() const;
+    std::shared_ptr<const ParsedFile> partOf(qsizetype index) const;
+
+    std::shared_ptr<const SnapshotReader> m_content;
+    std::unique_ptr<Outlined> m_outlined;               ///< of a plain document
+    mutable std::shared_ptr<const ParsedFile> m_whole;  ///< of another one, or where a part is not enough
+    DocumentDamage m_damage;
 };
 
 }  // namespace vellmora

@@ -12,6 +12,10 @@ namespace {
 
 constexpr int windowBits = 15;
 constexpr int memoryLevel = 9;
+/// Of few bytes all lie in a smaller window, and it takes a tenth of the time to clear.
+constexpr size_t fewBytes = 512;
+constexpr int windowBitsForFew = 12;
+constexpr int memoryLevelForFew = 6;
 constexpr size_t blockSize = 1 << 16;
 /// Deflate with a window of 32 KiB; the level named is the usual one and of no effect.
 constexpr const char* zlibHeader = "\x78\x9c";
@@ -23,10 +27,13 @@ void DeflateStream::End::operator()(z_stream* stream) const {
     delete stream;
 }
 
-DeflateStream::DeflateStream(int level, int strategy) : m_stream(new z_stream{}) {
+DeflateStream::DeflateStream(int level, int strategy, size_t most) : m_stream(new z_stream{}) {
     m_part.checksum = ::adler32(0, nullptr, 0);
+    const bool hasFew = most <= fewBytes;
+    const int window = hasFew ? windowBitsForFew : windowBits;
     // Below zero: no header and no checksum.
-    if (::deflateInit2(m_stream.get(), level, Z_DEFLATED, -windowBits, memoryLevel, strategy) != Z_OK)
+    if (::deflateInit2(m_stream.get(), level, Z_DEFLATED, -window, hasFew ? memoryLevelForFew : memoryLevel,
+                       strategy) != Z_OK)
         throw std::bad_alloc();
 }
 
@@ -70,7 +77,7 @@ std::string zlibStream(const std::vector<DeflatedPart>& parts) {
 }
 
 std::string deflated(std::string_view bytes) {
-    DeflateStream stream(Z_DEFAULT_COMPRESSION, Z_DEFAULT_STRATEGY);
+    DeflateStream stream(Z_DEFAULT_COMPRESSION, Z_DEFAULT_STRATEGY, bytes.size());
     stream.add(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
     return zlibStream({stream.finish(true)});
 }

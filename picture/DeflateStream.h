@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,8 +21,8 @@ struct DeflatedPart {
 /// Compresses one part of a zlib stream, so that parts can be made side by side.
 class DeflateStream {
 public:
-    /// Level and strategy of zlib.
-    DeflateStream(int level, int strategy);
+    /// Level and strategy of zlib. At most `most` bytes will be added: few take little time to begin with.
+    DeflateStream(int level, int strategy, size_t most = std::numeric_limits<size_t>::max());
 
     void add(const unsigned char* bytes, size_t count);
     /// To be called once, at the end.

@@ -13,28 +13,36 @@
 
 namespace vellmora {
 
+namespace {
+
+/// From so many on a part is written.
+constexpr size_t mostObjectsInPart = 5000;
+/// The page, and its content as a form.
+constexpr size_t objectsOfPage = 2;
+
+}  // namespace
+
 PageComposer::Writer::Writer(PDFDataConsumer& consumer)
-    : m_consumer(consumer), m_copier(m_output), m_resources(m_copier), m_appearances(m_copier) {
-    m_output.emptyPDF();
-    m_pages = m_output.getRoot().getKey("/Pages");
-}
+    : m_consumer(consumer), m_file(consumer), m_part(std::make_unique<OutputPart>(m_written)) {}
 
 void PageComposer::Writer::beginPage() {
     m_page = OpenPage();
     m_page.dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
-    m_page.dictionary.replaceKey("/Parent", m_pages);
+    m_page.dictionary.replaceKey("/Parent", m_part->pages);
 }
 
-void PageComposer::Writer::drawPage(const ParsedFile& source, qsizetype index, DisplayBox box) {
+void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index,
+                                    DisplayBox box) {
+    const ParsedFile& source = *file;
     const ParsedPage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
-    useSource(source);
-    m_copier.beginStep();
+    useSource(file);
+    m_part->copier.beginStep();
     const OpenPage begun = m_page;
     drawParts(source, page, box);
     if (source.bringBackObjects()) {
-        m_copier.forgetStep();
-        m_resources.forget();
+        m_part->copier.forgetStep();
+        m_part->resources.forget();
         m_page.content = begun.content;
         m_page.annotationCount = begun.annotationCount;
         m_page.isIncomplete = begun.isIncomplete;
@@ -61,9 +69,9 @@ void PageComposer::Writer::attempt(const std::function<void()>& step) {
     }
 }
 
-void PageComposer::Writer::useSource(const ParsedFile& source) {
-    if (m_sources.insert(&source).second && !source.isEncrypted())
-        m_copier.addFile(source.catalog().getOwningQPDF(), source.content());
+void PageComposer::Writer::useSource(const std::shared_ptr<const ParsedFile>& file) {
+    if (m_part->sources.insert(file).second)
+        m_part->copier.addFile(file->catalog().getOwningQPDF(), file->content(), !file->isEncrypted());
 }
 
 void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBox box) {
@@ -75,10 +83,10 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
     QPDFObjectHandle dictionary = page.dictionary;
     QPDFObjectHandle userUnit = dictionary.getKey("/UserUnit");
     if (userUnit.isNumber())
-        m_page.dictionary.replaceKey("/UserUnit", m_copier.copy(userUnit));
+        m_page.dictionary.replaceKey("/UserUnit", m_part->copier.copy(userUnit));
     QPDFObjectHandle group = dictionary.getKey("/Group");
     if (group.isDictionary())
-        m_page.dictionary.replaceKey("/Group", m_copier.copy(group));
+        m_page.dictionary.replaceKey("/Group", m_part->copier.copy(group));
 }
 
 /// What is shown of the page, and what a printer makes of it. Each box is carried over as it is stated, so
@@ -86,28 +94,30 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
 /// stated by a node above the page (ISO 32000-2, table 31).
 void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
     if (page.statedCropBox)
-        m_page.dictionary.replaceKey("/CropBox", m_boxes.of(*page.statedCropBox));
+        m_page.dictionary.replaceKey("/CropBox", m_part->boxes.of(*page.statedCropBox));
     QPDFObjectHandle dictionary = page.dictionary;
     for (const char* key : {"/BleedBox", "/TrimBox", "/ArtBox"}) {
         if (const std::optional<Rect> box = boxOf(dictionary.getKey(key)))
-            m_page.dictionary.replaceKey(key, m_boxes.of(*box));
+            m_page.dictionary.replaceKey(key, m_part->boxes.of(*box));
     }
 }
 
 /// Its layers, and what its colours are meant for.
 void PageComposer::Writer::carryDocumentAttributes(const ParsedFile& source) {
-    QPDFObjectHandle root = m_output.getRoot();
+    if (m_catalogNumber != 0)
+        return;
+    QPDFObjectHandle root = m_part->output.getRoot();
     for (const char* key : {"/OCProperties", "/OutputIntents"}) {
         QPDFObjectHandle value = source.catalog().getKey(key);
         if (!value.isNull() && !root.hasKey(key))
-            root.replaceKey(key, m_copier.copy(value));
+            root.replaceKey(key, m_part->copier.copy(value));
     }
 }
 
 void PageComposer::Writer::drawContent(const ParsedPage& page) {
-    const qsizetype index = m_kids.getArrayNItems();
+    const qsizetype index = m_pageCount;
     paint("/P",
-          makePageForm(m_copier, m_boxes, m_resources, page,
+          makePageForm(m_part->copier, m_part->boxes, m_part->resources, page,
                        [this, index] { m_incompletePages.insert(index); }),
           {});
 }
@@ -115,7 +125,7 @@ void PageComposer::Writer::drawContent(const ParsedPage& page) {
 void PageComposer::Writer::drawAnnotations(const ParsedFile& source, const ParsedPage& page) {
     for (const Annotation& annotation : visibleAnnotations(page)) {
         attempt([&] {
-            if (const auto appearance = m_appearances.make(annotation, source, page))
+            if (const auto appearance = m_part->appearances.make(annotation, source, page))
                 paintAnnotation(*appearance, annotation.entry("/OC"));
         });
     }
@@ -128,21 +138,22 @@ void PageComposer::Writer::paintAnnotation(const AnnotationAppearance& appearanc
         paint(name, appearance.form, appearance.matrix);
         return;
     }
-    m_page.layers.replaceKey(name, m_copier.copy(layer));
+    m_page.layers.replaceKey(name, m_part->copier.copy(layer));
     m_page.content += "/OC " + name + " BDC\n";
     paint(name, appearance.form, appearance.matrix);
     m_page.content += "EMC\n";
 }
 
 int PageComposer::Writer::addPicture(PictureMaker picture) {
-    m_pictures.push_back({m_output.newStream(), std::move(picture)});
+    m_pictures.push_back({std::move(picture), m_part->output.newStream()});
     return static_cast<int>(m_pictures.size()) - 1;
 }
 
 void PageComposer::Writer::drawPicture(int picture, const Rect& rect) {
     const QTransform unitSquareToRect(rect.width, 0, 0, rect.height, rect.x, rect.y);
-    paint("/S" + std::to_string(picture), m_pictures.at(static_cast<size_t>(picture)).object,
-          unitSquareToRect * m_page.fromPageSpace);
+    PictureInWork& inWork = m_pictures.at(static_cast<size_t>(picture));
+    inWork.isUsed = true;
+    paint("/S" + std::to_string(picture), inWork.object, unitSquareToRect * m_page.fromPageSpace);
 }
 
 void PageComposer::Writer::paint(const std::string& name, const QPDFObjectHandle& object,
@@ -152,10 +163,10 @@ void PageComposer::Writer::paint(const std::string& name, const QPDFObjectHandle
 }
 
 QPDFObjectHandle PageComposer::Writer::contentStream(const std::string& content) {
-    const auto known = m_contentStreams.find(content);
-    if (known != m_contentStreams.end())
+    const auto known = m_part->contentStreams.find(content);
+    if (known != m_part->contentStreams.end())
         return known->second;
-    return m_contentStreams.emplace(content, m_output.newStream(content)).first->second;
+    return m_part->contentStreams.emplace(content, m_part->output.newStream(content)).first->second;
 }
 
 void PageComposer::Writer::endPage() {
@@ -163,28 +174,89 @@ void PageComposer::Writer::endPage() {
     resources.replaceKey("/XObject", m_page.objects);
     if (!m_page.layers.getKeys().empty())
         resources.replaceKey("/Properties", m_page.layers);
-    m_page.dictionary.replaceKey("/MediaBox", m_boxes.of(m_page.mediaBox));
+    m_page.dictionary.replaceKey("/MediaBox", m_part->boxes.of(m_page.mediaBox));
     m_page.dictionary.replaceKey("/Resources", resources);
     m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
     if (m_page.isIncomplete)
-        m_incompletePages.insert(m_kids.getArrayNItems());
-    m_kids.appendItem(m_output.makeIndirectObject(m_page.dictionary));
+        m_incompletePages.insert(m_pageCount);
+    m_part->kids.appendItem(m_part->output.makeIndirectObject(m_page.dictionary));
+    ++m_pageCount;
     m_page = {};
+    if (m_part->copier.count() + objectsOfPage * static_cast<size_t>(m_part->kids.getArrayNItems()) >
+        mostObjectsInPart) {
+        writePart();
+        beginPart();
+    }
 }
 
-void PageComposer::Writer::write() {
-    m_appearances.finish();
-    prepareStreams(m_output, m_copier.carriedStreams());
-    for (PictureInWork& picture : m_pictures)
-        fillPictureObject(m_output, picture.object, picture.make());
-    m_pages.replaceKey("/Kids", m_kids);
-    m_pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_kids.getArrayNItems()));
-    FileWriter(m_copier.storedStreams(), m_consumer).write(m_output.getRoot());
-    // libqpdf takes what it cannot read, and want of memory, for damage and goes on.
-    for (const ParsedFile* source : m_sources) {
+/// Of a part that is not the file's last one. Nothing is known of the pages that follow, so that the root of
+/// the page tree is written at the end.
+void PageComposer::Writer::writePart() {
+    ObjectNumbers& numbers = m_file.numbers();
+    fillPart();
+    if (m_catalogNumber == 0) {
+        m_catalogNumber = numbers.of(m_part->output.getRoot());
+        m_pagesNumber = numbers.reserve();
+    }
+    numbers.set(m_part->pages, m_pagesNumber);
+    for (const QPDFObjectHandle& kid : m_part->kids.aitems())
+        m_kidsText += std::to_string(numbers.of(kid)) + " 0 R ";
+    m_file.writeObjects(m_part->copier.storedStreams());
+    endPart();
+}
+
+void PageComposer::Writer::beginPart() {
+    const std::set<QPDFObjGen>& replaced = m_part->replacedProfiles;
+    m_part->copier.tellWritten(m_file.numbers(), replaced, m_written);
+    for (PictureInWork& picture : m_pictures) {
+        if (picture.number == 0)
+            picture.number = m_file.numbers().find(picture.object);
+    }
+    m_file.beginPart();
+    m_part = std::make_unique<OutputPart>(m_written);
+    for (PictureInWork& picture : m_pictures) {
+        picture.object = m_part->output.newStream();
+        picture.isUsed = false;
+    }
+}
+
+/// Objects that are known so far get what they hold when all pages of the part are there.
+void PageComposer::Writer::fillPart() {
+    m_part->appearances.finish();
+    m_part->replacedProfiles = prepareStreams(m_part->output, m_part->copier.carriedStreams());
+    ObjectNumbers& numbers = m_file.numbers();
+    for (const auto& [object, number] : m_part->copier.standIns())
+        numbers.set(object, number);
+    for (PictureInWork& picture : m_pictures) {
+        if (picture.number > 0)
+            numbers.set(picture.object, picture.number);
+        else if (picture.isUsed)
+            fillPictureObject(m_part->output, picture.object, picture.make());
+    }
+}
+
+/// libqpdf takes what it cannot read, and want of memory, for damage and goes on.
+void PageComposer::Writer::endPart() {
+    for (const auto& source : m_part->sources) {
         source->content().requireReadable();
         source->bringBackObjects();
     }
+}
+
+void PageComposer::Writer::write() {
+    if (m_catalogNumber == 0) {
+        fillPart();
+        m_part->pages.replaceKey("/Kids", m_part->kids);
+        m_part->pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_pageCount));
+        m_catalogNumber = m_file.numbers().of(m_part->output.getRoot());
+        m_file.writeObjects(m_part->copier.storedStreams());
+        endPart();
+    } else {
+        writePart();
+        m_file.writeReserved(m_pagesNumber, "<</Count " + std::to_string(m_pageCount) + "/Kids[" +
+                                                m_kidsText + "]/Type/Pages>>");
+    }
+    m_file.finish(m_catalogNumber);
     m_consumer.finish();
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "engine/PageComposer.h"
-#include "engine/appearance/Annotations.h"
-#include "engine/compose/PageForm.h"
+#include "engine/compose/OutputPart.h"
 #include "engine/file/ParsedFile.h"
 #include "engine/objects/Qpdf.h"
-#include "engine/output/ObjectCopier.h"
+#include "engine/output/FileWriter.h"
+#include "engine/output/WrittenObjects.h"
 #include "picture/PictureEncoding.h"
 
 #include <functional>
@@ -23,7 +23,7 @@ public:
     explicit Writer(PDFDataConsumer& consumer);
 
     void beginPage();
-    void drawPage(const ParsedFile& source, qsizetype index, DisplayBox box);
+    void drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index, DisplayBox box);
     int addPicture(PictureMaker picture);
     void drawPicture(int picture, const Rect& rect);
     void endPage();
@@ -45,11 +45,13 @@ private:
     };
 
     struct PictureInWork {
-        QPDFObjectHandle object;
         PictureMaker make;
+        QPDFObjectHandle object;  ///< of the part
+        bool isUsed = false;      ///< in the part
+        int number = 0;           ///< where it is written already
     };
 
-    void useSource(const ParsedFile& source);
+    void useSource(const std::shared_ptr<const ParsedFile>& file);
     void drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box);
     void attempt(const std::function<void()>& step);
     void drawContent(const ParsedPage& page);
@@ -59,20 +61,22 @@ private:
     void carryInnerBoxes(const ParsedPage& page);
     void carryDocumentAttributes(const ParsedFile& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
+    void beginPart();
+    void fillPart();
+    void writePart();
+    void endPart();
     QPDFObjectHandle contentStream(const std::string& content);
 
-    std::set<const ParsedFile*> m_sources;
     PDFDataConsumer& m_consumer;
-    QPDF m_output;
-    ObjectCopier m_copier;
-    BoxArrays m_boxes;
-    PageResources m_resources;
-    Appearances m_appearances;
-    QPDFObjectHandle m_pages;
-    QPDFObjectHandle m_kids = QPDFObjectHandle::newArray();
+    FileWriter m_file;
+    WrittenObjects m_written;
+    std::unique_ptr<OutputPart> m_part;
     std::vector<PictureInWork> m_pictures;
-    /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
-    std::map<std::string, QPDFObjectHandle> m_contentStreams;
+    qsizetype m_pageCount = 0;
+    /// Of the objects of a file that is written in several parts; 0 where it is not.
+    int m_catalogNumber = 0;
+    int m_pagesNumber = 0;
+    std::string m_kidsText;  ///< of the parts before
     OpenPage m_page;
     std::set<qsizetype> m_incompletePages;
 };

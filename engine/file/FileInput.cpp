@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include <qpdf/DLL.h>
 
@@ -36,8 +37,18 @@ constexpr std::string_view ending;
 
 FileInput::FileInput(const SnapshotReader& content)
     : m_content(content),
-      m_tail(content.size() + ending.size() + paddingLength),
+      m_tail(endPosition(content)),
       m_size(m_tail + std::min(tailLength, content.size())) {}
+
+FileInput::FileInput(const SnapshotReader& content, std::string end)
+    : m_content(content),
+      m_end(std::move(end)),
+      m_tail(endPosition(content)),
+      m_size(m_tail + m_end.size()) {}
+
+size_t FileInput::endPosition(const SnapshotReader& content) {
+    return content.size() + ending.size() + paddingLength;
+}
 
 std::string_view FileInput::piece(size_t position, size_t most) const {
     const size_t end = m_content.size();
@@ -47,6 +58,8 @@ std::string_view FileInput::piece(size_t position, size_t most) const {
         return ending.substr(position - end, most);
     if (position < m_tail)
         return {blanks.data(), std::min({most, m_tail - position, blanks.size()})};
+    if (!m_end.empty())
+        return std::string_view(m_end).substr(position - m_tail, most);
     return m_content.range(end - (m_size - position), std::min(most, m_size - position));
 }
 

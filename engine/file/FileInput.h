@@ -17,6 +17,10 @@ namespace vellmora {
 class FileInput : public InputSource {
 public:
     explicit FileInput(const SnapshotReader& content);
+    /// The same with another end in place of the content's: a table and what follows it, which begins at
+    /// `endPosition`.
+    FileInput(const SnapshotReader& content, std::string end);
+    static size_t endPosition(const SnapshotReader& content);
 
     qpdf_offset_t findAndSkipNextEOL() override;
     const std::string& getName() const override { return m_name; }
@@ -33,7 +37,8 @@ private:
     std::string_view piece(size_t position, size_t most) const;
 
     const SnapshotReader& m_content;
-    size_t m_tail;  ///< where the last bytes begin again
+    std::string m_end;  ///< empty where the content's own last bytes stand there
+    size_t m_tail;      ///< where the end begins
     size_t m_size;
     std::string m_name;
     size_t m_position = 0;

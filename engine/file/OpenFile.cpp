@@ -3,12 +3,13 @@
 #include "engine/file/FileInput.h"
 
 #include <memory>
+#include <utility>
 
 #include <qpdf/QPDFLogger.hh>
 
 namespace vellmora {
 
-void openFile(QPDF& file, const SnapshotReader& content, Damage damage) {
+static void openFile(QPDF& file, const std::shared_ptr<FileInput>& input, Damage damage) {
     const auto silent = QPDFLogger::create();
     silent->setInfo(silent->discard());
     silent->setWarn(silent->discard());
@@ -16,8 +17,16 @@ void openFile(QPDF& file, const SnapshotReader& content, Damage damage) {
     file.setLogger(silent);
     file.setSuppressWarnings(true);
     file.setAttemptRecovery(damage == Damage::recover);
-    file.processInputSource(std::make_shared<FileInput>(content), "");
+    file.processInputSource(input, "");
     file.setAttemptRecovery(true);
+}
+
+void openFile(QPDF& file, const SnapshotReader& content, Damage damage) {
+    openFile(file, std::make_shared<FileInput>(content), damage);
+}
+
+void openFile(QPDF& file, const SnapshotReader& content, std::string table) {
+    openFile(file, std::make_shared<FileInput>(content, std::move(table)), Damage::refuse);
 }
 
 }  // namespace vellmora

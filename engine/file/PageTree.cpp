@@ -1,6 +1,6 @@
 #include "engine/file/PageTree.h"
 
-#include "engine/objects/PDFValues.h"
+#include "engine/file/PageAttributes.h"
 
 #include <algorithm>
 #include <optional>
@@ -10,51 +10,6 @@
 namespace vellmora {
 
 namespace {
-
-constexpr Rect letterSize{0, 0, 612, 792};
-
-/// The attributes that a page takes from the nodes above it (ISO 32000-2, table 31).
-struct InheritedAttributes {
-    QPDFObjectHandle resources = QPDFObjectHandle::newNull();
-    QPDFObjectHandle outerResources = QPDFObjectHandle::newNull();
-    QPDFObjectHandle mediaBox = QPDFObjectHandle::newNull();
-    QPDFObjectHandle cropBox = QPDFObjectHandle::newNull();
-    QPDFObjectHandle rotate = QPDFObjectHandle::newNull();
-
-    InheritedAttributes overriddenBy(QPDFObjectHandle node) const {
-        InheritedAttributes result = *this;
-        const auto take = [&node](QPDFObjectHandle& attribute, const char* key) {
-            QPDFObjectHandle own = node.getKey(key);
-            if (!own.isNull())
-                attribute = own;
-        };
-        take(result.mediaBox, "/MediaBox");
-        take(result.cropBox, "/CropBox");
-        take(result.rotate, "/Rotate");
-        result.takeResources(node.getKey("/Resources"));
-        return result;
-    }
-
-private:
-    /// A reference is followed when a page is drawn, not for each page when the file is opened.
-    void takeResources(const QPDFObjectHandle& own) {
-        if (!own.isIndirect() && QPDFObjectHandle(own).isNull())
-            return;
-        outerResources = resources;
-        resources = own;
-    }
-};
-
-ParsedPage makePage(const QPDFObjectHandle& dictionary, const InheritedAttributes& attributes) {
-    const Rect mediaBox = boxOf(attributes.mediaBox).value_or(letterSize);
-    const std::optional<Rect> statedCropBox = boxOf(attributes.cropBox);
-    Rect cropBox = intersection(statedCropBox.value_or(mediaBox), mediaBox);
-    if (cropBox.isEmpty())
-        cropBox = mediaBox;
-    const PageOrientation orientation(mediaBox, rotationOf(attributes.rotate));
-    return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, statedCropBox,
-            false};
-}
 
 /// Goes through a page tree without recursion: a hostile one is deep.
 class TreeWalk {

@@ -4,11 +4,15 @@
 #include "engine/file/GivenUpObjects.h"
 #include "engine/file/OpenFile.h"
 #include "engine/file/PageOrientation.h"
+#include "engine/file/PageOutline.h"
+#include "engine/file/PlainPart.h"
 #include "engine/objects/Qpdf.h"
 #include "pdf/DocumentDamage.h"
 
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vellmora {
@@ -31,9 +35,17 @@ public:
     /// Nothing where the content is no PDF, or cannot be read. Throws nothing but `std::bad_alloc`, where
     /// that is what it lacks.
     static std::unique_ptr<ParsedFile> open(const std::shared_ptr<const SnapshotReader>& content);
+    /// A part of a file, which knows of no other pages. Nothing where the PDF library does not read it as the
+    /// outline has it. Throws as `open` does.
+    static std::unique_ptr<ParsedFile> openPart(const std::shared_ptr<const SnapshotReader>& content,
+                                                const PageOutline& outline, const PlainPart& part);
 
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
-    const ParsedPage& page(qsizetype index) const { return m_pages[static_cast<size_t>(index)]; }
+    bool hasPage(qsizetype index) const { return index >= m_firstPage && index - m_firstPage < pageCount(); }
+    /// By the index in the file.
+    const ParsedPage& page(qsizetype index) const {
+        return m_pages[static_cast<size_t>(index - m_firstPage)];
+    }
 
     /// The bytes as they are parsed: those that were opened, or a repaired copy.
     const SnapshotReader& content() const { return *m_content; }
@@ -49,6 +61,9 @@ public:
 
 private:
     ParsedFile(std::shared_ptr<const SnapshotReader> content, Damage damage);
+    ParsedFile(std::shared_ptr<const SnapshotReader> content, const PageOutline& outline,
+               const PlainPart& part);
+    void addPage(int number, const PageOutline::Attributes& attributes);
     static std::unique_ptr<ParsedFile> choose(const std::shared_ptr<const SnapshotReader>& content,
                                               bool& isRepaired);
     void findDamage(const SnapshotReader& opened, bool isRepaired);
@@ -71,7 +86,9 @@ private:
     mutable bool m_allAreRead = false;  ///< all objects of the file: no more can be given up
     mutable QPDF m_qpdf;
     QPDFObjectHandle m_catalog;
+    qsizetype m_firstPage = 0;
     std::vector<ParsedPage> m_pages;
+    std::map<std::string, QPDFObjectHandle> m_inheritedResources;  ///< of a part, by their text
     DocumentDamage m_damage;
 };
 

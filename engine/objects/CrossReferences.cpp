@@ -38,25 +38,52 @@ std::string runsOf(const ObjectPlaces& places) {
     return runs;
 }
 
+/// The entries of the stream, one after another.
+class Entries {
+public:
+    explicit Entries(size_t position) : m_positionBytes(bytesFor(position)) {}
+
+    void add(const ObjectPlace& place) {
+        const bool isMember = place.container != 0;
+        appendNumber(m_data, isMember ? 2 : 1, 1);
+        appendNumber(m_data, isMember ? static_cast<size_t>(place.container) : place.position,
+                     m_positionBytes);
+        appendNumber(m_data, static_cast<size_t>(place.detail), detailBytes);
+    }
+
+    std::string stream(const std::string& runs, const Trailer& trailer, size_t position,
+                       int ownNumber) const {
+        const std::string data = deflated(m_data);
+        return std::to_string(ownNumber) + " 0 obj\n<</Type/XRef/Filter/FlateDecode/W[1 " +
+               std::to_string(m_positionBytes) + ' ' + std::to_string(detailBytes) + "]/Index[" + runs +
+               "]\n" + entry("/Root", trailer.root) + entry("/Encrypt", trailer.encrypt) +
+               entry("/ID", trailer.id) + "/Size " + std::to_string(ownNumber + 1) + "/Length " +
+               std::to_string(data.size()) + ">>\nstream\n" + data + "\nendstream\nendobj\nstartxref\n" +
+               std::to_string(position) + "\n%%EOF\n";
+    }
+
+private:
+    int m_positionBytes;
+    std::string m_data;
+};
+
 }  // namespace
 
 std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position, int ownNumber) {
     places[ownNumber] = {position, 0, 0};
-    const int positionBytes = bytesFor(position);
-    std::string data;
-    for (const auto& [number, place] : places) {
-        const bool isMember = place.container != 0;
-        appendNumber(data, isMember ? 2 : 1, 1);
-        appendNumber(data, isMember ? static_cast<size_t>(place.container) : place.position, positionBytes);
-        appendNumber(data, static_cast<size_t>(place.detail), detailBytes);
-    }
-    data = deflated(data);
-    return std::to_string(ownNumber) + " 0 obj\n<</Type/XRef/Filter/FlateDecode/W[1 " +
-           std::to_string(positionBytes) + ' ' + std::to_string(detailBytes) + "]/Index[" + runsOf(places) +
-           "]\n" + entry("/Root", trailer.root) + entry("/Encrypt", trailer.encrypt) +
-           entry("/ID", trailer.id) + "/Size " + std::to_string(ownNumber + 1) + "/Length " +
-           std::to_string(data.size()) + ">>\nstream\n" + data + "\nendstream\nendobj\nstartxref\n" +
-           std::to_string(position) + "\n%%EOF\n";
+    Entries entries(position);
+    for (const auto& [number, place] : places)
+        entries.add(place);
+    return entries.stream(runsOf(places), trailer, position, ownNumber);
+}
+
+std::string crossReferences(const std::vector<ObjectPlace>& places, const Trailer& trailer, size_t position) {
+    Entries entries(position);
+    for (const ObjectPlace& place : places)
+        entries.add(place);
+    entries.add({position, 0, 0});
+    const auto ownNumber = static_cast<int>(places.size()) + 1;
+    return entries.stream("1 " + std::to_string(ownNumber) + ' ', trailer, position, ownNumber);
 }
 
 }  // namespace vellmora

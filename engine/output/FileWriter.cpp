@@ -39,33 +39,46 @@ std::string newIdentifier() {
 
 }  // namespace
 
-FileWriter::FileWriter(const StoredStreams& streams, PDFDataConsumer& consumer)
-    : m_streams(streams), m_consumer(consumer), m_streamText(m_numbers), m_packedText(m_numbers) {
+FileWriter::FileWriter(PDFDataConsumer& consumer)
+    : m_consumer(consumer), m_streamText(m_numbers), m_packedText(m_numbers) {
     m_block.reserve(blockSize);
+    put(header);
 }
 
-void FileWriter::write(const QPDFObjectHandle& catalog) {
-    put(header);
-    const int catalogNumber = m_numbers.of(catalog);
-    for (int number = 1; number <= m_numbers.count(); ++number) {
-        Handle object = m_numbers.object(number);
+void FileWriter::writeObjects(const StoredStreams& streams) {
+    for (; m_next <= m_numbers.count(); ++m_next) {
+        const Handle object = m_numbers.object(m_next);
         if (!object.isInitialized())
             continue;
-        if (object.isStream())
-            writeStream(number, object);
-        else
-            pack(number, object);
+        if (Handle(object).isStream()) {
+            writeStream(m_next, object, streams);
+        } else {
+            beginPacked(m_next);
+            m_packedText.addContent(object);
+        }
         if (m_packedNumbers.size() == objectsInStream)
             writePackedObjects();
     }
+}
+
+void FileWriter::beginPart() {
+    m_numbers.beginPart();
+}
+
+void FileWriter::writeReserved(int number, std::string_view text) {
+    beginPacked(number);
+    m_packedText.add(text);
+}
+
+void FileWriter::finish(int catalogNumber) {
     writePackedObjects();
     writeCrossReferences(catalogNumber);
     flush();
 }
 
-void FileWriter::writeStream(int number, Handle stream) {
+void FileWriter::writeStream(int number, Handle stream, const StoredStreams& streams) {
     Entries entries = stream.getDict().getDictAsMap();
-    const auto stored = m_streams.find(stream);
+    const auto stored = streams.find(stream);
     const bool isCompressed = isToBeCompressed(stream) && (!stored || stored->length <= largestToCompress);
     if (stored && !isCompressed) {
         writeStreamObject(number, std::move(entries), stored->bytes());
@@ -84,7 +97,7 @@ void FileWriter::writeStream(int number, Handle stream) {
 
 void FileWriter::writeStreamObject(int number, Entries entries, std::string_view data) {
     entries["/Length"] = Handle::newInteger(static_cast<long long>(data.size()));
-    m_places[number] = {m_position, 0, 0};
+    setPlace(number, {m_position, 0, 0});
     m_streamText.clear();
     m_streamText.add(std::to_string(number));
     m_streamText.add("0");
@@ -96,10 +109,16 @@ void FileWriter::writeStreamObject(int number, Entries entries, std::string_view
     put("\nendstream\nendobj\n");
 }
 
-void FileWriter::pack(int number, const Handle& object) {
+void FileWriter::setPlace(int number, const ObjectPlace& place) {
+    const auto index = static_cast<size_t>(number) - 1;
+    if (index >= m_places.size())
+        m_places.resize(index + 1);
+    m_places[index] = place;
+}
+
+void FileWriter::beginPacked(int number) {
     m_packedNumbers.push_back(number);
     m_packedPlaces.push_back(m_packedText.text().size());
-    m_packedText.addContent(object);
 }
 
 void FileWriter::writePackedObjects() {
@@ -109,7 +128,7 @@ void FileWriter::writePackedObjects() {
     std::string data;
     for (size_t i = 0; i < m_packedNumbers.size(); ++i) {
         data += std::to_string(m_packedNumbers[i]) + ' ' + std::to_string(m_packedPlaces[i]) + ' ';
-        m_places[m_packedNumbers[i]] = {m_position, container, static_cast<int>(i)};
+        setPlace(m_packedNumbers[i], {m_position, container, static_cast<int>(i)});
     }
     const size_t first = data.size();
     data += m_packedText.text();
@@ -126,8 +145,7 @@ void FileWriter::writePackedObjects() {
 
 void FileWriter::writeCrossReferences(int catalogNumber) {
     const Trailer trailer{std::to_string(catalogNumber) + " 0 R", {}, newIdentifier()};
-    const int ownNumber = m_numbers.reserve();
-    put(crossReferences(std::move(m_places), trailer, m_position, ownNumber));
+    put(crossReferences(m_places, trailer, m_position));
 }
 
 void FileWriter::put(std::string_view bytes) {

@@ -17,25 +17,33 @@ namespace vellmora {
 /// being copied or looked at in between, which is most of a file.
 class FileWriter {
 public:
-    /// `streams` knows where the sources have the bytes of those streams that were carried over.
-    FileWriter(const StoredStreams& streams, PDFDataConsumer& consumer);
+    explicit FileWriter(PDFDataConsumer& consumer);
 
-    /// Writes all that can be reached from the catalogue. The consumer is not finished yet. Throws what it
-    /// throws, and what the sources do that cannot be read any more.
-    void write(const QPDFObjectHandle& catalog);
+    /// The numbers of the objects. What has one is written.
+    ObjectNumbers& numbers() { return m_numbers; }
+    /// Writes all that can be reached from the objects that have a number, and is not written yet. `streams`
+    /// knows where the sources have the bytes of those streams that were carried over. Throws what the
+    /// consumer throws, and what the sources do that cannot be read any more.
+    void writeObjects(const StoredStreams& streams);
+    /// The objects are those of another output from now on. Those of the last one are written.
+    void beginPart();
+    /// An object for a number that was reserved.
+    void writeReserved(int number, std::string_view text);
+    /// All is written. The consumer is not finished yet.
+    void finish(int catalogNumber);
 
 private:
-    void writeStream(int number, QPDFObjectHandle stream);
+    void writeStream(int number, QPDFObjectHandle stream, const StoredStreams& streams);
     void writeStreamObject(int number, std::map<std::string, QPDFObjectHandle> entries,
                            std::string_view data);
-    void pack(int number, const QPDFObjectHandle& object);
+    void beginPacked(int number);
     void writePackedObjects();
+    void setPlace(int number, const ObjectPlace& place);
     void writeCrossReferences(int catalogNumber);
 
     void put(std::string_view bytes);
     void flush();
 
-    const StoredStreams& m_streams;
     PDFDataConsumer& m_consumer;
     std::string m_block;  ///< not handed over yet
     size_t m_position = 0;
@@ -45,7 +53,8 @@ private:
     ObjectText m_packedText;
     std::vector<size_t> m_packedPlaces;
     std::vector<int> m_packedNumbers;
-    ObjectPlaces m_places;
+    int m_next = 1;                     ///< the number of the next object to be written
+    std::vector<ObjectPlace> m_places;  ///< from number 1 on
 };
 
 }  // namespace vellmora

@@ -3,6 +3,7 @@
 #include "engine/objects/RawStream.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -48,9 +49,9 @@ void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& so
                              QPDFObjectHandle::newNull());
     m_carriedStreams.push_back(target);
     const auto file = m_files.find(source.getOwningQPDF());
-    if (file == m_files.end())
+    if (file == m_files.end() || !file->second.hasPlainStreams)
         return;
-    if (const auto bytes = storedBytes(source, *file->second))
+    if (const auto bytes = storedBytes(source, *file->second.content))
         m_storedStreams.add(target, *bytes);
 }
 
@@ -65,10 +66,12 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     if (levels == 0)
         return QPDFObjectHandle::newNull();
     if (object.isIndirect()) {
-        const auto [known, isNew] = m_copies.try_emplace({object.getOwningQPDF(), object.getObjGen()});
+        const auto [known, isNew] =
+            m_copies.try_emplace({m_files[object.getOwningQPDF()].content, object.getObjGen()});
         if (isNew) {
             m_copiedInStep.push_back(known->first);
-            known->second = makeCounterpart(object);
+            const auto written = standIn(known->first, object);
+            known->second = written ? *written : makeCounterpart(object);
         }
         return known->second;
     }
@@ -81,8 +84,45 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     return result;
 }
 
+/// The kinds of objects that pages share, and that nobody looks into once they are copied. A form is not
+/// among them where its copy may be given what it lacks.
+static bool isShared(QPDFObjectHandle object) {
+    if (object.isStream()) {
+        QPDFObjectHandle dictionary = object.getDict();
+        return !dictionary.hasKey("/BBox") ||
+               (dictionary.hasKey("/Subtype") && dictionary.getKey("/Resources").isDictionary());
+    }
+    if (!object.isDictionary())
+        return false;
+    constexpr std::array kinds{"/Font", "/FontDescriptor", "/ExtGState", "/OCG", "/OCMD", "/Pattern"};
+    QPDFObjectHandle type = object.getKey("/Type");
+    return std::any_of(kinds.begin(), kinds.end(),
+                       [&type](const char* kind) { return type.isNameAndEquals(kind); });
+}
+
+std::optional<QPDFObjectHandle> ObjectCopier::standIn(const Source& source, QPDFObjectHandle object) {
+    const int number = m_written.find(source.first, source.second);
+    if (number == 0)
+        return std::nullopt;
+    QPDFObjectHandle result = object.isStream()
+                                  ? m_output.newStream()
+                                  : m_output.makeIndirectObject(QPDFObjectHandle::newDictionary());
+    m_standIns.emplace_back(result, number);
+    return result;
+}
+
+void ObjectCopier::tellWritten(const ObjectNumbers& numbers, const std::set<QPDFObjGen>& except,
+                               WrittenObjects& written) const {
+    for (const auto& [source, copy] : m_copies) {
+        const int number = copy.isIndirect() ? numbers.find(copy) : 0;
+        if (number > 0 && isShared(copy) && except.count(copy.getObjGen()) == 0)
+            written.add(source.first, source.second, number);
+    }
+}
+
 /// Containers stay empty for now: what they contain may lead back to them.
 QPDFObjectHandle ObjectCopier::makeCounterpart(QPDFObjectHandle object) {
+    ++m_count;
     if (object.isStream()) {
         QPDFObjectHandle stream = m_output.newStream();
         carryData(stream, object);

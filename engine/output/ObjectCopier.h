@@ -1,9 +1,13 @@
 #pragma once
 
 #include "engine/objects/Qpdf.h"
+#include "engine/output/ObjectText.h"
 #include "engine/output/StoredStreams.h"
+#include "engine/output/WrittenObjects.h"
 
 #include <map>
+#include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -14,7 +18,8 @@ namespace vellmora {
 /// the output is written, so the sources must live until then.
 class ObjectCopier {
 public:
-    explicit ObjectCopier(QPDF& output) : m_output(output) {}
+    /// `written` says what the file has already that the output is a part of.
+    ObjectCopier(QPDF& output, const WrittenObjects& written) : m_output(output), m_written(written) {}
 
     /// The object's counterpart in the output. References to pages become null: a page brings only what it
     /// draws.
@@ -23,14 +28,27 @@ public:
     /// Gives a stream of the output the bytes of one of a source, as they are stored.
     void carryData(QPDFObjectHandle target, const QPDFObjectHandle& source);
 
-    /// Where the file that objects are copied from lies in memory, so that bytes need not be copied. Not for
-    /// encrypted files.
-    void addFile(const QPDF* source, const SnapshotReader& file) { m_files[source] = &file; }
+    /// To be called before objects of the source are copied: the file that it was read from. Several sources
+    /// may be parts of one file; an object of it is copied once. Where its streams lie in the file as they
+    /// are, their bytes need not be copied.
+    void addFile(const QPDF* source, const SnapshotReader& file, bool hasPlainStreams) {
+        m_files[source] = {&file, hasPlainStreams};
+    }
 
     /// From now on: objects that are met the first time from then on can be forgotten.
     void beginStep() { m_copiedInStep.clear(); }
     /// Copies anew what was copied in the step: the source has changed.
     void forgetStep();
+
+    /// How many objects were copied, without those that were written already.
+    size_t count() const { return m_count; }
+    /// The counterparts of objects that were written already, and the numbers that they have. What they hold
+    /// does not matter.
+    const std::vector<std::pair<QPDFObjectHandle, int>>& standIns() const { return m_standIns; }
+    /// Notes the numbers that the copied objects have been written with. Those of which a copy may look
+    /// different when it is met again are left out, and those of the output that are `except`ed.
+    void tellWritten(const ObjectNumbers& numbers, const std::set<QPDFObjGen>& except,
+                     WrittenObjects& written) const;
 
     QPDF& output() { return m_output; }
     const StoredStreams& storedStreams() const { return m_storedStreams; }
@@ -38,7 +56,11 @@ public:
     const std::vector<QPDFObjectHandle>& carriedStreams() const { return m_carriedStreams; }
 
 private:
-    using Source = std::pair<QPDF*, QPDFObjGen>;
+    struct File {
+        const SnapshotReader* content = nullptr;
+        bool hasPlainStreams = false;
+    };
+    using Source = std::pair<const SnapshotReader*, QPDFObjGen>;
 
     static constexpr int maxNesting = 500;  ///< of direct objects within one another
 
@@ -46,11 +68,16 @@ private:
     QPDFObjectHandle makeCounterpart(QPDFObjectHandle object);
     void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
 
+    std::optional<QPDFObjectHandle> standIn(const Source& source, QPDFObjectHandle object);
+
     QPDF& m_output;
-    std::map<const QPDF*, const SnapshotReader*> m_files;
+    const WrittenObjects& m_written;
+    std::vector<std::pair<QPDFObjectHandle, int>> m_standIns;
+    std::map<const QPDF*, File> m_files;
     StoredStreams m_storedStreams;
     std::vector<QPDFObjectHandle> m_carriedStreams;
     std::map<Source, QPDFObjectHandle> m_copies;
+    size_t m_count = 0;
     std::vector<Source> m_copiedInStep;
     /// Counterparts that are empty so far, each with its source.
     std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> m_pending;

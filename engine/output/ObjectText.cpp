@@ -4,11 +4,26 @@
 
 namespace vellmora {
 
-int ObjectNumbers::of(const QPDFObjectHandle& object) {
+int& ObjectNumbers::placeOf(const QPDFObjectHandle& object) {
     const auto place = static_cast<size_t>(object.getObjGen().getObj());
     if (place >= m_numbers.size())
         m_numbers.resize(std::max(place + 1, 2 * m_numbers.size()));
-    int& number = m_numbers[place];
+    return m_numbers[place];
+}
+
+int ObjectNumbers::find(const QPDFObjectHandle& object) const {
+    const auto place = static_cast<size_t>(object.getObjGen().getObj());
+    return place < m_numbers.size() ? m_numbers[place] : 0;
+}
+
+void ObjectNumbers::beginPart() {
+    m_before = count();
+    m_numbers.clear();
+    m_objects.clear();
+}
+
+int ObjectNumbers::of(const QPDFObjectHandle& object) {
+    int& number = placeOf(object);
     if (number == 0) {
         m_objects.push_back(object);
         number = count();

@@ -10,19 +10,30 @@
 namespace vellmora {
 
 /// Numbers the objects of a new file in the order in which it refers to them, from 1 on. What nothing refers
-/// to gets no number, and is not written.
+/// to gets no number, and is not written. A long file is put together from several outputs.
 class ObjectNumbers {
 public:
     /// The number of an indirect object of the output.
     int of(const QPDFObjectHandle& object);
+    /// 0 for an object without one.
+    int find(const QPDFObjectHandle& object) const;
     /// A number for something that is not an object of the output.
     int reserve();
+    /// The object stands for something that has a number already.
+    void set(const QPDFObjectHandle& object, int number) { placeOf(object) = number; }
+    /// From now on the objects are those of another output, and the numbers go on.
+    void beginPart();
 
-    int count() const { return static_cast<int>(m_objects.size()); }
-    /// Not initialized where the number was reserved.
-    const QPDFObjectHandle& object(int number) const { return m_objects[static_cast<size_t>(number) - 1]; }
+    int count() const { return m_before + static_cast<int>(m_objects.size()); }
+    /// Of those of this output. Not initialized where the number was reserved.
+    const QPDFObjectHandle& object(int number) const {
+        return m_objects[static_cast<size_t>(number - m_before) - 1];
+    }
 
 private:
+    int& placeOf(const QPDFObjectHandle& object);
+
+    int m_before = 0;            ///< numbers of the outputs before
     std::vector<int> m_numbers;  ///< by the number in the output as it is put together; 0 for none so far
     std::vector<QPDFObjectHandle> m_objects;
 };

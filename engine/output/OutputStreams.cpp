@@ -106,7 +106,7 @@ void replaceProfiles(QPDF& output, const std::set<QPDFObjGen>& profiles) {
 
 }  // namespace
 
-void prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams) {
+std::set<QPDFObjGen> prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams) {
     std::set<QPDFObjGen> profiles;
     for (const QPDFObjectHandle& stream : streams) {
         removeRemarks(stream);
@@ -116,6 +116,7 @@ void prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams) 
     }
     if (!profiles.empty())
         replaceProfiles(output, profiles);
+    return profiles;
 }
 
 }  // namespace vellmora

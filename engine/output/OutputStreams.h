@@ -2,6 +2,7 @@
 
 #include "engine/objects/Qpdf.h"
 
+#include <set>
 #include <vector>
 
 namespace vellmora {
@@ -12,6 +13,7 @@ namespace vellmora {
 /// What is legal or common but not understood by every reader is said plainly: filters behind references
 /// become direct, and a colour profile that contradicts its number of components (some converters give grey
 /// pictures an RGB profile) is replaced by the device's own colour space, as readers do who notice it.
-void prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams);
+/// Answers the profiles that were replaced.
+std::set<QPDFObjGen> prepareStreams(QPDF& output, const std::vector<QPDFObjectHandle>& streams);
 
 }  // namespace vellmora

@@ -1,0 +1,67 @@
+"""What is measured of documents of very many pages: whether length alone costs anything, and that what it costs is linear."""
+from .samples import Row, in_turn
+from .save_rows import ALLOWED_GROWTH, ALLOWED_MEMORY, MEGABYTE, SaveRows, peer_commands
+from .window_rows import OPENING, WindowRows
+
+LONG, HALF = "pages100000.pdf", "pages50000.pdf"
+NAME = "100,000 pages, 1 million objects"
+OPEN_LIMIT, TURN_LIMIT, SAVE_LIMIT = 1000, 50, 3000  # milliseconds for a million objects
+TWICE = 2.2  # twice the work, and the noise of two measurements
+
+
+class LengthRows:
+    """Needs the documents of make_pages, and a stamp."""
+
+    def __init__(self, screen, inputs, rounds):
+        self.window = WindowRows(screen, inputs, rounds)
+        self.saving = SaveRows(screen.programs, inputs, rounds)
+        self.rounds = rounds
+
+    def opened_and_turned(self, name):
+        """Opens the document and turns to its last page, which nothing of the window has seen before."""
+        screen = self.window.screen
+        with screen.running("vellmora", home=self.window.home):
+            opened = screen.open_document(self.window.inputs / name, self.window.area)
+            return opened, screen.use("key", self.window.area, "End")
+
+    def windows(self):
+        engine = self.window.engine
+        times = in_turn({"long": lambda: self.opened_and_turned(LONG), "half": lambda: self.opened_and_turned(HALF),
+                         "engine": lambda: engine("page", self.window.inputs / LONG, *self.window.page_size)["render_ms"]},
+                        self.rounds)
+        opened, turned = map(list, zip(*times["long"]))
+        opened_half, _ = map(list, zip(*times["half"]))
+        painted = Row(f"open: {NAME}", opened, f"the engine's time + {OPENING} ms", 0, "the engine, that page",
+                      times["engine"])
+        painted.limit = painted.other_figure + OPENING
+        return [
+            painted,
+            Row(f"open: {NAME}", opened, "at most 1 s", OPEN_LIMIT),
+            Row(f"open: {NAME}", opened, "linear: at most 2.2 times", TWICE, "half of them", opened_half, True),
+            Row(f"turn to the last page: {NAME}", turned, "at most 50 ms", TURN_LIMIT),
+        ]
+
+    def saves(self):
+        saving = self.saving
+        source = saving.inputs / LONG
+        times = in_turn({"long": lambda: saving.ours(source), "half": lambda: saving.ours(saving.inputs / HALF)},
+                        self.rounds)
+        elapsed, _, size = map(list, zip(*times["long"]))
+        half, _, _ = map(list, zip(*times["half"]))
+        source_size = source.stat().st_size / MEGABYTE
+        what = f"save {NAME}"
+        # Once each: they take minutes.
+        peers = [Row(what, elapsed, "faster", 1, f"{peer}, once", [saving.timed(command)], True)
+                 for peer, command in peer_commands(saving.inputs, source, saving.target).items()]
+        return [
+            Row(what, elapsed, "at most 3 s", SAVE_LIMIT),
+            Row(what, elapsed, "linear: at most 2.2 times", TWICE, "half of them", half, True),
+            *peers,
+            Row(f"{what}: peak memory", [saving.peak_memory(source)], "the source + 60 MB", source_size + ALLOWED_MEMORY,
+                "the source", [source_size], unit="MB"),
+            Row(f"{what}: size of the file", size, "at most 1.05 times", ALLOWED_GROWTH, "the source", [source_size],
+                True, unit="MB"),
+        ]
+
+    def length(self):
+        return [*self.windows(), *self.saves()]

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "engine/appearance/Annotations.h"
+#include "engine/compose/PageForm.h"
+#include "engine/file/ParsedFile.h"
+#include "engine/objects/Qpdf.h"
+#include "engine/output/ObjectCopier.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+namespace vellmora {
+
+/// Pages of a new file that are put together and written at once, and what was read for them. Most files are
+/// one part; one of very many objects is written part by part, since the PDF library keeps some two kilobytes
+/// of each object.
+struct OutputPart {
+    explicit OutputPart(const WrittenObjects& written)
+        : copier(output, written), resources(copier), appearances(copier) {
+        output.emptyPDF();
+        pages = output.getRoot().getKey("/Pages");
+    }
+
+    /// What is copied from them is read when the part is written.
+    std::set<std::shared_ptr<const ParsedFile>> sources;
+    QPDF output;
+    ObjectCopier copier;
+    BoxArrays boxes;
+    PageResources resources;
+    Appearances appearances;
+    std::set<QPDFObjGen> replacedProfiles;
+    QPDFObjectHandle pages;  ///< the root of the page tree; stands for it in all parts but the last
+    QPDFObjectHandle kids = QPDFObjectHandle::newArray();
+    /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
+    std::map<std::string, QPDFObjectHandle> contentStreams;
+};
+
+}  // namespace vellmora

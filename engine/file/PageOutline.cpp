@@ -1,0 +1,177 @@
+#include "engine/file/PageOutline.h"
+
+#include "engine/file/PageAttributes.h"
+#include "pdf/DocumentMessages.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace vellmora {
+
+namespace {
+
+/// More kinds of pages than this are none of a real document.
+constexpr size_t mostKinds = 10000;
+
+void require(bool isPlain) {
+    if (!isPlain)
+        throw NotPlain();
+}
+
+/// The texts of attributes that hold for the kids of a node.
+struct AttributeTexts {
+    std::string_view mediaBox;
+    std::string_view cropBox;
+    std::string_view rotate;
+    std::string_view resources;
+    std::string_view outerResources;
+
+    void takeOwn(const PlainObject& node) {
+        for (const auto& [key, value] : node.entries()) {
+            if (value == "null")
+                continue;
+            if (key == "/MediaBox")
+                mediaBox = value;
+            else if (key == "/CropBox")
+                cropBox = value;
+            else if (key == "/Rotate")
+                rotate = value;
+        }
+    }
+    void takeResources(const PlainObject& node) {
+        const std::string_view own = node.entry("/Resources");
+        if (!own.empty() && own != "null")
+            outerResources = std::exchange(resources, own);
+    }
+};
+
+/// References and whatever else is no plain value are left to others.
+QPDFObjectHandle parsed(std::string_view text) {
+    if (text.empty())
+        return QPDFObjectHandle::newNull();
+    require(text.find_first_not_of("[]+-.0123456789 \t\r\n\f") == std::string_view::npos);
+    return QPDFObjectHandle::parse(std::string(text));
+}
+
+PageOutline::Attributes attributesOf(const AttributeTexts& texts) {
+    InheritedAttributes attributes;
+    attributes.mediaBox = parsed(texts.mediaBox);
+    attributes.cropBox = parsed(texts.cropBox);
+    attributes.rotate = parsed(texts.rotate);
+    const ParsedPage page = makePage(QPDFObjectHandle::newNull(), attributes);
+    return {page.orientation, page.cropBox, page.statedCropBox, texts.resources, texts.outerResources};
+}
+
+}  // namespace
+
+/// Goes through the page tree.
+class OutlineWalk {
+public:
+    explicit OutlineWalk(const PlainFile& file) : m_file(file), m_isKnown(static_cast<size_t>(file.size())) {}
+
+    PageOutline run() {
+        m_file.beginReading();
+        m_file.read(m_file.catalog(), m_object);
+        const int root = plainReference(m_object.entry("/Pages"));
+        int count = -1;
+        m_steps.push_back({root, {}});
+        while (!m_steps.empty()) {
+            const Step step = m_steps.back();
+            m_steps.pop_back();
+            enter(step);
+            if (step.number == root)
+                count = plainNumber(m_object.entry("/Count"));
+        }
+        require(count > 0 && count == m_outline.pageCount());
+        return std::move(m_outline);
+    }
+
+private:
+    struct Step {
+        int number;
+        AttributeTexts inherited;
+    };
+
+    void enter(const Step& step) {
+        require(step.number > 0 && step.number < m_file.size() &&
+                !m_isKnown[static_cast<size_t>(step.number)]);
+        m_isKnown[static_cast<size_t>(step.number)] = true;
+        m_file.read(step.number, m_object);
+        require(m_object.isDictionary() && !m_object.isStream());
+        AttributeTexts texts = step.inherited;
+        texts.takeOwn(m_object);
+        const std::string_view kids = m_object.entry("/Kids");
+        const std::string_view type = m_object.entry("/Type");
+        if (kids.empty()) {
+            require(type == "/Page");
+            return addPage(step.number, texts);
+        }
+        require(type == "/Pages");
+        texts.takeResources(m_object);
+        enterKids(kids, texts);
+    }
+
+    void enterKids(std::string_view kids, const AttributeTexts& texts) {
+        require(kids.starts_with('['));
+        m_kids.readValue(kids);
+        const std::vector<int>& numbers = m_kids.references();
+        require(kids.find_first_of("[<", 1) == std::string_view::npos &&
+                m_kids.itemCount() == numbers.size());
+        // The first one is to be the next.
+        std::transform(numbers.rbegin(), numbers.rend(), std::back_inserter(m_steps), [&texts](int number) {
+            return Step{number, texts};
+        });
+    }
+
+    void addPage(int number, const AttributeTexts& texts) {
+        require(m_outline.m_pages.size() < static_cast<size_t>(maxPageCount));
+        m_outline.m_pages.push_back({number, kindOf(texts)});
+    }
+
+    int kindOf(const AttributeTexts& texts) {
+        m_key.clear();
+        for (const std::string_view text : {texts.mediaBox, texts.cropBox, texts.rotate})
+            m_key.append(text).append(1, '|');
+        for (const std::string_view text : {texts.resources, texts.outerResources})
+            m_key.append(std::to_string(reinterpret_cast<std::uintptr_t>(text.data()))).append(1, '|');
+        if (m_key == m_lastKey)
+            return m_lastKind;
+        const auto [kind, isNew] =
+            m_kinds.try_emplace(m_key, static_cast<int>(m_outline.m_attributes.size()));
+        if (isNew) {
+            require(m_kinds.size() <= mostKinds);
+            m_outline.m_attributes.push_back(attributesOf(texts));
+        }
+        m_lastKey = m_key;
+        return m_lastKind = kind->second;
+    }
+
+    const PlainFile& m_file;
+    std::vector<bool> m_isKnown;  ///< by number: stands in the tree
+    PlainObject m_object;
+    PlainObject m_kids;
+    std::vector<Step> m_steps;
+    std::map<std::string, int> m_kinds;
+    std::string m_key;
+    std::string m_lastKey;
+    int m_lastKind = 0;
+    PageOutline m_outline;
+};
+
+std::optional<PageOutline> PageOutline::read(const PlainFile& file) {
+    try {
+        return OutlineWalk(file).run();
+    } catch (const NotPlain&) {
+        return std::nullopt;
+    } catch (const TextEnds&) {
+        return std::nullopt;
+    } catch (const QPDFExc&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace vellmora
