@@ -41,11 +41,6 @@ Rect integral(const Rect& rect) {
     return {x, y, ceilWithTolerance(rect.maxX()) - x, ceilWithTolerance(rect.maxY()) - y};
 }
 
-Rect mapRect(const QTransform& transform, const Rect& rect) {
-    const QRectF mapped = transform.mapRect(QRectF(rect.x, rect.y, rect.width, rect.height));
-    return {mapped.x(), mapped.y(), mapped.width(), mapped.height()};
-}
-
 QRectF toQt(const Rect& rect, double containerHeight) {
     return {rect.x, containerHeight - rect.maxY(), rect.width, rect.height};
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QPointF>
 #include <QRectF>
 #include <QSize>
-#include <QTransform>
 
 namespace vellmora {
 
@@ -54,9 +54,6 @@ Rect intersection(const Rect& a, const Rect& b);
 /// An edge that lies within a thousandth of a point of a whole number counts as that number, so that a
 /// rectangle that went to page space and back does not grow by its rounding error.
 Rect integral(const Rect& rect);
-
-/// The bounding box of the mapped rectangle.
-Rect mapRect(const QTransform& transform, const Rect& rect);
 
 /// The same area in Qt's coordinates (y downwards) of a container `containerHeight` points high.
 QRectF toQt(const Rect& rect, double containerHeight);

@@ -40,8 +40,8 @@ PageGeometry::PageGeometry(const Rect& shownBox, const View& view, double scale,
     m_frame = {across.start / ratio, top - down.length / ratio, across.length / ratio, down.length / ratio};
     const double sx = m_frame.width / shownBox.width;
     const double sy = m_frame.height / shownBox.height;
-    m_toView = QTransform(sx, 0, 0, sy, m_frame.x - shownBox.x * sx, m_frame.y - shownBox.y * sy);
-    m_toPage = QTransform(1 / sx, 0, 0, 1 / sy, shownBox.x - m_frame.x / sx, shownBox.y - m_frame.y / sy);
+    m_toView = {sx, 0, 0, sy, m_frame.x - shownBox.x * sx, m_frame.y - shownBox.y * sy};
+    m_toPage = {1 / sx, 0, 0, 1 / sy, shownBox.x - m_frame.x / sx, shownBox.y - m_frame.y / sy};
 }
 
 }  // namespace vellmora

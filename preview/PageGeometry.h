@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Rect.h"
+#include "base/Matrix.h"
 
 namespace vellmora {
 
@@ -27,7 +27,7 @@ public:
     QSize pixelSize() const { return m_pixelSize; }
     /// View points for each point of the page, across and up. They differ from the scale, and a little from
     /// each other, since the page's area ends on pixels.
-    Size pointSize() const { return {m_toView.m11(), m_toView.m22()}; }
+    Size pointSize() const { return {m_toView.m11, m_toView.m22}; }
 
     Rect toView(const Rect& pageRect) const { return mapRect(m_toView, pageRect); }
     Rect toPage(const Rect& viewRect) const { return mapRect(m_toPage, viewRect); }
@@ -35,8 +35,8 @@ public:
 private:
     Rect m_frame;
     QSize m_pixelSize;
-    QTransform m_toView;
-    QTransform m_toPage;
+    Matrix m_toView;
+    Matrix m_toPage;
 };
 
 }  // namespace vellmora

@@ -32,7 +32,7 @@ bool bringsAppearance(const Annotation& annotation) {
 
 /// Maps the appearance's transformed bounding box onto the annotation's rectangle (ISO 32000-2, 12.5.5,
 /// algorithm "appearance streams"); the form's own matrix is applied when the form is painted.
-std::optional<QTransform> placement(QPDFObjectHandle form, const Rect& rect) {
+std::optional<Matrix> placement(QPDFObjectHandle form, const Rect& rect) {
     const auto box = rectangleOf(form.getDict().getKey("/BBox"));
     if (!box)
         return std::nullopt;
@@ -41,17 +41,16 @@ std::optional<QTransform> placement(QPDFObjectHandle form, const Rect& rect) {
         return std::nullopt;
     const double sx = rect.width / transformed.width;
     const double sy = rect.height / transformed.height;
-    return QTransform(sx, 0, 0, sy, rect.x - transformed.x * sx, rect.y - transformed.y * sy);
+    return Matrix{sx, 0, 0, sy, rect.x - transformed.x * sx, rect.y - transformed.y * sy};
 }
 
 /// Turns an annotation that stays upright against the rotation of the page.
-QTransform uprightMatrix(const Annotation& annotation, const ParsedPage& page) {
+Matrix uprightMatrix(const Annotation& annotation, const ParsedPage& page) {
     if (!annotation.isUpright())
         return {};
     const Rect& rect = annotation.rect();
-    return QTransform::fromTranslate(-rect.minX(), -rect.maxY()) *
-           QTransform().rotate(page.orientation.rotation()) *
-           QTransform::fromTranslate(rect.minX(), rect.maxY());
+    return Matrix::translation(-rect.minX(), -rect.maxY()) * Matrix::rotation(page.orientation.rotation()) *
+           Matrix::translation(rect.minX(), rect.maxY());
 }
 
 std::optional<QPDFObjectHandle> drawAppearance(const Annotation& annotation, const ParsedFile& source,

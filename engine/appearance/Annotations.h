@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Matrix.h"
 #include "engine/appearance/Annotation.h"
 #include "engine/appearance/AppearanceTools.h"
 #include "engine/file/ParsedFile.h"
@@ -12,7 +13,7 @@ namespace vellmora {
 /// What is painted of an annotation or form field.
 struct AnnotationAppearance {
     QPDFObjectHandle form;  ///< a form XObject of the output
-    QTransform matrix;      ///< from the form's matrix space to the file's own page space
+    Matrix matrix;          ///< from the form's matrix space to the file's own page space
 };
 
 /// What a screen viewer paints of the page, in painting order: ordinary annotations, then form fields.

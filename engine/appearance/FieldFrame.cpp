@@ -11,16 +11,16 @@ namespace vellmora {
 
 namespace {
 
-QTransform turnedInto(const Rect& rect, int degrees) {
+Matrix turnedInto(const Rect& rect, int degrees) {
     switch (degrees) {
         case 90:
-            return QTransform(0, 1, -1, 0, rect.maxX(), rect.minY());
+            return {0, 1, -1, 0, rect.maxX(), rect.minY()};
         case 180:
-            return QTransform(-1, 0, 0, -1, rect.maxX(), rect.maxY());
+            return {-1, 0, 0, -1, rect.maxX(), rect.maxY()};
         case 270:
-            return QTransform(0, -1, 1, 0, rect.minX(), rect.maxY());
+            return {0, -1, 1, 0, rect.minX(), rect.maxY()};
         default:
-            return QTransform::fromTranslate(rect.minX(), rect.minY());
+            return Matrix::translation(rect.minX(), rect.minY());
     }
 }
 

@@ -24,7 +24,7 @@ public:
     Rect lines() const;
     /// Where the bars of a list are.
     Rect list() const { return m_box.insetBy(m_edge); }
-    QTransform toPage() const { return m_toPage; }
+    Matrix toPage() const { return m_toPage; }
     void draw(FormBuilder& drawing) const;
 
 private:
@@ -33,7 +33,7 @@ private:
     void drawRaisedEdges(FormBuilder& drawing) const;
 
     Rect m_box;
-    QTransform m_toPage;
+    Matrix m_toPage;
     std::vector<double> m_background;
     std::vector<double> m_border;
     std::vector<double> m_dashes;

@@ -107,7 +107,7 @@ QPDFObjectHandle FormBuilder::form(const std::string& content, const Rect& box) 
     return form;
 }
 
-QPDFObjectHandle FormBuilder::finish(const Rect& box, const QTransform& matrix) {
+QPDFObjectHandle FormBuilder::finish(const Rect& box, const Matrix& matrix) {
     QPDFObjectHandle drawing = form(m_content, box);
     drawing.getDict().getKey("/Resources").replaceKey("/Font", m_fonts);
     if (!m_blending.isNull())

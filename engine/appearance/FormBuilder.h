@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Rect.h"
+#include "base/Matrix.h"
 #include "engine/objects/Qpdf.h"
 
 #include <initializer_list>
@@ -39,7 +39,7 @@ public:
     /// The font under this name of the form's resources.
     void addFont(const std::string& name, const QPDFObjectHandle& font);
 
-    QPDFObjectHandle finish(const Rect& box, const QTransform& matrix = {});
+    QPDFObjectHandle finish(const Rect& box, const Matrix& matrix = {});
 
 private:
     struct ColorOperators {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include <QStringList>
 #include <QTextBoundaryFinder>
 
 namespace vellmora {

@@ -150,14 +150,14 @@ int PageComposer::Writer::addPicture(PictureMaker picture) {
 }
 
 void PageComposer::Writer::drawPicture(int picture, const Rect& rect) {
-    const QTransform unitSquareToRect(rect.width, 0, 0, rect.height, rect.x, rect.y);
+    const Matrix unitSquareToRect{rect.width, 0, 0, rect.height, rect.x, rect.y};
     PictureInWork& inWork = m_pictures.at(static_cast<size_t>(picture));
     inWork.isUsed = true;
     paint("/S" + std::to_string(picture), inWork.object, unitSquareToRect * m_page.fromPageSpace);
 }
 
 void PageComposer::Writer::paint(const std::string& name, const QPDFObjectHandle& object,
-                                 const QTransform& matrix) {
+                                 const Matrix& matrix) {
     m_page.objects.replaceKey(name, object);
     m_page.content += paintObject(name, matrix);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Matrix.h"
 #include "engine/PageComposer.h"
 #include "engine/compose/OutputPart.h"
 #include "engine/file/ParsedFile.h"
@@ -38,7 +39,7 @@ private:
         /// The page's property lists, by the names of the objects that are on them.
         QPDFObjectHandle layers = QPDFObjectHandle::newDictionary();
         Rect mediaBox{0, 0, 595, 842};
-        QTransform fromPageSpace;
+        Matrix fromPageSpace;
         std::string content;
         int annotationCount = 0;
         bool isIncomplete = false;
@@ -60,7 +61,7 @@ private:
     void carryPageAttributes(const ParsedPage& page, DisplayBox box);
     void carryInnerBoxes(const ParsedPage& page);
     void carryDocumentAttributes(const ParsedFile& source);
-    void paint(const std::string& name, const QPDFObjectHandle& object, const QTransform& matrix);
+    void paint(const std::string& name, const QPDFObjectHandle& object, const Matrix& matrix);
     void beginPart();
     void fillPart();
     void writePart();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Rect.h"
+#include "base/Matrix.h"
 
 namespace vellmora {
 
@@ -15,8 +15,8 @@ public:
     int rotation() const { return m_rotation; }
     Rect uprightMediaBox() const;
     /// From the file's own space to page space; the identity for a page that is not turned.
-    QTransform toPageSpace() const;
-    QTransform fromPageSpace() const { return toPageSpace().inverted(); }
+    Matrix toPageSpace() const;
+    Matrix fromPageSpace() const { return toPageSpace().inverted(); }
 
 private:
     Rect m_mediaBox;

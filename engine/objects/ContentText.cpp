@@ -27,11 +27,10 @@ std::string pdfNumber(double value) {
     return text == "-0" ? "0" : text;
 }
 
-std::string paintObject(const std::string& name, const QTransform& matrix) {
+std::string paintObject(const std::string& name, const Matrix& matrix) {
     std::string text = "q ";
     if (!matrix.isIdentity()) {
-        for (const double value :
-             {matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()})
+        for (const double value : {matrix.m11, matrix.m12, matrix.m21, matrix.m22, matrix.dx, matrix.dy})
             text += pdfNumber(value) + ' ';
         text += "cm ";
     }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/Matrix.h"
+
 #include <string>
 #include <string_view>
-
-#include <QTransform>
 
 namespace vellmora {
 
@@ -19,6 +19,6 @@ constexpr double greatestNumber = 2147483647;
 std::string pdfNumber(double value);
 
 /// "q … cm /name Do Q": paints the named object through the matrix.
-std::string paintObject(const std::string& name, const QTransform& matrix);
+std::string paintObject(const std::string& name, const Matrix& matrix);
 
 }  // namespace vellmora

@@ -69,13 +69,13 @@ QPDFObjectHandle arrayOf(const Rect& rect) {
     return arrayOf({rect.minX(), rect.minY(), rect.maxX(), rect.maxY()});
 }
 
-QPDFObjectHandle arrayOf(const QTransform& matrix) {
-    return arrayOf({matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()});
+QPDFObjectHandle arrayOf(const Matrix& matrix) {
+    return arrayOf({matrix.m11, matrix.m12, matrix.m21, matrix.m22, matrix.dx, matrix.dy});
 }
 
-QTransform matrixOf(const QPDFObjectHandle& array) {
+Matrix matrixOf(const QPDFObjectHandle& array) {
     const std::vector<double> m = numbersOf(array);
-    return m.size() == 6 ? QTransform(m[0], m[1], m[2], m[3], m[4], m[5]) : QTransform();
+    return m.size() == 6 ? Matrix{m[0], m[1], m[2], m[3], m[4], m[5]} : Matrix();
 }
 
 std::vector<Point> pointsOf(const QPDFObjectHandle& array) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Rect.h"
+#include "base/Matrix.h"
 #include "engine/objects/Qpdf.h"
 
 #include <optional>
@@ -31,10 +31,10 @@ std::optional<Rect> boxOf(QPDFObjectHandle array);
 QPDFObjectHandle arrayOf(const Rect& rect);
 
 /// The array that stands for a matrix.
-QPDFObjectHandle arrayOf(const QTransform& matrix);
+QPDFObjectHandle arrayOf(const Matrix& matrix);
 
 /// The identity where the array is no matrix.
-QTransform matrixOf(const QPDFObjectHandle& array);
+Matrix matrixOf(const QPDFObjectHandle& array);
 
 /// The x and y of each point in turn.
 std::vector<Point> pointsOf(const QPDFObjectHandle& array);

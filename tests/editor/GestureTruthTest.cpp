@@ -275,7 +275,7 @@ Rect stampInFile(const std::string& content) {
                           &m[3], &m[4], &m[5]),
               6)
         << content;
-    return mapRect(QTransform(m[0], m[1], m[2], m[3], m[4], m[5]), {0, 0, 1, 1});
+    return mapRect(Matrix{m[0], m[1], m[2], m[3], m[4], m[5]}, {0, 0, 1, 1});
 }
 
 QByteArray saved(const Scene& scene, const QTemporaryDir& folder) {
