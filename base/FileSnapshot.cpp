@@ -11,6 +11,7 @@
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -21,6 +22,8 @@ namespace {
 
 /// Below this size a thread costs more than it spares.
 constexpr qint64 largeSize = 4 << 20;
+/// The same for a file that the system has in its memory: who reads along would read most of it twice.
+constexpr qint64 largeSizeInMemory = 16 << 20;
 /// How much of a file is read or compared at a time.
 constexpr size_t pieceSize = size_t{256} << 10;
 /// So often a small file that changes is read again.
@@ -35,10 +38,11 @@ Error readingFailure(int error, const QString& path) {
                  QStringLiteral("Die Datei wurde geändert, während sie gelesen wurde. Bitte erneut öffnen."));
 }
 
-/// Reads that much from an offset on. The error number; 0 for success.
-int readAt(const FileDescriptor& file, size_t offset, char* target, size_t length) {
+/// Reads that much from an offset on; `flags` are the system's. The error number; 0 for success.
+int readAt(const FileDescriptor& file, size_t offset, char* target, size_t length, int flags = 0) {
     while (length > 0) {
-        const ssize_t count = ::pread(file.get(), target, length, static_cast<off_t>(offset));
+        const iovec part{target, length};
+        const ssize_t count = ::preadv2(file.get(), &part, 1, static_cast<off_t>(offset), flags);
         if (count < 0 && errno == EINTR)
             continue;
         if (count == 0)
@@ -116,6 +120,8 @@ private:
         }
         if (!m_isEnding && m_error == 0)
             compareStates();
+        if (!m_isEnding && m_error == 0)
+            m_target.m_memory.map();
     }
 
     /// False where nothing is left, or nothing can be read any more.
@@ -167,17 +173,22 @@ private:
     SerialQueue m_queue{SerialQueue::Priority::lowest};  ///< last: it ends first
 };
 
-/// Nothing where the file has changed meanwhile.
-std::shared_ptr<const FileSnapshot> FileSnapshot::readSmall(const files::OpenedFile& opened,
-                                                            const FileState& before, const QString& path) {
+/// Nothing where the file has changed meanwhile, or where it cannot be read in the way that `flags` ask for.
+std::shared_ptr<const FileSnapshot> FileSnapshot::readAtOnce(const files::OpenedFile& opened,
+                                                             const FileState& before, const QString& path,
+                                                             int flags) {
     const std::shared_ptr<FileSnapshot> content(new FileSnapshot(static_cast<size_t>(before.size)));
-    std::vector<char> bytes(content->size());
-    const int error = readAt(opened.file, 0, bytes.data(), bytes.size());
-    if (error == changedMeanwhile)
-        return nullptr;
-    if (error != 0)
-        throw readingFailure(error, path);
-    content->m_memory.append({bytes.data(), bytes.size()});
+    SnapshotMemory& memory = content->m_memory;
+    std::vector<char> piece(std::min(pieceSize, memory.size()));
+    while (memory.copied() < memory.size()) {
+        const size_t length = std::min(pieceSize, memory.size() - memory.copied());
+        const int error = readAt(opened.file, memory.copied(), piece.data(), length, flags);
+        if (error == changedMeanwhile || (error != 0 && flags != 0))
+            return nullptr;
+        if (error != 0)
+            throw readingFailure(error, path);
+        memory.append({piece.data(), length});
+    }
     const bool isUntouched = !before.isRecent && FileState::of(opened.file, path) == before;
     return isUntouched || content->isContentOf(opened.file, path) ? content : nullptr;
 }
@@ -187,14 +198,17 @@ std::shared_ptr<const FileSnapshot> FileSnapshot::open(const QString& path) {
     try {
         for (int attempt = 0; attempt < maxAttempts; ++attempt) {
             const FileState state = FileState::of(opened.file, path);
-            if (state.size >= largeSize) {
+            const bool isLarge = state.size >= largeSize;
+            if (!isLarge || state.size < largeSizeInMemory) {
+                if (auto content = readAtOnce(opened, state, path, isLarge ? RWF_NOWAIT : 0))
+                    return content;
+            }
+            if (isLarge) {
                 const std::shared_ptr<FileSnapshot> content(
                     new FileSnapshot(static_cast<size_t>(state.size)));
                 content->m_copying = std::make_unique<Copying>(std::move(opened.file), path, *content);
                 return content;
             }
-            if (auto content = readSmall(opened, state, path))
-                return content;
         }
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);
@@ -214,6 +228,12 @@ void FileSnapshot::read(size_t offset, char* target, size_t length) const {
     if (m_copying && offset + length > m_memory.copied())
         m_copying->requireCopied();
     m_memory.read(offset, target, length);
+}
+
+std::string_view FileSnapshot::view(size_t offset, size_t length) const {
+    const std::string_view all = m_memory.mapped();
+    return offset <= all.size() && length <= all.size() - offset ? all.substr(offset, length)
+                                                                 : std::string_view();
 }
 
 int FileSnapshot::file() const {

@@ -18,9 +18,10 @@ namespace files {
 struct OpenedFile;
 }
 
-/// The bytes of a file, in memory that this program alone can write to. A small file is there at once,
-/// a large one is copied by a thread of its own from `readAhead()` on. Once it is copied, the file itself is
-/// not needed any more. A file that changed while it was copied is noticed: its bytes may be of two versions.
+/// The bytes of a file, in memory that this program alone can write to. A small file is there at once, a
+/// larger one too where the system has it in memory, a large one is copied by a thread of its own from
+/// `readAhead()` on. Once it is copied, the file itself is not needed any more. A file that changed while it
+/// was copied is noticed: its bytes may be of two versions.
 ///
 /// Another process can read along (`SnapshotReader`). May be used by several threads at a time.
 class FileSnapshot {
@@ -38,6 +39,10 @@ public:
     /// Copies a range of the content to `target`, which has room for it. Waits until it is there; throws the
     /// `Error` of what cannot be read.
     void read(size_t offset, char* target, size_t length) const;
+
+    /// The same where it lies, without a copy. Empty where that would take longer: a large file can be looked
+    /// at some time after `readAhead()`, another one never.
+    std::string_view view(size_t offset, size_t length) const;
 
     /// Begins to copy all that is left.
     void readAhead() const;
@@ -61,8 +66,9 @@ public:
 private:
     class Copying;
     explicit FileSnapshot(size_t size);
-    static std::shared_ptr<const FileSnapshot> readSmall(const files::OpenedFile& opened,
-                                                         const FileState& before, const QString& path);
+    static std::shared_ptr<const FileSnapshot> readAtOnce(const files::OpenedFile& opened,
+                                                          const FileState& before, const QString& path,
+                                                          int flags);
     bool isContentOf(const FileDescriptor& file, const QString& path) const;
 
     SnapshotMemory m_memory;

@@ -36,6 +36,24 @@ SnapshotMemory::SnapshotMemory(size_t size)
         sealContent();
 }
 
+SnapshotMemory::~SnapshotMemory() {
+    if (const char* content = m_mapped)
+        ::munmap(const_cast<char*>(content), m_size);
+}
+
+void SnapshotMemory::map() {
+    if (m_size == 0 || m_mapped || copied() < m_size)
+        return;
+    void* content = ::mmap(nullptr, m_size, PROT_READ, MAP_SHARED, m_forReaders.get(), snapshotContentOffset);
+    if (content == MAP_FAILED)
+        return;
+    // All pages at once: they would cost a fault each when they are read.
+    if (::madvise(content, m_size, MADV_POPULATE_READ) == 0)
+        m_mapped.store(static_cast<const char*>(content), std::memory_order_release);
+    else
+        ::munmap(content, m_size);
+}
+
 void SnapshotMemory::append(std::string_view bytes) {
     if (bytes.empty())
         return;

@@ -22,12 +22,17 @@ inline constexpr size_t snapshotContentOffset = 1 << 12;
 /// Memory that is filled once, from its beginning to its end. Other processes get a descriptor that can only
 /// be read, and can read along. When all is there the memory is sealed: nobody can write to it any more.
 ///
-/// It is written and read by system calls and not mapped here, since each of its pages would cost a fault: to
-/// copy a large file takes half of the time. One thread writes; any may read what is there.
+/// It is written by system calls, since each page of a mapping would cost a fault: to copy a large file takes
+/// half of the time. It is read by them too, until `map()` has been called. One thread writes; any may read
+/// what is there.
 class SnapshotMemory {
 public:
     /// `size` of the content, in bytes. Throws `std::bad_alloc`.
     explicit SnapshotMemory(size_t size);
+
+    ~SnapshotMemory();
+    SnapshotMemory(const SnapshotMemory&) = delete;
+    SnapshotMemory& operator=(const SnapshotMemory&) = delete;
 
     size_t size() const { return m_size; }
     /// So many bytes are there.
@@ -36,6 +41,15 @@ public:
     void append(std::string_view bytes);
     /// A range of what is there. Throws `std::bad_alloc` where it cannot be read.
     void read(size_t offset, char* target, size_t length) const;
+
+    /// Once all is there: has the content where it can be looked at. Takes some time, which is spared whoever
+    /// reads much of it afterwards. Does nothing where the system cannot do that at once. For one thread.
+    void map();
+    /// The content, or nothing where it is not mapped.
+    std::string_view mapped() const {
+        const char* content = m_mapped.load(std::memory_order_acquire);
+        return content ? std::string_view(content, m_size) : std::string_view();
+    }
 
     /// For reading only.
     int descriptor() const { return m_forReaders.get(); }
@@ -46,6 +60,7 @@ private:
 
     size_t m_size;
     std::atomic<size_t> m_copied = 0;
+    std::atomic<const char*> m_mapped = nullptr;
     FileDescriptor m_file;
     FileDescriptor m_forReaders;
 };

@@ -60,11 +60,16 @@ public:
         while (range.length > 0) {
             if (progress && progress->isCancelled())
                 throw WorkProgress::cancelledError();
-            m_piece.resize(std::min<size_t>(range.length, pieceOfSource));
-            snapshot.read(range.offset, m_piece.data(), m_piece.size());
-            add({m_piece.data(), m_piece.size()});
-            range.offset += m_piece.size();
-            range.length -= m_piece.size();
+            const size_t length = std::min<size_t>(range.length, pieceOfSource);
+            std::string_view piece = snapshot.view(range.offset, length);
+            if (piece.empty()) {
+                m_piece.resize(length);
+                snapshot.read(range.offset, m_piece.data(), length);
+                piece = {m_piece.data(), length};
+            }
+            add(piece);
+            range.offset += length;
+            range.length -= length;
         }
     }
 

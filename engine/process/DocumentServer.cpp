@@ -174,9 +174,10 @@ void DocumentServer::compose(const ReceivedDocumentRequest& request) {
         return m_replies.fail(DocumentFailure::changed);
     m_replies.setShared(request.message.isWhole != 0 ? m_content->all() : std::string_view());
     const Mapping commands(request.memory, request.message.size);
-    Composing(*m_document, m_replies, m_socket)
-        .run(static_cast<const ComposeCommand*>(commands.bytes()),
-             request.message.size / sizeof(ComposeCommand));
+    Composing composing(*m_document, m_replies, m_socket);
+    composing.run(static_cast<const ComposeCommand*>(commands.bytes()),
+                  request.message.size / sizeof(ComposeCommand));
+    // Before all that was composed is taken apart, for which nobody has to wait.
     m_replies.send(DocumentReplyKind::composed);
 }
 

@@ -24,7 +24,7 @@ namespace {
 
 constexpr qint64 megabyte = 1 << 20;
 /// So large that it is not read before the test has gone on.
-constexpr qint64 hugeSize = 2048 * megabyte;
+constexpr qint64 hugeSize = 20420 * megabyte;
 
 class FileSnapshotTest : public testing::Test {
 protected:
@@ -147,7 +147,7 @@ TEST_F(FileSnapshotTest, OthersCanNeitherWriteToItNorCutItShort) {
 }
 
 TEST_F(FileSnapshotTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
-    const QByteArray bytes(8 * megabyte, 'x');
+    const QByteArray bytes(20 * megabyte, 'x');
     writeFile(path, bytes);
     const auto content = FileSnapshot::open(path);
     content->requireWhole();
@@ -156,7 +156,7 @@ TEST_F(FileSnapshotTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
 }
 
 TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
-    const QByteArray bytes(8 * megabyte, 'x');
+    const QByteArray bytes(20 * megabyte, 'x');
     const auto isWholeAfter = [&](const auto& whatOthersDo) {
         QFile::remove(path);
         writeFile(path, bytes);
