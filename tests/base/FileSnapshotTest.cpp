@@ -24,7 +24,7 @@ namespace {
 
 constexpr qint64 megabyte = 1 << 20;
 /// So large that it is not read before the test has gone on.
-constexpr qint64 hugeSize = 20420 * megabyte;
+constexpr qint64 hugeSize = 2048 * megabyte;
 
 class FileSnapshotTest : public testing::Test {
 protected:
@@ -126,7 +126,7 @@ TEST_F(FileSnapshotTest, WhatAReaderReadItselfTakesNoMemoryOnceItIsInTheSnapshot
 }
 
 TEST_F(FileSnapshotTest, AReaderTellsThatItIsAtWorkForEachReadOfTheFile) {
-    writeFile(path, QByteArray(8 * megabyte, 'x'));
+    writeFile(path, QByteArray(20 * megabyte, 'x'));
     const auto content = FileSnapshot::open(path);
     SnapshotReader reader = readerOf(*content);
     int reports = 0;
@@ -147,12 +147,31 @@ TEST_F(FileSnapshotTest, OthersCanNeitherWriteToItNorCutItShort) {
 }
 
 TEST_F(FileSnapshotTest, TheFileIsNotNeededAnyMoreOnceItIsRead) {
-    const QByteArray bytes(20 * megabyte, 'x');
+    for (const qint64 megabytes : {1, 8, 20}) {
+        const QByteArray bytes(megabytes * megabyte, 'x');
+        writeFile(path, bytes);
+        const auto content = FileSnapshot::open(path);
+        content->requireWhole();
+        QFile::resize(path, 0);
+        EXPECT_TRUE(contentOf(*content) == bytes);
+    }
+}
+
+TEST_F(FileSnapshotTest, ALargeOneIsLookedAtWhereItLies) {
+    QByteArray bytes(20 * megabyte, 'x');
+    bytes[bytes.size() - 1] = 'z';
     writeFile(path, bytes);
     const auto content = FileSnapshot::open(path);
-    content->requireWhole();
-    QFile::resize(path, 0);
-    EXPECT_TRUE(contentOf(*content) == bytes);
+    EXPECT_TRUE(content->view(0, 1).empty());
+    content->readAhead();
+    while (content->view(0, 1).empty())
+        std::this_thread::yield();
+    const size_t size = content->size();
+    EXPECT_TRUE(content->view(0, size) == std::string_view(bytes.constData(), size));
+    EXPECT_EQ(content->view(size - 1, 1), "z");
+    EXPECT_TRUE(content->view(size - 1, 2).empty());
+    EXPECT_TRUE(content->view(size + 1, 1).empty());
+    EXPECT_TRUE(content->view(1, size).empty());
 }
 
 TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {

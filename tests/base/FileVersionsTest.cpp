@@ -94,7 +94,7 @@ qint64 readSoFar() {
 }
 
 TEST_F(FileVersionsTest, ALargeFileThatNobodyTouchedIsNotReadOnceMore) {
-    const QByteArray opened = bytesFrom(4, 8 << 20);
+    const QByteArray opened = bytesFrom(4, 20 << 20);
     writeFile(path, opened);
     // Changes that follow upon one another look alike, so a new file is compared by content.
     while (FileState::of(path)->isRecent)
