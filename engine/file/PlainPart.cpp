@@ -22,6 +22,8 @@ public:
     explicit Search(const PlainFile& file) : m_file(file), m_isFound(static_cast<size_t>(file.size())) {}
 
     size_t count() const { return m_found.size(); }
+    /// The number of the page tree's root.
+    int pages() const { return m_pages; }
     std::vector<int> found() {
         std::sort(m_found.begin(), m_found.end());
         return std::move(m_found);
@@ -32,6 +34,8 @@ public:
         PlainObject catalog;
         note(m_file.catalog());
         m_file.read(m_file.catalog(), catalog);
+        m_pages = plainReference(catalog.entry("/Pages"));
+        note(m_pages);
         for (const char* key : {"/OCProperties", "/OutputIntents"})
             addValue(catalog.entry(key));
         addForm(catalog.entry("/AcroForm"));
@@ -114,13 +118,29 @@ private:
     std::vector<bool> m_isFound;  ///< by number
     std::vector<int> m_found;
     std::vector<int> m_pending;
+    int m_pages = 0;
     PlainObject m_object;
     std::string m_text;
 };
 
-/// Sections of consecutive numbers that the file has.
-std::string tableOf(const PlainFile& file, const std::vector<int>& numbers, size_t position) {
-    std::string table = "\nxref\n";
+/// The PDF library opens no file without a root of the page tree. The file's own may name all pages, at which
+/// nobody looks here.
+constexpr std::string_view emptyPages = " 0 obj\n<< /Type /Pages /Kids [] /Count 0 >>\nendobj\n";
+
+/// Of an object that is in use.
+std::string entryAt(size_t position) {
+    const std::string digits = std::to_string(position);
+    constexpr size_t width = 10;
+    if (digits.size() > width)
+        throw NotPlain();
+    return std::string(width - digits.size(), '0') + digits + " 00000 n \n";
+}
+
+/// The root of the page tree, and sections of consecutive numbers that the file has.
+std::string tableOf(const PlainFile& file, const std::vector<int>& numbers, int pages, size_t position) {
+    std::string table = "\n" + std::to_string(pages) + std::string(emptyPages);
+    const size_t start = position + table.size();
+    table += "xref\n";
     for (auto from = numbers.begin(); from != numbers.end();) {
         auto to = from;
         std::string entries;
@@ -128,7 +148,7 @@ std::string tableOf(const PlainFile& file, const std::vector<int>& numbers, size
             const auto entry = file.entry(number);
             if (!entry)
                 break;
-            entries += *entry;
+            entries += number == pages ? entryAt(position + 1) : *entry;
         }
         if (to != from)
             table += std::to_string(*from) + ' ' + std::to_string(to - from) + '\n' + entries;
@@ -136,7 +156,7 @@ std::string tableOf(const PlainFile& file, const std::vector<int>& numbers, size
     }
     const int size = numbers.empty() ? 1 : numbers.back() + 1;
     return table + "trailer\n<< /Size " + std::to_string(size) + " /Root " + std::to_string(file.catalog()) +
-           " 0 R >>\nstartxref\n" + std::to_string(position + 1) + "\n%%EOF\n";
+           " 0 R >>\nstartxref\n" + std::to_string(start) + "\n%%EOF\n";
 }
 
 }  // namespace
@@ -154,7 +174,8 @@ std::optional<PlainPart> partOf(const PlainFile& file, const PageOutline& outlin
                 break;
             search.addPage(outline.number(page), outline.attributes(page));
         }
-        return PlainPart{firstPage, page - firstPage, tableOf(file, search.found(), position)};
+        return PlainPart{firstPage, page - firstPage,
+                         tableOf(file, search.found(), search.pages(), position)};
     } catch (const NotPlain&) {
         return std::nullopt;
     } catch (const TextEnds&) {

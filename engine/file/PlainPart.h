@@ -13,8 +13,8 @@ namespace vellmora {
 struct PlainPart {
     qsizetype firstPage = 0;
     qsizetype pageCount = 0;
-    /// A cross-reference table and the file's last line, to stand behind the content at `position`. It names
-    /// the objects of the part and no others.
+    /// To stand behind the content at `position`: a root of the page tree that has no pages, a cross-reference
+    /// table that names this root, the objects of the part and no others, and the file's last line.
     std::string table;
 };
 
