@@ -199,7 +199,7 @@ std::shared_ptr<const FileSnapshot> FileSnapshot::open(const QString& path) {
         for (int attempt = 0; attempt < maxAttempts; ++attempt) {
             const FileState state = FileState::of(opened.file, path);
             const bool isLarge = state.size >= largeSize;
-            if (!isLarge || state.size < largeSizeInMemory) {
+            if (state.size < largeSizeInMemory) {
                 if (auto content = readAtOnce(opened, state, path, isLarge ? RWF_NOWAIT : 0))
                     return content;
             }

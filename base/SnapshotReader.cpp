@@ -121,9 +121,6 @@ bool SnapshotReader::agreesWithSnapshot() {
         ::madvise(m_bytes, m_size, MADV_DONTNEED);
     m_fetched.clear();
     m_copied = m_size;
-    // What was read from the file is not needed beside the snapshot, which stands there again.
-    if (m_file.isValid() && m_bytes)
-        ::madvise(m_bytes, m_size, MADV_DONTNEED);
     return true;
 }
 

@@ -3,6 +3,7 @@
 // "pictures" asks for the pictures alone, "large" for the one document of 1.3 GB in place of all the others.
 // What they show comes from a random generator with a fixed seed, so each run measures the same.
 
+#include "PdfFile.h"
 #include "base/SystemFonts.h"
 
 #include <random>
@@ -64,41 +65,6 @@ QByteArray makeScan(const SystemFonts& fonts, std::mt19937& random) {
         jpeg.append(scanBytes - jpeg.size(), '\0');
     return jpeg;
 }
-
-/// Objects of a PDF file, written one after the other and found again by its table.
-class PdfFile {
-public:
-    explicit PdfFile(const QString& path) : m_file(path) {
-        if (!m_file.open(QIODevice::WriteOnly))
-            qFatal("%s cannot be written", qPrintable(path));
-        put("%PDF-1.4\n");
-    }
-    void add(const QByteArray& body) {
-        m_offsets.append(m_file.pos());
-        put(QByteArray::number(m_offsets.size()) + " 0 obj\n" + body + "\nendobj\n");
-    }
-    void addStream(const QByteArray& entries, const QByteArray& data) {
-        add("<< " + entries + " /Length " + QByteArray::number(data.size()) + " >>\nstream\n" + data +
-            "\nendstream");
-    }
-    void finish() {
-        const QByteArray table = QByteArray::number(m_file.pos());
-        const QByteArray size = QByteArray::number(m_offsets.size() + 1);
-        put("xref\n0 " + size + "\n0000000000 65535 f \n");
-        for (const qint64 offset : m_offsets)
-            put(QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n");
-        put("trailer\n<< /Size " + size + " /Root 1 0 R >>\nstartxref\n" + table + "\n%%EOF\n");
-    }
-
-private:
-    void put(const QByteArray& bytes) {
-        if (m_file.write(bytes) != bytes.size())
-            qFatal("%s cannot be written", qPrintable(m_file.fileName()));
-    }
-
-    QFile m_file;
-    QList<qint64> m_offsets;
-};
 
 /// Different ones, of which the first are made as people scan them and the others differ from those in a
 /// number behind the picture's end.
