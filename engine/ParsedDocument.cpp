@@ -85,7 +85,7 @@ std::shared_ptr<const ParsedFile> ParsedDocument::partOf(qsizetype index) const 
     known.lastPart.reset();
     if (const auto part = vellmora::partOf(known.file, known.outline, index, known.pagesAtOnce,
                                            FileInput::endPosition(*m_content)))
-        known.lastPart = ParsedFile::openPart(m_content, known.outline, *part);
+        known.lastPart = ParsedFile::openPart(m_content, known.file, known.outline, *part);
     return known.lastPart;
 }
 

@@ -5,6 +5,8 @@
 #include "engine/appearance/ShapeAppearance.h"
 #include "engine/appearance/TextMarkupAppearance.h"
 
+#include <algorithm>
+
 namespace vellmora {
 
 namespace {
@@ -70,7 +72,35 @@ bool isToBeDrawn(const Annotation& annotation, const QPDFObjectHandle& normal, c
            (annotation.is("/Widget") && needsNewAppearance(annotation, normal, source, tools));
 }
 
+bool isPlainlyInvisible(int number, const PlainFile& file) {
+    PlainObject annotation;
+    file.read(number, annotation);
+    const std::string_view subtype = annotation.entry("/Subtype");
+    return annotation.isDictionary() && (subtype == "/Link" || subtype == "/Popup");
+}
+
 }  // namespace
+
+bool hasPlainlyNoVisibleAnnotations(const ParsedPage& page, const PlainFile& file) {
+    QPDFObjectHandle annotations = QPDFObjectHandle(page.dictionary).getKey("/Annots");
+    try {
+        std::vector<int> numbers;
+        if (annotations.isIndirect() && annotations.getObjGen().getGen() == 0) {
+            PlainObject array;
+            file.read(annotations.getObjGen().getObj(), array);
+            if (!array.value().starts_with('[') || array.items().size() != array.references().size())
+                return false;
+            numbers = array.references();
+        } else if (annotations.isArray()) {
+            for (const QPDFObjectHandle& item : annotations.getArrayAsVector())
+                numbers.push_back(item.getObjGen().getGen() == 0 ? item.getObjGen().getObj() : 0);
+        }
+        return std::all_of(numbers.begin(), numbers.end(),
+                           [&file](int number) { return isPlainlyInvisible(number, file); });
+    } catch (const NotPlain&) {
+        return false;
+    }
+}
 
 std::vector<Annotation> visibleAnnotations(const ParsedPage& page) {
     QPDFObjectHandle annotations = QPDFObjectHandle(page.dictionary).getKey("/Annots");
@@ -112,7 +142,7 @@ std::optional<AnnotationAppearance> Appearances::carry(const Annotation& annotat
         return std::nullopt;
     QPDFObjectHandle form = m_tools.copier.copy(normal);
     form.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-    if (annotation.is("/Widget") && !form.getDict().getKey("/Resources").isDictionary())
+    if (annotation.is("/Widget") && !normal.getDict().getKey("/Resources").isDictionary())
         form.getDict().replaceKey("/Resources", m_tools.copier.copy(formResources(annotation, source)));
     return AnnotationAppearance{form, *matrix};
 }

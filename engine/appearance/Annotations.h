@@ -19,6 +19,10 @@ struct AnnotationAppearance {
 /// What a screen viewer paints of the page, in painting order: ordinary annotations, then form fields.
 std::vector<Annotation> visibleAnnotations(const ParsedPage& page);
 
+/// Whether that is nothing, as far as is seen at first sight: most pages have no annotations but links.
+/// `file` is the page's.
+bool hasPlainlyNoVisibleAnnotations(const ParsedPage& page, const PlainFile& file);
+
 /// Makes the appearances of one output.
 class Appearances {
 public:

@@ -27,8 +27,8 @@ PageComposer::Writer::Writer(PDFDataConsumer& consumer)
 
 void PageComposer::Writer::beginPage() {
     m_page = OpenPage();
-    m_page.dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
-    m_page.dictionary.replaceKey("/Parent", m_part->pages);
+    m_page.entries["/Type"] = QPDFObjectHandle::newName("/Page");
+    m_page.entries["/Parent"] = m_part->pages;
 }
 
 void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index,
@@ -39,8 +39,10 @@ void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& fil
     useSource(file);
     m_part->copier.beginStep();
     const OpenPage begun = m_page;
+    const bool hasShortWay = source.plainFile() != nullptr;
     drawParts(source, page, box);
-    if (source.bringBackObjects()) {
+    const bool areBack = source.bringBackObjects();
+    if (areBack || (hasShortWay && !source.plainFile())) {
         m_part->copier.forgetStep();
         m_part->resources.forget();
         m_page.content = begun.content;
@@ -53,7 +55,7 @@ void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& fil
 void PageComposer::Writer::drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box) {
     attempt([&] { carryPageAttributes(page, box); });
     attempt([&] { carryDocumentAttributes(source); });
-    attempt([&] { drawContent(page); });
+    attempt([&] { drawContent(source, page); });
     attempt([&] { drawAnnotations(source, page); });
 }
 
@@ -71,22 +73,22 @@ void PageComposer::Writer::attempt(const std::function<void()>& step) {
 
 void PageComposer::Writer::useSource(const std::shared_ptr<const ParsedFile>& file) {
     if (m_part->sources.insert(file).second)
-        m_part->copier.addFile(file->catalog().getOwningQPDF(), file->content(), !file->isEncrypted());
+        m_part->copier.addFile(*file);
 }
 
 void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBox box) {
     m_page.mediaBox = box == DisplayBox::mediaBox ? page.orientation.mediaBox() : page.cropBox;
     if (page.orientation.rotation() != 0)
-        m_page.dictionary.replaceKey("/Rotate", QPDFObjectHandle::newInteger(page.orientation.rotation()));
+        m_page.entries["/Rotate"] = QPDFObjectHandle::newInteger(page.orientation.rotation());
     if (box == DisplayBox::mediaBox)
         carryInnerBoxes(page);
     QPDFObjectHandle dictionary = page.dictionary;
     QPDFObjectHandle userUnit = dictionary.getKey("/UserUnit");
     if (userUnit.isNumber())
-        m_page.dictionary.replaceKey("/UserUnit", m_part->copier.copy(userUnit));
+        m_page.entries["/UserUnit"] = m_part->copier.copy(userUnit);
     QPDFObjectHandle group = dictionary.getKey("/Group");
     if (group.isDictionary())
-        m_page.dictionary.replaceKey("/Group", m_part->copier.copy(group));
+        m_page.entries["/Group"] = m_part->copier.copy(group);
 }
 
 /// What is shown of the page, and what a printer makes of it. Each box is carried over as it is stated, so
@@ -94,11 +96,11 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
 /// stated by a node above the page (ISO 32000-2, table 31).
 void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
     if (page.statedCropBox)
-        m_page.dictionary.replaceKey("/CropBox", m_part->boxes.of(*page.statedCropBox));
+        m_page.entries["/CropBox"] = m_part->boxes.of(*page.statedCropBox);
     QPDFObjectHandle dictionary = page.dictionary;
     for (const char* key : {"/BleedBox", "/TrimBox", "/ArtBox"}) {
         if (const std::optional<Rect> box = boxOf(dictionary.getKey(key)))
-            m_page.dictionary.replaceKey(key, m_part->boxes.of(*box));
+            m_page.entries[key] = m_part->boxes.of(*box);
     }
 }
 
@@ -114,15 +116,17 @@ void PageComposer::Writer::carryDocumentAttributes(const ParsedFile& source) {
     }
 }
 
-void PageComposer::Writer::drawContent(const ParsedPage& page) {
+void PageComposer::Writer::drawContent(const ParsedFile& source, const ParsedPage& page) {
     const qsizetype index = m_pageCount;
     paint("/P",
-          makePageForm(m_part->copier, m_part->boxes, m_part->resources, page,
+          makePageForm(m_part->copier, m_part->boxes, m_part->resources, page, source.plainFile(),
                        [this, index] { m_incompletePages.insert(index); }),
           {});
 }
 
 void PageComposer::Writer::drawAnnotations(const ParsedFile& source, const ParsedPage& page) {
+    if (const PlainFile* file = source.plainFile(); file && hasPlainlyNoVisibleAnnotations(page, *file))
+        return;
     for (const Annotation& annotation : visibleAnnotations(page)) {
         attempt([&] {
             if (const auto appearance = m_part->appearances.make(annotation, source, page))
@@ -174,12 +178,12 @@ void PageComposer::Writer::endPage() {
     resources.replaceKey("/XObject", m_page.objects);
     if (!m_page.layers.getKeys().empty())
         resources.replaceKey("/Properties", m_page.layers);
-    m_page.dictionary.replaceKey("/MediaBox", m_part->boxes.of(m_page.mediaBox));
-    m_page.dictionary.replaceKey("/Resources", resources);
-    m_page.dictionary.replaceKey("/Contents", contentStream(m_page.content));
+    m_page.entries["/MediaBox"] = m_part->boxes.of(m_page.mediaBox);
+    m_page.entries["/Resources"] = resources;
+    m_page.entries["/Contents"] = contentStream(m_page.content);
     if (m_page.isIncomplete)
         m_incompletePages.insert(m_pageCount);
-    m_part->kids.appendItem(m_part->output.makeIndirectObject(m_page.dictionary));
+    m_part->kids.appendItem(pageObject());
     ++m_pageCount;
     m_page = {};
     if (m_part->copier.count() + objectsOfPage * static_cast<size_t>(m_part->kids.getArrayNItems()) >
@@ -187,6 +191,19 @@ void PageComposer::Writer::endPage() {
         writePart();
         beginPart();
     }
+}
+
+/// In words, unless it holds colours that may have to be replaced in the end.
+QPDFObjectHandle PageComposer::Writer::pageObject() {
+    if (m_page.entries.contains("/Group"))
+        return m_part->output.makeIndirectObject(QPDFObjectHandle::newDictionary(m_page.entries));
+    ObjectText text;
+    text.addDictionary(m_page.entries);
+    return m_part->copier.add(text.take());
+}
+
+void PageComposer::Writer::writeObjects() {
+    m_file.writeObjects(m_part->copier.storedStreams(), m_part->copier.copiedTexts());
 }
 
 /// Of a part that is not the file's last one. Nothing is known of the pages that follow, so that the root of
@@ -201,7 +218,7 @@ void PageComposer::Writer::writePart() {
     numbers.set(m_part->pages, m_pagesNumber);
     for (const QPDFObjectHandle& kid : m_part->kids.aitems())
         m_kidsText += std::to_string(numbers.of(kid)) + " 0 R ";
-    m_file.writeObjects(m_part->copier.storedStreams());
+    writeObjects();
     endPart();
 }
 
@@ -249,7 +266,7 @@ void PageComposer::Writer::write() {
         m_part->pages.replaceKey("/Kids", m_part->kids);
         m_part->pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_pageCount));
         m_catalogNumber = m_file.numbers().of(m_part->output.getRoot());
-        m_file.writeObjects(m_part->copier.storedStreams());
+        writeObjects();
         endPart();
     } else {
         writePart();

@@ -33,7 +33,7 @@ public:
 
 private:
     struct OpenPage {
-        QPDFObjectHandle dictionary = QPDFObjectHandle::newDictionary();
+        std::map<std::string, QPDFObjectHandle> entries;
         /// The page's XObject resources.
         QPDFObjectHandle objects = QPDFObjectHandle::newDictionary();
         /// The page's property lists, by the names of the objects that are on them.
@@ -55,16 +55,18 @@ private:
     void useSource(const std::shared_ptr<const ParsedFile>& file);
     void drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box);
     void attempt(const std::function<void()>& step);
-    void drawContent(const ParsedPage& page);
+    void drawContent(const ParsedFile& source, const ParsedPage& page);
     void drawAnnotations(const ParsedFile& source, const ParsedPage& page);
     void paintAnnotation(const AnnotationAppearance& appearance, QPDFObjectHandle layer);
     void carryPageAttributes(const ParsedPage& page, DisplayBox box);
     void carryInnerBoxes(const ParsedPage& page);
     void carryDocumentAttributes(const ParsedFile& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const Matrix& matrix);
+    QPDFObjectHandle pageObject();
     void beginPart();
     void fillPart();
     void writePart();
+    void writeObjects();
     void endPart();
     QPDFObjectHandle contentStream(const std::string& content);
 

@@ -29,8 +29,10 @@ private:
 /// The content of a page as one form XObject of the output. As a form it cannot disturb what is drawn after
 /// it, even where its operators are not balanced. One content stream passes through as it is, still
 /// compressed and byte for byte, also where it is damaged; several are joined.
+/// `file` is the short way to what the page refers to; null where there is none.
 /// `onIncomplete` is called, when the output is written, where some of it cannot be decoded for that.
 QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, PageResources& resources,
-                              const ParsedPage& page, std::function<void()> onIncomplete);
+                              const ParsedPage& page, const PlainFile* file,
+                              std::function<void()> onIncomplete);
 
 }  // namespace vellmora

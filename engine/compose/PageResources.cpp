@@ -124,6 +124,31 @@ size_t countOf(QPDFObjectHandle resources) {
     return count;
 }
 
+/// Of the pictures and forms, or of the fonts.
+size_t plainCount(std::string_view category, const PlainFile& file) {
+    PlainObject entries;
+    if (const int number = plainReference(category); number > 0)
+        file.read(number, entries);
+    else if (category.starts_with("<<"))
+        entries.readValue(category);
+    return entries.entries().size();
+}
+
+/// The words of resources that are plain and few.
+std::optional<PlainWords> wordsOfFew(int number, const PlainFile& file) {
+    try {
+        PlainObject resources;
+        file.read(number, resources);
+        size_t count = 0;
+        for (const char* key : trimmedCategories)
+            count += plainCount(resources.entry(key), file);
+        const bool areFew = count <= usualCount && resources.isDictionary() && !resources.isStream();
+        return areFew ? plainWords(resources, file) : std::nullopt;
+    } catch (const NotPlain&) {
+        return std::nullopt;
+    }
+}
+
 }  // namespace
 
 std::vector<QPDFObjectHandle> contentStreamsOf(const ParsedPage& page) {
@@ -140,8 +165,26 @@ std::vector<QPDFObjectHandle> contentStreamsOf(const ParsedPage& page) {
     return streams;
 }
 
-QPDFObjectHandle PageResources::of(const ParsedPage& page) {
+std::optional<QPDFObjectHandle> PageResources::copyInWords(const QPDFObjectHandle& resources,
+                                                           const PlainFile& file) {
+    if (!resources.isIndirect() || resources.getObjGen().getGen() != 0)
+        return std::nullopt;
+    if (m_lastInWords.isInitialized() && resources.isSameObjectAs(m_lastInWords))
+        return m_copyInWords;
+    const std::optional<PlainWords> words = wordsOfFew(resources.getObjGen().getObj(), file);
+    if (!words)
+        return std::nullopt;
+    m_lastInWords = resources;
+    m_copyInWords = m_copier.copyInWords(resources, *words);
+    return m_copyInWords;
+}
+
+QPDFObjectHandle PageResources::of(const ParsedPage& page, const PlainFile* file) {
     QPDFObjectHandle resources = page.resources;
+    if (file) {
+        if (const auto copy = copyInWords(resources, *file))
+            return *copy;
+    }
     if (resources.isNull())
         resources = page.outerResources;
     if (!resources.isDictionary())

@@ -3,6 +3,7 @@
 #include "engine/file/ParsedFile.h"
 #include "engine/output/ObjectCopier.h"
 
+#include <optional>
 #include <vector>
 
 namespace vellmora {
@@ -16,20 +17,24 @@ public:
     explicit PageResources(ObjectCopier& copier) : m_copier(copier) {}
 
     /// The page's resources, copied, without the pictures, forms and fonts that only other pages use: some
-    /// producers give every page the resources of the whole document. Empty where the page has none.
-    QPDFObjectHandle of(const ParsedPage& page);
+    /// producers give every page the resources of the whole document. Empty where the page has none. `file`
+    /// is the short way to them; null where there is none.
+    QPDFObjectHandle of(const ParsedPage& page, const PlainFile* file);
     /// What was copied before is not given again.
-    void forget() { m_last = QPDFObjectHandle(); }
+    void forget() { m_last = m_lastInWords = QPDFObjectHandle(); }
 
 private:
     QPDFObjectHandle copyOfWhole();
+    std::optional<QPDFObjectHandle> copyInWords(const QPDFObjectHandle& resources, const PlainFile& file);
 
     ObjectCopier& m_copier;
     /// What is known of the resources that were asked for last. Consecutive pages often share theirs, and
     /// they may have thousands of entries.
     QPDFObjectHandle m_last;
     bool m_hasMany = false;
-    QPDFObjectHandle m_copyOfLast;  ///< shared by pages that use all of it
+    QPDFObjectHandle m_copyOfLast;   ///< shared by pages that use all of it
+    QPDFObjectHandle m_lastInWords;  ///< those that were last put into words, and their copy
+    QPDFObjectHandle m_copyInWords;
 };
 
 }  // namespace vellmora

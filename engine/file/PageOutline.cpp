@@ -120,7 +120,7 @@ private:
         m_kids.readValue(kids);
         const std::vector<int>& numbers = m_kids.references();
         require(kids.find_first_of("[<", 1) == std::string_view::npos &&
-                m_kids.itemCount() == numbers.size());
+                m_kids.items().size() == numbers.size());
         // The first one is to be the next.
         std::transform(numbers.rbegin(), numbers.rend(), std::back_inserter(m_steps), [&texts](int number) {
             return Step{number, texts};
@@ -166,8 +166,6 @@ std::optional<PageOutline> PageOutline::read(const PlainFile& file) {
     try {
         return OutlineWalk(file).run();
     } catch (const NotPlain&) {
-        return std::nullopt;
-    } catch (const TextEnds&) {
         return std::nullopt;
     } catch (const QPDFExc&) {
         return std::nullopt;

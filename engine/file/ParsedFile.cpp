@@ -42,6 +42,7 @@ static bool hasCredibleTable(QPDF& file) {
 bool ParsedFile::hasMetDamage() const {
     bool hasMet = false;
     for (const QPDFExc& warning : m_qpdf.getWarnings()) {
+        m_isSound = false;
         if (warning.getMessageDetail().find(std::bad_alloc().what()) != std::string::npos)
             throw std::bad_alloc();
         hasMet |= warning.getErrorCode() == qpdf_e_damaged_pdf && !isOfTable(warning.getMessageDetail());

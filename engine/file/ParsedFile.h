@@ -38,7 +38,8 @@ public:
     /// A part of a file, which knows of no other pages. Nothing where the PDF library does not read it as the
     /// outline has it. Throws as `open` does.
     static std::unique_ptr<ParsedFile> openPart(const std::shared_ptr<const SnapshotReader>& content,
-                                                const PageOutline& outline, const PlainPart& part);
+                                                const PlainFile& file, const PageOutline& outline,
+                                                const PlainPart& part);
 
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     bool hasPage(qsizetype index) const { return index >= m_firstPage && index - m_firstPage < pageCount(); }
@@ -58,11 +59,14 @@ public:
     /// anything for want of memory, which it takes for damage.
     bool bringBackObjects() const;
     QPDFObjectHandle catalog() const { return m_catalog; }
+    /// The short way to the objects of a part: what it answers is what the PDF library reads. Null where
+    /// there is none, and from when on the library has met damage.
+    const PlainFile* plainFile() const { return m_isSound && m_plainFile ? &*m_plainFile : nullptr; }
 
 private:
     ParsedFile(std::shared_ptr<const SnapshotReader> content, Damage damage);
-    ParsedFile(std::shared_ptr<const SnapshotReader> content, const PageOutline& outline,
-               const PlainPart& part);
+    ParsedFile(std::shared_ptr<const SnapshotReader> content, const PlainFile& file,
+               const PageOutline& outline, const PlainPart& part);
     void addPage(int number, const PageOutline::Attributes& attributes);
     static std::unique_ptr<ParsedFile> choose(const std::shared_ptr<const SnapshotReader>& content,
                                               bool& isRepaired);
@@ -84,6 +88,8 @@ private:
     Damage m_reading;
     mutable std::unique_ptr<GivenUpObjects> m_givenUp;
     mutable bool m_allAreRead = false;  ///< all objects of the file: no more can be given up
+    std::optional<PlainFile> m_plainFile;
+    mutable bool m_isSound = true;  ///< as far as libqpdf has read it
     mutable QPDF m_qpdf;
     QPDFObjectHandle m_catalog;
     qsizetype m_firstPage = 0;

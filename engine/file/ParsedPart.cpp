@@ -9,9 +9,13 @@
 
 namespace vellmora {
 
-ParsedFile::ParsedFile(std::shared_ptr<const SnapshotReader> content, const PageOutline& outline,
-                       const PlainPart& part)
-    : m_content(std::move(content)), m_reading(Damage::refuse), m_firstPage(part.firstPage) {
+ParsedFile::ParsedFile(std::shared_ptr<const SnapshotReader> content, const PlainFile& file,
+                       const PageOutline& outline, const PlainPart& part)
+    : m_content(std::move(content)),
+      m_reading(Damage::refuse),
+      m_plainFile(file),
+      m_firstPage(part.firstPage) {
+    m_plainFile->beginReading();
     openFile(m_qpdf, *m_content, part.table);
     m_catalog = m_qpdf.getRoot();
     m_pages.reserve(static_cast<size_t>(part.pageCount));
@@ -38,10 +42,11 @@ void ParsedFile::addPage(int number, const PageOutline::Attributes& attributes) 
 }
 
 std::unique_ptr<ParsedFile> ParsedFile::openPart(const std::shared_ptr<const SnapshotReader>& content,
-                                                 const PageOutline& outline, const PlainPart& part) {
+                                                 const PlainFile& file, const PageOutline& outline,
+                                                 const PlainPart& part) {
     try {
-        std::unique_ptr<ParsedFile> file(new ParsedFile(content, outline, part));
-        return file->hasMetDamage() ? nullptr : std::move(file);
+        std::unique_ptr<ParsedFile> parsed(new ParsedFile(content, file, outline, part));
+        return parsed->hasMetDamage() ? nullptr : std::move(parsed);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {

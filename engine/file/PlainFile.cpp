@@ -18,7 +18,9 @@ constexpr size_t longestLine = 64;
 /// What most objects have room in.
 constexpr size_t usualLength = 2048;
 /// In a file that was made to cost time, objects lie in one another.
-constexpr size_t mostTimesRead = 2;
+constexpr size_t mostTimesRead = 4;
+/// Room for the keywords behind a stream, and the white space around them.
+constexpr size_t longestStreamEnd = 48;
 
 void require(bool isPlain) {
     if (!isPlain)
@@ -56,8 +58,6 @@ std::optional<PlainFile> PlainFile::open(const SnapshotReader& content) {
         }
         return file;
     } catch (const NotPlain&) {
-        return std::nullopt;
-    } catch (const TextEnds&) {
         return std::nullopt;
     }
 }
@@ -163,6 +163,33 @@ void PlainFile::read(int number, PlainObject& object) const {
             require(text.size() == length);
         }
     }
+}
+
+std::string_view PlainFile::statedLength(const PlainObject& stream) const {
+    const std::string_view stated = stream.entry("/Length");
+    const int number = plainReference(stated);
+    if (number <= 0) {
+        require(plainNumber(stated) >= 0);
+        return stated;
+    }
+    PlainObject length;
+    read(number, length);
+    require(plainNumber(length.value()) >= 0);
+    return length.value();
+}
+
+PlainFile::Range PlainFile::data(int number, const PlainObject& stream) const {
+    require(stream.isStream());
+    const size_t keywordEnd = position(number) + stream.length();
+    const std::string_view lineEnd = upTo(keywordEnd, 2);
+    require(lineEnd.starts_with('\n') || lineEnd == "\r\n");
+    const Range data{keywordEnd + (lineEnd.front() == '\n' ? 1 : 2), positionIn(statedLength(stream))};
+    const std::string_view rest = upTo(data.offset + data.length, longestStreamEnd);
+    const size_t keyword = behindBlanks(rest, 0);
+    constexpr std::string_view endOfData = "endstream";
+    require(rest.substr(keyword).starts_with(endOfData));
+    require(rest.substr(behindBlanks(rest, keyword + endOfData.size())).starts_with("endobj"));
+    return data;
 }
 
 }  // namespace vellmora

@@ -14,6 +14,12 @@ namespace vellmora {
 /// number of objects, and so does finding one.
 class PlainFile {
 public:
+    /// A part of the file, in bytes.
+    struct Range {
+        size_t offset = 0;
+        size_t length = 0;
+    };
+
     /// Nothing for other files, damaged ones too. The content must outlive the object. Throws `Error` where
     /// it cannot be read.
     static std::optional<PlainFile> open(const SnapshotReader& content);
@@ -21,7 +27,14 @@ public:
     /// Reads an object; what `object` held before is forgotten. Throws `NotPlain` where the file does not
     /// have it, and where more was read since `beginReading` than a sound file gives cause for.
     void read(int number, PlainObject& object) const;
-    /// From now on each object is read once.
+    /// The digits of a stream's /Length, behind the reference where it is one. Throws `NotPlain` where it is
+    /// nothing of the kind.
+    std::string_view statedLength(const PlainObject& stream) const;
+    /// Where the bytes of the stream lie that was read as the object of that number. Throws `NotPlain` where
+    /// their number is not the one that it states.
+    Range data(int number, const PlainObject& stream) const;
+
+    /// From now on each object is read once or twice, by one reader.
     void beginReading() const { m_bytesRead = 0; }
     /// What the file's bytes say of an object, to be used in another table: 20 bytes. Nothing where it says
     /// that there is none.

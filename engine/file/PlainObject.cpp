@@ -34,6 +34,19 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool isPrintable(char c) {
+    return c >= ' ' && c <= '~';
+}
+
+/// Of the numbers: no sign but a minus, no zeros that say nothing, digits on both sides of the point.
+bool isUsualNumber(std::string_view word) {
+    const std::string_view size = word.substr(word.front() == '-' ? 1 : 0);
+    const size_t point = size.find('.');
+    if (point != std::string_view::npos)
+        return isDigit(size.front()) && isDigit(size.back());
+    return isDigit(size.front()) && (size.front() != '0' || word == "0");
+}
+
 bool isHexDigit(char c) {
     return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
@@ -86,7 +99,8 @@ void PlainObject::readValue(std::string_view text) {
     m_isStream = false;
     m_entries.clear();
     m_references.clear();
-    m_itemCount = 0;
+    m_items.clear();
+    m_isVerbatim = true;
     skipBlanks();
     const size_t start = m_at;
     skipValue(0);
@@ -178,8 +192,10 @@ void PlainObject::skipArray(int level) {
             ++m_at;
             return;
         }
+        const size_t start = m_at;
         skipValue(level + 1);
-        m_itemCount += level == 0 ? 1 : 0;
+        if (level == 0)
+            m_items.push_back(m_text.substr(start, m_at - start));
     }
 }
 
@@ -193,11 +209,13 @@ void PlainObject::skipString() {
             --open;
         else if (c == '\\')
             ++m_at;
+        m_isVerbatim &= isPrintable(c) && c != '\\' && open <= 1;
         ++m_at;
     } while (open > 0);
 }
 
 void PlainObject::skipHexString() {
+    m_isVerbatim = false;
     for (; next() != '>'; ++m_at)
         require(isHexDigit(m_text[m_at]) || kindOf(m_text[m_at]) == blank);
     ++m_at;
@@ -211,7 +229,9 @@ std::string_view PlainObject::takeName() {
     for (size_t sign = rest.find('#'); sign != std::string_view::npos; sign = rest.find('#', sign + 1)) {
         require(sign + 2 < rest.size() && isHexDigit(rest[sign + 1]) && isHexDigit(rest[sign + 2]));
         require(rest.substr(sign + 1, 2) != "00");
+        m_isVerbatim = false;
     }
+    m_isVerbatim &= !rest.empty() && std::all_of(rest.begin(), rest.end(), isPrintable);
     return m_text.substr(start, m_at - start);
 }
 
@@ -227,11 +247,12 @@ void PlainObject::skipNumber() {
         require(isDigit(word[i]) || word[i] == '.');
     }
     require(digits > 0 && points <= 1);
-    skipReference(word);
+    if (!skipReference(word))
+        m_isVerbatim &= isUsualNumber(word);
 }
 
-/// What follows a number where the two begin a reference.
-void PlainObject::skipReference(std::string_view number) {
+/// What follows a number where the two begin a reference; false where they do not.
+bool PlainObject::skipReference(std::string_view number) {
     const size_t start = m_at;
     skipBlanks();
     if (m_at > start && next() == '0') {
@@ -242,10 +263,11 @@ void PlainObject::skipReference(std::string_view number) {
             const int target = plainNumber(number);
             require(isObjectNumber(target));
             m_references.push_back(target);
-            return;
+            return true;
         }
     }
     m_at = start;
+    return false;
 }
 
 }  // namespace vellmora

@@ -12,7 +12,7 @@ namespace vellmora {
 struct NotPlain : std::exception {};
 
 /// The text ends before the object does.
-struct TextEnds : std::exception {};
+struct TextEnds : NotPlain {};
 
 /// An object of a file as it stands there, read without the PDF library: a hundred times quicker, and nothing
 /// is kept of it. Only what every reader takes in the same way is read, all else is `NotPlain`: no comments,
@@ -22,7 +22,8 @@ public:
     using Entry = std::pair<std::string_view, std::string_view>;
 
     /// Reads the object of that number, which the text begins with, up to its "endobj" or "stream". The text
-    /// is to live as long as what was read is used. Throws `NotPlain` or `TextEnds`.
+    /// is to live as long as what was read is used. Throws `NotPlain`, where it goes on behind the text
+    /// `TextEnds`.
     void read(std::string_view text, int number);
     /// Reads a value without an object around it; the text may go on behind it.
     void readValue(std::string_view text);
@@ -36,8 +37,11 @@ public:
     std::string_view entry(std::string_view key) const;
     /// The numbers of all objects that it refers to, in their order.
     const std::vector<int>& references() const { return m_references; }
-    /// How many values an array has.
-    size_t itemCount() const { return m_itemCount; }
+    /// Of an array: the texts of its values.
+    const std::vector<std::string_view>& items() const { return m_items; }
+    /// Whether each of its words can stand in a new file as it stands here: numbers, names and strings that
+    /// are written in the one way that needs no thought.
+    bool isVerbatim() const { return m_isVerbatim; }
     /// How far the text was read.
     size_t length() const { return m_at; }
     std::string_view value() const { return m_value; }
@@ -54,7 +58,7 @@ private:
     std::string_view takeName();
     void skipNumber();
     std::string_view takeRegular();
-    void skipReference(std::string_view number);
+    bool skipReference(std::string_view number);
 
     std::string_view m_text;
     size_t m_at = 0;
@@ -62,7 +66,8 @@ private:
     bool m_isStream = false;
     std::vector<Entry> m_entries;
     std::vector<int> m_references;
-    size_t m_itemCount = 0;
+    std::vector<std::string_view> m_items;
+    bool m_isVerbatim = true;
 };
 
 /// The number that a text consists of, of up to nine digits; below zero for any other text.

@@ -178,8 +178,6 @@ std::optional<PlainPart> partOf(const PlainFile& file, const PageOutline& outlin
                          tableOf(file, search.found(), search.pages(), position)};
     } catch (const NotPlain&) {
         return std::nullopt;
-    } catch (const TextEnds&) {
-        return std::nullopt;
     }
 }
 

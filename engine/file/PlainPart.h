@@ -13,8 +13,9 @@ namespace vellmora {
 struct PlainPart {
     qsizetype firstPage = 0;
     qsizetype pageCount = 0;
-    /// To stand behind the content at `position`: a root of the page tree that has no pages, a cross-reference
-    /// table that names this root, the objects of the part and no others, and the file's last line.
+    /// To stand behind the content at `position`: a root of the page tree that has no pages, a
+    /// cross-reference table that names this root, the objects of the part and no others, and the file's last
+    /// line.
     std::string table;
 };
 

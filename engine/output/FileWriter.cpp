@@ -45,12 +45,18 @@ FileWriter::FileWriter(PDFDataConsumer& consumer)
     put(header);
 }
 
-void FileWriter::writeObjects(const StoredStreams& streams) {
+void FileWriter::writeObjects(const StoredStreams& streams, const CopiedTexts& texts) {
     for (; m_next <= m_numbers.count(); ++m_next) {
         const Handle object = m_numbers.object(m_next);
         if (!object.isInitialized())
             continue;
-        if (Handle(object).isStream()) {
+        const CopiedText* text = texts.find(object);
+        if (text && text->data) {
+            writeCopiedStream(m_next, *text);
+        } else if (text) {
+            beginPacked(m_next);
+            m_packedText.add(*text);
+        } else if (Handle(object).isStream()) {
             writeStream(m_next, object, streams);
         } else {
             beginPacked(m_next);
@@ -97,12 +103,26 @@ void FileWriter::writeStream(int number, Handle stream, const StoredStreams& str
 
 void FileWriter::writeStreamObject(int number, Entries entries, std::string_view data) {
     entries["/Length"] = Handle::newInteger(static_cast<long long>(data.size()));
+    beginStream(number);
+    m_streamText.addDictionary(entries);
+    endStream(data);
+}
+
+void FileWriter::writeCopiedStream(int number, const CopiedText& stream) {
+    beginStream(number);
+    m_streamText.add(stream);
+    endStream(stream.data->bytes());
+}
+
+void FileWriter::beginStream(int number) {
     setPlace(number, {m_position, 0, 0});
     m_streamText.clear();
     m_streamText.add(std::to_string(number));
     m_streamText.add("0");
     m_streamText.add("obj");
-    m_streamText.addDictionary(entries);
+}
+
+void FileWriter::endStream(std::string_view data) {
     m_streamText.add("stream\n");
     put(m_streamText.text());
     put(data);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/objects/ObjectPlaces.h"
+#include "engine/output/CopiedText.h"
 #include "engine/output/ObjectText.h"
 #include "engine/output/StoredStreams.h"
 #include "pdf/PDFDataConsumer.h"
@@ -22,9 +23,10 @@ public:
     /// The numbers of the objects. What has one is written.
     ObjectNumbers& numbers() { return m_numbers; }
     /// Writes all that can be reached from the objects that have a number, and is not written yet. `streams`
-    /// knows where the sources have the bytes of those streams that were carried over. Throws what the
-    /// consumer throws, and what the sources do that cannot be read any more.
-    void writeObjects(const StoredStreams& streams);
+    /// knows where the sources have the bytes of those streams that were carried over, `texts` which objects
+    /// are in words already. Throws what the consumer throws, and what the sources do that cannot be read any
+    /// more.
+    void writeObjects(const StoredStreams& streams, const CopiedTexts& texts);
     /// The objects are those of another output from now on. Those of the last one are written.
     void beginPart();
     /// An object for a number that was reserved.
@@ -36,6 +38,9 @@ private:
     void writeStream(int number, QPDFObjectHandle stream, const StoredStreams& streams);
     void writeStreamObject(int number, std::map<std::string, QPDFObjectHandle> entries,
                            std::string_view data);
+    void writeCopiedStream(int number, const CopiedText& stream);
+    void beginStream(int number);
+    void endStream(std::string_view data);
     void beginPacked(int number);
     void writePackedObjects();
     void setPlace(int number, const ObjectPlace& place);

@@ -10,13 +10,53 @@
 namespace vellmora {
 
 QPDFObjectHandle ObjectCopier::copy(const QPDFObjectHandle& object) {
-    const QPDFObjectHandle result = counterpart(object);
+    QPDFObjectHandle result = counterpart(object);
+    fillPending();
+    return result;
+}
+
+void ObjectCopier::fillPending() {
     while (!m_pending.empty()) {
         const auto [target, source] = std::move(m_pending.back());
         m_pending.pop_back();
         fill(target, source);
     }
-    return result;
+}
+
+const ParsedFile* ObjectCopier::fileOf(const QPDFObjectHandle& object) const {
+    const auto file = m_files.find(object.getOwningQPDF());
+    return file == m_files.end() ? nullptr : file->second;
+}
+
+ObjectCopier::Source ObjectCopier::sourceOf(const QPDFObjectHandle& object) const {
+    const ParsedFile* file = fileOf(object);
+    return {file ? &file->content() : nullptr, object.getObjGen()};
+}
+
+QPDFObjectHandle ObjectCopier::copyInWords(const QPDFObjectHandle& object, const PlainWords& words) {
+    const auto [known, isNew] = m_copies.try_emplace(sourceOf(object));
+    if (isNew) {
+        m_copiedInStep.push_back(known->first);
+        known->second = m_texts.makeObject(m_output);
+        m_texts.set(known->second, textOf(words, *object.getOwningQPDF()));
+        fillPending();
+    }
+    return known->second;
+}
+
+/// References may lead to objects that are put into words too.
+CopiedText ObjectCopier::textOf(const PlainWords& words, QPDF& file) {
+    ObjectText text;
+    ++m_nestingOfWords;
+    text.add(words, [&](int number) { return counterpart(file.getObject(number, 0)); });
+    --m_nestingOfWords;
+    return text.take();
+}
+
+QPDFObjectHandle ObjectCopier::add(CopiedText text) {
+    QPDFObjectHandle object = m_texts.makeObject(m_output);
+    m_texts.set(object, std::move(text));
+    return object;
 }
 
 void ObjectCopier::forgetStep() {
@@ -48,10 +88,10 @@ void ObjectCopier::carryData(QPDFObjectHandle target, const QPDFObjectHandle& so
     target.replaceStreamData(std::make_shared<RawStream>(source), QPDFObjectHandle::newNull(),
                              QPDFObjectHandle::newNull());
     m_carriedStreams.push_back(target);
-    const auto file = m_files.find(source.getOwningQPDF());
-    if (file == m_files.end() || !file->second.hasPlainStreams)
+    const ParsedFile* file = fileOf(source);
+    if (!file || file->isEncrypted())
         return;
-    if (const auto bytes = storedBytes(source, *file->second.content))
+    if (const auto bytes = storedBytes(source, file->content()))
         m_storedStreams.add(target, *bytes);
 }
 
@@ -66,13 +106,14 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     if (levels == 0)
         return QPDFObjectHandle::newNull();
     if (object.isIndirect()) {
-        const auto [known, isNew] =
-            m_copies.try_emplace({m_files[object.getOwningQPDF()].content, object.getObjGen()});
-        if (isNew) {
-            m_copiedInStep.push_back(known->first);
-            const auto written = standIn(known->first, object);
-            known->second = written ? *written : makeCounterpart(object);
-        }
+        const auto [known, isNew] = m_copies.try_emplace(sourceOf(object));
+        if (!isNew)
+            return known->second;
+        m_copiedInStep.push_back(known->first);
+        if (const auto written = standIn(known->first, object))
+            known->second = *written;
+        else if (!copyReady(known->second, object))
+            known->second = makeCounterpart(object);
         return known->second;
     }
     if (!object.isDictionary() && !object.isArray())
@@ -84,8 +125,11 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     return result;
 }
 
-/// The kinds of objects that pages share, and that nobody looks into once they are copied. A form is not
-/// among them where its copy may be given what it lacks.
+/// The types of dictionaries that pages share, and that nobody looks into once they are copied.
+constexpr std::array<std::string_view, 6> sharedTypes{"/Font", "/FontDescriptor", "/ExtGState",
+                                                      "/OCG",  "/OCMD",           "/Pattern"};
+
+/// The same of all kinds of objects. A form is not among them where its copy may be given what it lacks.
 static bool isShared(QPDFObjectHandle object) {
     if (object.isStream()) {
         QPDFObjectHandle dictionary = object.getDict();
@@ -94,10 +138,90 @@ static bool isShared(QPDFObjectHandle object) {
     }
     if (!object.isDictionary())
         return false;
-    constexpr std::array kinds{"/Font", "/FontDescriptor", "/ExtGState", "/OCG", "/OCMD", "/Pattern"};
     QPDFObjectHandle type = object.getKey("/Type");
-    return std::any_of(kinds.begin(), kinds.end(),
-                       [&type](const char* kind) { return type.isNameAndEquals(kind); });
+    return std::any_of(sharedTypes.begin(), sharedTypes.end(),
+                       [&type](std::string_view shared) { return type.isNameAndEquals(shared.data()); });
+}
+
+static bool holdsReference(std::string_view value) {
+    if (value.starts_with("<<") || value.starts_with('[')) {
+        PlainObject inner;
+        inner.readValue(value);
+        return !inner.references().empty();
+    }
+    return plainReference(value) > 0;
+}
+
+/// What is written as it stands: pictures, and what is compressed. Other streams are looked at before they
+/// are written.
+static bool isReadyStream(const PlainObject& stream) {
+    constexpr std::array keysToLookAt{
+        "/BBox", "/N", "/Metadata", "/PieceInfo", "/LastModified", "/StructParent", "/StructParents"};
+    const bool isFinal = !stream.entry("/Filter").empty() || stream.entry("/Subtype") == "/Image";
+    return isFinal && !holdsReference(stream.entry("/Filter")) &&
+           !holdsReference(stream.entry("/DecodeParms")) &&
+           std::all_of(keysToLookAt.begin(), keysToLookAt.end(),
+                       [&stream](const char* key) { return stream.entry(key).empty(); });
+}
+
+/// Of a picture: one that may have to be replaced stands in its dictionary afterwards.
+static bool hasFinalColorSpace(const PlainObject& stream, const PlainFile& file) {
+    const int number = plainReference(stream.entry("/ColorSpace"));
+    if (number <= 0)
+        return true;
+    PlainObject space;
+    file.read(number, space);
+    return plainWords(space, file).has_value();
+}
+
+static bool isReady(const PlainObject& object, const PlainFile& file) {
+    return object.isStream() ? isReadyStream(object) && hasFinalColorSpace(object, file)
+                             : std::find(sharedTypes.begin(), sharedTypes.end(), object.entry("/Type")) !=
+                                   sharedTypes.end();
+}
+
+namespace {
+
+/// An object that is shared by pages, and that nobody looks into once it is copied.
+struct ReadyObject {
+    PlainWords words;
+    std::optional<StoredBytes> data;
+};
+
+std::optional<ReadyObject> findReady(const PlainFile& file, int number) {
+    try {
+        PlainObject object;
+        file.read(number, object);
+        std::optional<PlainWords> words = isReady(object, file) ? plainWords(object, file) : std::nullopt;
+        if (!words)
+            return std::nullopt;
+        if (!object.isStream())
+            return ReadyObject{std::move(*words), {}};
+        const PlainFile::Range data = file.data(number, object);
+        return ReadyObject{std::move(*words), StoredBytes{&file.content(), data.offset, data.length}};
+    } catch (const NotPlain&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+/// False for objects of other kinds.
+bool ObjectCopier::copyReady(QPDFObjectHandle& target, const QPDFObjectHandle& object) {
+    const ParsedFile* file = fileOf(object);
+    const PlainFile* plain = file ? file->plainFile() : nullptr;
+    if (!plain || object.getObjGen().getGen() != 0 || m_nestingOfWords == maxNestingOfWords)
+        return false;
+    const std::optional<ReadyObject> ready = findReady(*plain, object.getObjGen().getObj());
+    if (!ready)
+        return false;
+    ++m_count;
+    target = m_texts.makeObject(m_output);
+    CopiedText copied = textOf(ready->words, *object.getOwningQPDF());
+    copied.data = ready->data;
+    copied.isSharedByPages = true;
+    m_texts.set(target, std::move(copied));
+    return true;
 }
 
 std::optional<QPDFObjectHandle> ObjectCopier::standIn(const Source& source, QPDFObjectHandle object) {
@@ -115,7 +239,9 @@ void ObjectCopier::tellWritten(const ObjectNumbers& numbers, const std::set<QPDF
                                WrittenObjects& written) const {
     for (const auto& [source, copy] : m_copies) {
         const int number = copy.isIndirect() ? numbers.find(copy) : 0;
-        if (number > 0 && isShared(copy) && except.count(copy.getObjGen()) == 0)
+        const CopiedText* text = m_texts.find(copy);
+        const bool isSharedByPages = text ? text->isSharedByPages : isShared(copy);
+        if (number > 0 && isSharedByPages && except.count(copy.getObjGen()) == 0)
             written.add(source.first, source.second, number);
     }
 }

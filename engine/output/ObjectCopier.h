@@ -1,6 +1,8 @@
 #pragma once
 
+#include "engine/file/ParsedFile.h"
 #include "engine/objects/Qpdf.h"
+#include "engine/output/CopiedText.h"
 #include "engine/output/ObjectText.h"
 #include "engine/output/StoredStreams.h"
 #include "engine/output/WrittenObjects.h"
@@ -25,15 +27,18 @@ public:
     /// draws.
     QPDFObjectHandle copy(const QPDFObjectHandle& object);
 
+    /// The counterpart of an object of a file whose words are known, which is no stream and no page. It can
+    /// be referred to, but not be looked at.
+    QPDFObjectHandle copyInWords(const QPDFObjectHandle& object, const PlainWords& words);
+    /// A new object of the output with these words.
+    QPDFObjectHandle add(CopiedText text);
+
     /// Gives a stream of the output the bytes of one of a source, as they are stored.
     void carryData(QPDFObjectHandle target, const QPDFObjectHandle& source);
 
-    /// To be called before objects of the source are copied: the file that it was read from. Several sources
-    /// may be parts of one file; an object of it is copied once. Where its streams lie in the file as they
-    /// are, their bytes need not be copied.
-    void addFile(const QPDF* source, const SnapshotReader& file, bool hasPlainStreams) {
-        m_files[source] = {&file, hasPlainStreams};
-    }
+    /// To be called before objects of the file are copied. Several may be parts of one; an object of it is
+    /// copied once.
+    void addFile(const ParsedFile& file) { m_files[file.catalog().getOwningQPDF()] = &file; }
 
     /// From now on: objects that are met the first time from then on can be forgotten.
     void beginStep() { m_copiedInStep.clear(); }
@@ -52,29 +57,34 @@ public:
 
     QPDF& output() { return m_output; }
     const StoredStreams& storedStreams() const { return m_storedStreams; }
+    const CopiedTexts& copiedTexts() const { return m_texts; }
     /// All streams that got the bytes of one of a source.
     const std::vector<QPDFObjectHandle>& carriedStreams() const { return m_carriedStreams; }
 
 private:
-    struct File {
-        const SnapshotReader* content = nullptr;
-        bool hasPlainStreams = false;
-    };
     using Source = std::pair<const SnapshotReader*, QPDFObjGen>;
 
-    static constexpr int maxNesting = 500;  ///< of direct objects within one another
+    static constexpr int maxNesting = 500;        ///< of direct objects within one another
+    static constexpr int maxNestingOfWords = 20;  ///< of objects that refer to one another
 
+    const ParsedFile* fileOf(const QPDFObjectHandle& object) const;
+    Source sourceOf(const QPDFObjectHandle& object) const;
+    void fillPending();
     QPDFObjectHandle counterpart(QPDFObjectHandle object, int levels = maxNesting);
     QPDFObjectHandle makeCounterpart(QPDFObjectHandle object);
     void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
+    CopiedText textOf(const PlainWords& words, QPDF& file);
+    bool copyReady(QPDFObjectHandle& target, const QPDFObjectHandle& object);
 
     std::optional<QPDFObjectHandle> standIn(const Source& source, QPDFObjectHandle object);
 
     QPDF& m_output;
     const WrittenObjects& m_written;
     std::vector<std::pair<QPDFObjectHandle, int>> m_standIns;
-    std::map<const QPDF*, File> m_files;
+    std::map<const QPDF*, const ParsedFile*> m_files;
     StoredStreams m_storedStreams;
+    CopiedTexts m_texts;
+    int m_nestingOfWords = 0;
     std::vector<QPDFObjectHandle> m_carriedStreams;
     std::map<Source, QPDFObjectHandle> m_copies;
     size_t m_count = 0;

@@ -62,10 +62,51 @@ std::string escaped(char c) {
 
 }  // namespace
 
-void ObjectText::add(std::string_view word) {
-    if (!m_text.empty() && !endsWord(m_text.back()) && !startsWord(word.front()))
+void ObjectText::separate(char next) {
+    if (!m_text.empty() && !endsWord(m_text.back()) && !startsWord(next))
         m_text += ' ';
+}
+
+void ObjectText::add(std::string_view word) {
+    separate(word.front());
     m_text += word;
+}
+
+void ObjectText::add(const CopiedText& copied) {
+    const std::string_view text = copied.text;
+    separate(text.front());
+    size_t done = 0;
+    for (const auto& [position, object] : copied.gaps) {
+        m_text += text.substr(done, position - done);
+        m_text += std::to_string(m_numbers->of(object));
+        done = position;
+    }
+    m_text += text.substr(done);
+}
+
+void ObjectText::add(const PlainWords& words, const Counterpart& counterpart) {
+    for (const PlainWord& word : words) {
+        if (word.number == 0) {
+            add(word.text);
+            continue;
+        }
+        const QPDFObjectHandle object = counterpart(word.number);
+        // An entry that is null is none.
+        if (!word.text.empty() && QPDFObjectHandle(object).isNull())
+            continue;
+        if (!word.text.empty())
+            add(word.text);
+        addValue(object);
+    }
+}
+
+void ObjectText::addReference(const QPDFObjectHandle& object) {
+    separate('0');
+    if (m_numbers)
+        m_text += std::to_string(m_numbers->of(object));
+    else
+        m_gaps.push_back({m_text.size(), object});
+    m_text += " 0 R";
 }
 
 void ObjectText::addName(const std::string& name) {
@@ -80,13 +121,10 @@ void ObjectText::addName(const std::string& name) {
 }
 
 void ObjectText::addValue(const QPDFObjectHandle& value) {
-    if (!value.isIndirect()) {
+    if (value.isIndirect())
+        addReference(value);
+    else
         addContent(value);
-        return;
-    }
-    add(std::to_string(m_numbers.of(value)));
-    add("0");
-    add("R");
 }
 
 void ObjectText::addDictionary(const std::map<std::string, QPDFObjectHandle>& entries) {

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "engine/file/PlainWords.h"
 #include "engine/objects/Qpdf.h"
+#include "engine/output/CopiedText.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vellmora {
@@ -42,23 +46,36 @@ private:
 class ObjectText {
 public:
     /// What is referred to gets its number from `numbers`.
-    explicit ObjectText(ObjectNumbers& numbers) : m_numbers(numbers) {}
+    explicit ObjectText(ObjectNumbers& numbers) : m_numbers(&numbers) {}
+    /// For a text with gaps in place of the numbers.
+    ObjectText() = default;
 
     /// A word of its own.
     void add(std::string_view word);
+    /// The words of a text, with numbers in its gaps.
+    void add(const CopiedText& copied);
+    /// `counterpart` answers the object of the output that a reference to this number leads to.
+    using Counterpart = std::function<QPDFObjectHandle(int number)>;
+    void add(const PlainWords& words, const Counterpart& counterpart);
     /// What the object holds, also where it is an indirect one. Of a stream the dictionary.
     void addContent(QPDFObjectHandle object);
     void addDictionary(const std::map<std::string, QPDFObjectHandle>& entries);
+    /// A reference, or what the object holds where it is no indirect one.
+    void addValue(const QPDFObjectHandle& value);
 
     const std::string& text() const { return m_text; }
+    /// The text with its gaps, which is not here any more then.
+    CopiedText take() { return {std::move(m_text), std::move(m_gaps)}; }
     void clear() { m_text.clear(); }
 
 private:
-    void addValue(const QPDFObjectHandle& value);
     void addName(const std::string& name);
+    void addReference(const QPDFObjectHandle& object);
+    void separate(char next);
 
-    ObjectNumbers& m_numbers;
+    ObjectNumbers* m_numbers = nullptr;
     std::string m_text;
+    std::vector<CopiedText::Gap> m_gaps;
 };
 
 }  // namespace vellmora
