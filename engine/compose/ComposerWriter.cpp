@@ -39,10 +39,8 @@ void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& fil
     useSource(file);
     m_part->copier.beginStep();
     const OpenPage begun = m_page;
-    const bool hasShortWay = source.plainFile() != nullptr;
     drawParts(source, page, box);
-    const bool areBack = source.bringBackObjects();
-    if (areBack || (hasShortWay && !source.plainFile())) {
+    if (source.bringBackObjects()) {
         m_part->copier.forgetStep();
         m_part->resources.forget();
         m_page.content = begun.content;
