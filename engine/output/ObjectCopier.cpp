@@ -1,9 +1,9 @@
 #include "engine/output/ObjectCopier.h"
 
 #include "engine/objects/RawStream.h"
+#include "engine/output/SharedObjects.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <optional>
 
@@ -112,7 +112,7 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
         m_copiedInStep.push_back(known->first);
         if (const auto written = standIn(known->first, object))
             known->second = *written;
-        else if (!copyReady(known->second, object))
+        else if (!copyShared(known->second, object))
             known->second = makeCounterpart(object);
         return known->second;
     }
@@ -125,100 +125,19 @@ QPDFObjectHandle ObjectCopier::counterpart(QPDFObjectHandle object, int levels) 
     return result;
 }
 
-/// The types of dictionaries that pages share, and that nobody looks into once they are copied.
-constexpr std::array<std::string_view, 6> sharedTypes{"/Font", "/FontDescriptor", "/ExtGState",
-                                                      "/OCG",  "/OCMD",           "/Pattern"};
-
-/// The same of all kinds of objects. A form is not among them where its copy may be given what it lacks.
-static bool isShared(QPDFObjectHandle object) {
-    if (object.isStream()) {
-        QPDFObjectHandle dictionary = object.getDict();
-        return !dictionary.hasKey("/BBox") ||
-               (dictionary.hasKey("/Subtype") && dictionary.getKey("/Resources").isDictionary());
-    }
-    if (!object.isDictionary())
-        return false;
-    QPDFObjectHandle type = object.getKey("/Type");
-    return std::any_of(sharedTypes.begin(), sharedTypes.end(),
-                       [&type](std::string_view shared) { return type.isNameAndEquals(shared.data()); });
-}
-
-static bool holdsReference(std::string_view value) {
-    if (value.starts_with("<<") || value.starts_with('[')) {
-        PlainObject inner;
-        inner.readValue(value);
-        return !inner.references().empty();
-    }
-    return plainReference(value) > 0;
-}
-
-/// What is written as it stands: pictures, and what is compressed. Other streams are looked at before they
-/// are written.
-static bool isReadyStream(const PlainObject& stream) {
-    constexpr std::array keysToLookAt{
-        "/BBox", "/N", "/Metadata", "/PieceInfo", "/LastModified", "/StructParent", "/StructParents"};
-    const bool isFinal = !stream.entry("/Filter").empty() || stream.entry("/Subtype") == "/Image";
-    return isFinal && !holdsReference(stream.entry("/Filter")) &&
-           !holdsReference(stream.entry("/DecodeParms")) &&
-           std::all_of(keysToLookAt.begin(), keysToLookAt.end(),
-                       [&stream](const char* key) { return stream.entry(key).empty(); });
-}
-
-/// Of a picture: one that may have to be replaced stands in its dictionary afterwards.
-static bool hasFinalColorSpace(const PlainObject& stream, const PlainFile& file) {
-    const int number = plainReference(stream.entry("/ColorSpace"));
-    if (number <= 0)
-        return true;
-    PlainObject space;
-    file.read(number, space);
-    return plainWords(space, file).has_value();
-}
-
-static bool isReady(const PlainObject& object, const PlainFile& file) {
-    return object.isStream() ? isReadyStream(object) && hasFinalColorSpace(object, file)
-                             : std::find(sharedTypes.begin(), sharedTypes.end(), object.entry("/Type")) !=
-                                   sharedTypes.end();
-}
-
-namespace {
-
-/// An object that is shared by pages, and that nobody looks into once it is copied.
-struct ReadyObject {
-    PlainWords words;
-    std::optional<StoredBytes> data;
-};
-
-std::optional<ReadyObject> findReady(const PlainFile& file, int number) {
-    try {
-        PlainObject object;
-        file.read(number, object);
-        std::optional<PlainWords> words = isReady(object, file) ? plainWords(object, file) : std::nullopt;
-        if (!words)
-            return std::nullopt;
-        if (!object.isStream())
-            return ReadyObject{std::move(*words), {}};
-        const PlainFile::Range data = file.data(number, object);
-        return ReadyObject{std::move(*words), StoredBytes{&file.content(), data.offset, data.length}};
-    } catch (const NotPlain&) {
-        return std::nullopt;
-    }
-}
-
-}  // namespace
-
-/// False for objects of other kinds.
-bool ObjectCopier::copyReady(QPDFObjectHandle& target, const QPDFObjectHandle& object) {
+/// In words; false for an object that is not shared, or not plain.
+bool ObjectCopier::copyShared(QPDFObjectHandle& target, const QPDFObjectHandle& object) {
     const ParsedFile* file = fileOf(object);
     const PlainFile* plain = file ? file->plainFile() : nullptr;
     if (!plain || object.getObjGen().getGen() != 0 || m_nestingOfWords == maxNestingOfWords)
         return false;
-    const std::optional<ReadyObject> ready = findReady(*plain, object.getObjGen().getObj());
-    if (!ready)
+    const std::optional<PlainSharedObject> shared = plainSharedObject(*plain, object.getObjGen().getObj());
+    if (!shared)
         return false;
     ++m_count;
     target = m_texts.makeObject(m_output);
-    CopiedText copied = textOf(ready->words, *object.getOwningQPDF());
-    copied.data = ready->data;
+    CopiedText copied = textOf(shared->words, *object.getOwningQPDF());
+    copied.data = shared->data;
     copied.isSharedByPages = true;
     m_texts.set(target, std::move(copied));
     return true;
@@ -240,8 +159,8 @@ void ObjectCopier::tellWritten(const ObjectNumbers& numbers, const std::set<QPDF
     for (const auto& [source, copy] : m_copies) {
         const int number = copy.isIndirect() ? numbers.find(copy) : 0;
         const CopiedText* text = m_texts.find(copy);
-        const bool isSharedByPages = text ? text->isSharedByPages : isShared(copy);
-        if (number > 0 && isSharedByPages && except.count(copy.getObjGen()) == 0)
+        const bool isShared = text ? text->isSharedByPages : isSharedByPages(copy);
+        if (number > 0 && isShared && except.count(copy.getObjGen()) == 0)
             written.add(source.first, source.second, number);
     }
 }

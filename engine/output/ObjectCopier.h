@@ -74,7 +74,7 @@ private:
     QPDFObjectHandle makeCounterpart(QPDFObjectHandle object);
     void fill(QPDFObjectHandle target, QPDFObjectHandle source, int levels = maxNesting);
     CopiedText textOf(const PlainWords& words, QPDF& file);
-    bool copyReady(QPDFObjectHandle& target, const QPDFObjectHandle& object);
+    bool copyShared(QPDFObjectHandle& target, const QPDFObjectHandle& object);
 
     std::optional<QPDFObjectHandle> standIn(const Source& source, QPDFObjectHandle object);
 

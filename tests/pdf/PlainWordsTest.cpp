@@ -159,10 +159,10 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
     const std::string profile =
         std::string(16, '\0') + "RGB " + std::string(16, '\0') + "acsp" + std::string(36, '\0');
     const std::string hexProfile = QByteArray::fromStdString(profile).toHex().toStdString() + '>';
-    const std::string content = stream("/Filter/FlateDecode", "x\x9c\x03\0\0\0\0\1");
+    const std::string content = stream("/Filter/FlateDecode", "x\x9c\x03");
     const std::string picture = "/Subtype/Image/Width 1/Height 1/BitsPerComponent 8";
     const std::string square = "<</Subtype/Square/Rect[0 0 9 9]/C[1 0 0]>>";
-    const PageWithObjects cases[] = {
+    const std::vector<PageWithObjects> cases{
         {"/Resources @0",
          {"<</Font<</F1 @1>>/ProcSet[/PDF/Text]/Properties null>>",
           "<</Type/Font/Subtype/Type1/Widths @2/FontDescriptor @3>>", "[1 2 3]",
