@@ -51,7 +51,7 @@ class LengthRows:
         source_size = source.stat().st_size / MEGABYTE
         what = f"save {NAME}"
         # Once each: they take minutes.
-        peers = [Row(what, elapsed, "faster", 1, f"{peer}, once", [saving.timed(command)], True)
+        peers = [Row(what, elapsed, "faster", 1, f"{peer}, once", [saving.timed(source, command)], True)
                  for peer, command in peer_commands(saving.inputs, source, saving.target).items()]
         return [
             Row(what, elapsed, "at most 3 s", SAVE_LIMIT),

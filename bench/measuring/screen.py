@@ -3,10 +3,12 @@ import json
 import subprocess
 import time
 from contextlib import contextmanager
+from pathlib import Path
 
 from lib.virtual_desktop import WAIT_SECONDS, Accessibility, VirtualDesktop
 
 from .processes import wait_for_rest
+from .warm_files import files_of, warm
 
 WHOLE_SCREEN = (0, 0, 1600, 1000)
 REST = 800  # milliseconds without any drawing after which nothing more is to come
@@ -20,6 +22,7 @@ class Screen:
         self.desktop = VirtualDesktop(folder)
         self.programs = programs
         self.folders = 0
+        self.files = {}  # of each program that was started before
 
     def __enter__(self):
         self.desktop.start()
@@ -74,8 +77,9 @@ class Screen:
                                 env={**(env or self.desktop.env), **home}, cwd=self.desktop.folder,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
 
-    @staticmethod
-    def end(process):
+    def end(self, process):
+        program = Path(process.args[0])
+        self.files[program] = self.files.get(program, set()) | files_of(process.pid)
         process.terminate()
         process.wait(STOP_SECONDS)
         process.stdout.close()
@@ -83,6 +87,7 @@ class Screen:
     @contextmanager
     def running(self, program, *arguments, home, env=None):
         """The program once its window is there; with the time that this took."""
+        warm(self.files.get(self.programs / program, ()))
         watching = self.probe("watch", WHOLE_SCREEN)
         started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
         process = self.started(program, *arguments, home=home, env=env)
@@ -98,6 +103,7 @@ class Screen:
 
     def time_to_rest(self, program, home):
         """Until the window is complete and all threads of the program and its helpers sleep."""
+        warm(self.files.get(self.programs / program, ()))
         watching = self.probe("watch", WHOLE_SCREEN)
         started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
         process = self.started(program, home=home)
@@ -133,4 +139,5 @@ class Screen:
 
     def open_document(self, path, area):
         self.choose_document(path)
+        warm([path])
         return self.use("key", area, "Return")
