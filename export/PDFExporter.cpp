@@ -4,7 +4,6 @@
 #include "pdf/DamageText.h"
 #include "pdf/PDFContext.h"
 
-#include <QCryptographicHash>
 #include <QHash>
 
 namespace vellmora {
@@ -21,10 +20,9 @@ public:
         const char* bytes = stamp.imageData.constData();
         if (const auto known = m_byAddress.constFind(bytes); known != m_byAddress.constEnd())
             return *known;
-        const QByteArray hash = QCryptographicHash::hash(stamp.imageData, QCryptographicHash::Sha256);
-        auto known = m_byContent.find(hash);
+        auto known = m_byContent.find(stamp.imageData);
         if (known == m_byContent.end())
-            known = m_byContent.insert(hash, addPicture(stamp));
+            known = m_byContent.insert(stamp.imageData, addPicture(stamp));
         m_byAddress.insert(bytes, *known);
         return *known;
     }

@@ -82,7 +82,7 @@ bool isPlainlyInvisible(int number, const PlainFile& file) {
 }  // namespace
 
 bool hasPlainlyNoVisibleAnnotations(const ParsedPage& page, const PlainFile& file) {
-    QPDFObjectHandle annotations = QPDFObjectHandle(page.dictionary).getKey("/Annots");
+    QPDFObjectHandle annotations = page.entry("/Annots");
     try {
         std::vector<int> numbers;
         if (annotations.isIndirect() && annotations.getObjGen().getGen() == 0) {
@@ -103,7 +103,7 @@ bool hasPlainlyNoVisibleAnnotations(const ParsedPage& page, const PlainFile& fil
 }
 
 std::vector<Annotation> visibleAnnotations(const ParsedPage& page) {
-    QPDFObjectHandle annotations = QPDFObjectHandle(page.dictionary).getKey("/Annots");
+    QPDFObjectHandle annotations = page.entry("/Annots");
     std::vector<Annotation> ordinary;
     std::vector<Annotation> fields;
     if (!annotations.isArray())

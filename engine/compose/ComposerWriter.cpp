@@ -80,11 +80,10 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
         m_page.entries["/Rotate"] = QPDFObjectHandle::newInteger(page.orientation.rotation());
     if (box == DisplayBox::mediaBox)
         carryInnerBoxes(page);
-    QPDFObjectHandle dictionary = page.dictionary;
-    QPDFObjectHandle userUnit = dictionary.getKey("/UserUnit");
+    QPDFObjectHandle userUnit = page.entry("/UserUnit");
     if (userUnit.isNumber())
         m_page.entries["/UserUnit"] = m_part->copier.copy(userUnit);
-    QPDFObjectHandle group = dictionary.getKey("/Group");
+    QPDFObjectHandle group = page.entry("/Group");
     if (group.isDictionary())
         m_page.entries["/Group"] = m_part->copier.copy(group);
 }
@@ -95,9 +94,8 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
 void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
     if (page.statedCropBox)
         m_page.entries["/CropBox"] = m_part->boxes.of(*page.statedCropBox);
-    QPDFObjectHandle dictionary = page.dictionary;
     for (const char* key : {"/BleedBox", "/TrimBox", "/ArtBox"}) {
-        if (const std::optional<Rect> box = boxOf(dictionary.getKey(key)))
+        if (const std::optional<Rect> box = boxOf(page.entry(key)))
             m_page.entries[key] = m_part->boxes.of(*box);
     }
 }

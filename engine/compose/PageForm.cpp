@@ -75,7 +75,7 @@ std::optional<PlainWords> filtersOf(const PlainObject& stream, const PlainFile& 
 }
 
 std::optional<PlainContent> plainContent(const ParsedPage& page, const PlainFile* file) {
-    const QPDFObjectHandle contents = QPDFObjectHandle(page.dictionary).getKey("/Contents");
+    const QPDFObjectHandle contents = page.entry("/Contents");
     if (!file || !contents.isIndirect() || contents.getObjGen().getGen() != 0)
         return std::nullopt;
     try {

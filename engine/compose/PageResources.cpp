@@ -152,7 +152,7 @@ std::optional<PlainWords> wordsOfFew(int number, const PlainFile& file) {
 }  // namespace
 
 std::vector<QPDFObjectHandle> contentStreamsOf(const ParsedPage& page) {
-    QPDFObjectHandle contents = QPDFObjectHandle(page.dictionary).getKey("/Contents");
+    QPDFObjectHandle contents = page.entry("/Contents");
     if (contents.isStream())
         return {contents};
     std::vector<QPDFObjectHandle> streams;

@@ -17,8 +17,13 @@
 
 namespace vellmora {
 
+class ParsedFile;
+
 /// One page as the file has it; attributes that it inherits from the page tree are resolved.
 struct ParsedPage {
+    /// A value of its dictionary; null where there is none.
+    QPDFObjectHandle entry(const char* key) const;
+
     QPDFObjectHandle dictionary;
     QPDFObjectHandle resources;       ///< the nearest that are named; null where none are
     QPDFObjectHandle outerResources;  ///< that hold where those are a reference to nothing
@@ -26,6 +31,7 @@ struct ParsedPage {
     Rect cropBox;                       ///< what is shown: in the file's own space, inside the media box
     std::optional<Rect> statedCropBox;  ///< as the file states it; it may reach out of the media box
     bool isLost = false;                ///< the tree names it, but the file does not have it: a blank page
+    const ParsedFile* part = nullptr;   ///< that has a short way to the dictionary; not of all pages
 };
 
 /// The parsed file behind a document. For one thread: whatever reads objects changes what libqpdf keeps of
@@ -63,6 +69,10 @@ public:
     /// there is none, and from when on the library has met damage.
     const PlainFile* plainFile() const { return m_isSound && m_plainFile ? &*m_plainFile : nullptr; }
 
+    /// A value of the page's dictionary without reading that with the PDF library; nothing where that is to
+    /// do it. For `ParsedPage`.
+    std::optional<QPDFObjectHandle> plainEntry(const ParsedPage& page, const char* key) const;
+
 private:
     ParsedFile(std::shared_ptr<const SnapshotReader> content, Damage damage);
     ParsedFile(std::shared_ptr<const SnapshotReader> content, const PlainFile& file,
@@ -89,6 +99,8 @@ private:
     mutable std::unique_ptr<GivenUpObjects> m_givenUp;
     mutable bool m_allAreRead = false;  ///< all objects of the file: no more can be given up
     std::optional<PlainFile> m_plainFile;
+    mutable PlainObject m_plainPage;  ///< the one that was read last
+    mutable int m_plainPageNumber = 0;
     mutable bool m_isSound = true;  ///< as far as libqpdf has read it
     mutable QPDF m_qpdf;
     QPDFObjectHandle m_catalog;

@@ -4,7 +4,6 @@
 
 #include <exception>
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 namespace vellmora {
@@ -24,9 +23,6 @@ ParsedFile::ParsedFile(std::shared_ptr<const SnapshotReader> content, const Plai
 }
 
 void ParsedFile::addPage(int number, const PageOutline::Attributes& attributes) {
-    QPDFObjectHandle dictionary = m_qpdf.getObject(number, 0);
-    if (!dictionary.isDictionary())
-        throw std::runtime_error("no page");
     const auto inherited = [this](std::string_view text) {
         const auto [entry, isNew] = m_inheritedResources.try_emplace(std::string(text));
         if (isNew)
@@ -34,11 +30,38 @@ void ParsedFile::addPage(int number, const PageOutline::Attributes& attributes) 
                 text.empty() ? QPDFObjectHandle::newNull() : QPDFObjectHandle::parse(&m_qpdf, entry->first);
         return entry->second;
     };
+    ParsedPage page{m_qpdf.getObject(number, 0), {},    {},  attributes.orientation, attributes.cropBox,
+                    attributes.statedCropBox,    false, this};
     InheritedAttributes resources{
         inherited(attributes.resources), inherited(attributes.outerResources), {}, {}, {}};
-    resources.takeResources(dictionary.getKey("/Resources"));
-    m_pages.push_back({dictionary, resources.resources, resources.outerResources, attributes.orientation,
-                       attributes.cropBox, attributes.statedCropBox, false});
+    resources.takeResources(page.entry("/Resources"));
+    page.resources = resources.resources;
+    page.outerResources = resources.outerResources;
+    m_pages.push_back(std::move(page));
+}
+
+std::optional<QPDFObjectHandle> ParsedFile::plainEntry(const ParsedPage& page, const char* key) const {
+    const PlainFile* file = plainFile();
+    const int number = page.dictionary.getObjGen().getObj();
+    try {
+        if (!file)
+            return std::nullopt;
+        if (std::exchange(m_plainPageNumber, number) != number)
+            file->read(number, m_plainPage);
+    } catch (const NotPlain&) {
+        m_plainPageNumber = 0;
+        return std::nullopt;
+    }
+    const std::string_view value = m_plainPage.entry(key);
+    if (value.empty())
+        return QPDFObjectHandle::newNull();
+    const int target = plainReference(value);
+    return target > 0 ? m_qpdf.getObject(target, 0) : QPDFObjectHandle::parse(&m_qpdf, std::string(value));
+}
+
+QPDFObjectHandle ParsedPage::entry(const char* key) const {
+    const auto plain = part ? part->plainEntry(*this, key) : std::nullopt;
+    return plain ? *plain : QPDFObjectHandle(dictionary).getKey(key);
 }
 
 std::unique_ptr<ParsedFile> ParsedFile::openPart(const std::shared_ptr<const SnapshotReader>& content,

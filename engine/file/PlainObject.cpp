@@ -51,9 +51,17 @@ bool isHexDigit(char c) {
     return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
+[[noreturn]] void refuse() {
+    throw NotPlain();
+}
+
 void require(bool isPlain) {
     if (!isPlain)
-        throw NotPlain();
+        refuse();
+}
+
+[[noreturn]] void endText() {
+    throw TextEnds();
 }
 
 }  // namespace
@@ -113,21 +121,30 @@ std::string_view PlainObject::entry(std::string_view key) const {
     return found == m_entries.rend() ? std::string_view() : found->second;
 }
 
-char PlainObject::next() const {
+inline char PlainObject::next() const {
     if (m_at >= m_text.size())
-        throw TextEnds();
+        endText();
     return m_text[m_at];
 }
 
+/// Goes over all characters of a kind.
+inline void PlainObject::skipAll(std::uint8_t kind) {
+    size_t at = m_at;
+    while (at < m_text.size() && kinds[static_cast<unsigned char>(m_text[at])] == kind)
+        ++at;
+    m_at = at;
+    if (at == m_text.size())
+        endText();
+}
+
 void PlainObject::skipBlanks() {
-    while (kindOf(next()) == blank)
-        ++m_at;
+    skipAll(blank);
 }
 
 /// The word, and nothing that goes on with it.
 bool PlainObject::skipWord(std::string_view word) {
     if (m_text.size() - m_at <= word.size())
-        throw TextEnds();
+        endText();
     if (m_text.substr(m_at, word.size()) != word || kindOf(m_text[m_at + word.size()]) == regular)
         return false;
     m_at += word.size();
@@ -136,8 +153,7 @@ bool PlainObject::skipWord(std::string_view word) {
 
 std::string_view PlainObject::takeRegular() {
     const size_t start = m_at;
-    while (kindOf(next()) == regular)
-        ++m_at;
+    skipAll(regular);
     return m_text.substr(start, m_at - start);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <exception>
 #include <string_view>
 #include <utility>
@@ -48,6 +49,7 @@ public:
 
 private:
     char next() const;
+    void skipAll(std::uint8_t kind);
     void skipBlanks();
     bool skipWord(std::string_view word);
     void skipValue(int level);

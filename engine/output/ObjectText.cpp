@@ -38,18 +38,25 @@ int ObjectNumbers::reserve() {
 
 namespace {
 
+constexpr bool isOneOf(char c, std::string_view characters) {
+    bool isFound = false;
+    for (const char other : characters)
+        isFound |= c == other;
+    return isFound;
+}
+
 /// A name may be empty: what follows its slash directly would be taken for it.
 bool endsWord(char last) {
-    return std::string_view("\n )>[]<").find(last) != std::string_view::npos;
+    return isOneOf(last, "\n )>[]<");
 }
 
 bool startsWord(char first) {
-    return std::string_view("(<>[]/").find(first) != std::string_view::npos;
+    return isOneOf(first, "(<>[]/");
 }
 
 /// A character that stands for itself in a name.
 bool isPlain(char c) {
-    return c > ' ' && c <= '~' && std::string_view("#()<>[]{}/%").find(c) == std::string_view::npos;
+    return c > ' ' && c <= '~' && !isOneOf(c, "#()<>[]{}/%");
 }
 
 /// libqpdf keeps a sign that escapes nothing as a null character, and would write one that was escaped
