@@ -53,6 +53,11 @@ void AtomicFile::write(const char* bytes, qint64 count) {
     }
 }
 
+void AtomicFile::restart() {
+    if (::ftruncate(m_file.get(), 0) != 0 || ::lseek(m_file.get(), 0, SEEK_SET) != 0)
+        throw fileError(FileAction::write, m_target, errno);
+}
+
 void AtomicFile::finish(Durability durability) {
     if (m_place == Place::kept)
         takeOverAttributes(m_file.get(), m_target);

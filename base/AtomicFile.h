@@ -32,6 +32,8 @@ public:
     AtomicFile& operator=(const AtomicFile&) = delete;
 
     void write(const char* bytes, qint64 count);
+    /// Takes back all that was written. Before `finish()` only.
+    void restart();
     /// Ends the writing and syncs the file, unless `durability` does without.
     void finish(Durability durability = Durability::synced);
     /// Finishes where that was not done, renames over the target and syncs the folder, unless `durability`

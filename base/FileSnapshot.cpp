@@ -108,6 +108,35 @@ public:
         requireReadable();
     }
 
+    /// For who keeps all others from copying meanwhile.
+    std::unique_lock<std::mutex> takeTurn() { return std::unique_lock(m_mutex); }
+
+    /// Whether the system has in its memory what is not copied yet, as far as a few samples tell.
+    bool isAtHand() const {
+        constexpr size_t samples = 16;
+        const size_t copied = m_target.m_memory.copied();
+        const size_t left = m_target.size() - copied;
+        for (size_t i = 0; i < samples && left > 0; ++i) {
+            char byte = 0;
+            if (readAt(m_file, copied + (left - 1) / (samples - 1) * i, &byte, 1, RWF_NOWAIT) != 0)
+                return false;
+        }
+        return true;
+    }
+
+    bool isUntouched() const {
+        try {
+            return isUntouched(FileState::of(m_file, m_path));
+        } catch (const Error&) {
+            return false;
+        }
+    }
+
+    void readFile(size_t offset, char* target, size_t length) const {
+        if (const int error = readAt(m_file, offset, target, length); error != 0)
+            throw readingFailure(error, m_path);
+    }
+
     void requireWhole() {
         requireCopied();
         compareStates();
@@ -257,6 +286,30 @@ void FileSnapshot::requireReadable() const {
 void FileSnapshot::requireWhole() const {
     if (m_copying)
         m_copying->requireWhole();
+}
+
+bool FileSnapshot::canBeReadDirectly() const {
+    return m_copying && m_memory.copied() < size() && m_copying->isUntouched() && m_copying->isAtHand();
+}
+
+std::unique_ptr<const FileSnapshot::DirectReading> FileSnapshot::readDirectly() const {
+    if (!canBeReadDirectly())
+        return nullptr;
+    return std::unique_ptr<const DirectReading>(new DirectReading(*this));
+}
+
+FileSnapshot::DirectReading::DirectReading(const FileSnapshot& content)
+    : m_content(content), m_turn(content.m_copying->takeTurn()) {}
+
+void FileSnapshot::DirectReading::read(size_t offset, char* target, size_t length) const {
+    if (offset + length <= m_content.m_memory.copied())
+        m_content.m_memory.read(offset, target, length);
+    else
+        m_content.m_copying->readFile(offset, target, length);
+}
+
+bool FileSnapshot::DirectReading::isOfOneTime() const {
+    return m_content.m_copying->isUntouched();
 }
 
 bool FileSnapshot::isHeldBy(const FileDescriptor& file, const QString& path) const {

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string_view>
 
 #include <QByteArray>
@@ -52,6 +53,14 @@ public:
     /// Waits until all is copied, and throws where it is not the content that the file had at one time.
     void requireWhole() const;
 
+    /// Reads the content for a save that does not wait until all is copied.
+    class DirectReading;
+    /// Nothing where all is copied already, and where it is better to wait: the system does not have the rest
+    /// of the file in memory, or the file's times would not tell that somebody changes it.
+    std::unique_ptr<const DirectReading> readDirectly() const;
+    /// Whether `readDirectly` would answer something now.
+    bool canBeReadDirectly() const;
+
     /// True where the open file holds these bytes and no others; `path` is what an error names.
     bool isHeldBy(const FileDescriptor& file, const QString& path) const;
 
@@ -73,6 +82,24 @@ private:
 
     SnapshotMemory m_memory;
     std::unique_ptr<Copying> m_copying;  ///< none where all is there
+};
+
+/// What is not copied yet is read from the file itself. Nothing is copied as long as the object lives. For
+/// one thread; the snapshot must outlive it.
+class FileSnapshot::DirectReading {
+public:
+    /// Copies a range of the content to `target`, as `FileSnapshot::read` does.
+    void read(size_t offset, char* target, size_t length) const;
+    /// Whether nobody has touched the file since it was opened. All that was read of it until now is the
+    /// content that it had at one time then.
+    bool isOfOneTime() const;
+
+private:
+    friend class FileSnapshot;
+    explicit DirectReading(const FileSnapshot& content);
+
+    const FileSnapshot& m_content;
+    std::unique_lock<std::mutex> m_turn;
 };
 
 /// Hands the open file's bytes from its beginning to `take`, piece by piece with their offsets, until that

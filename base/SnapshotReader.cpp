@@ -17,6 +17,8 @@ namespace {
 /// Small, since a document is opened with little from many places.
 constexpr size_t blockSize = 1 << 13;
 constexpr unsigned rangesUntilReport = 1024;
+/// From this size on a range is shown rather than read. Less is mostly looked at.
+constexpr size_t largeRange = 1 << 14;
 
 void* map(size_t length, int protection, int kind, const FileDescriptor& memory, size_t offset) {
     void* mapped = ::mmap(nullptr, length, protection, kind, memory.get(), static_cast<off_t>(offset));
@@ -41,10 +43,13 @@ SnapshotReader::SnapshotReader(FileDescriptor memory, FileDescriptor file, size_
     if (size > 0)
         m_bytes = static_cast<char*>(
             map(size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE, m_memory, snapshotContentOffset));
-    if (m_file.isValid())
-        m_fetched.resize((size + blockSize - 1) / blockSize);
-    else
+    if (!m_file.isValid()) {
         m_copied = size;
+        return;
+    }
+    m_fetched.resize((size + blockSize - 1) / blockSize);
+    void* shown = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, m_file.get(), 0);
+    m_shown = shown == MAP_FAILED ? nullptr : static_cast<const char*>(shown);
 }
 
 SnapshotReader::SnapshotReader(QByteArray bytes)
@@ -59,6 +64,8 @@ SnapshotReader::~SnapshotReader() {
     ::munmap(const_cast<void*>(m_header), snapshotContentOffset);
     if (m_bytes)
         ::munmap(m_bytes, m_size);
+    if (m_shown)
+        ::munmap(const_cast<char*>(m_shown), m_size);
 }
 
 std::string_view SnapshotReader::range(size_t offset, size_t length) const {
@@ -70,6 +77,8 @@ std::string_view SnapshotReader::range(size_t offset, size_t length) const {
     if (end > m_copied)
         m_copied = std::min<std::uint64_t>(
             static_cast<const SnapshotHeader*>(m_header)->copied.load(std::memory_order_acquire), m_size);
+    if (end > m_copied && m_isFileShown && length >= largeRange)
+        return {m_shown + offset, length};
     if (end > m_copied)
         fetch(std::max<size_t>(offset, m_copied) / blockSize, (end - 1) / blockSize + 1);
     return {m_bytes + offset, length};

@@ -31,6 +31,15 @@ public:
     std::string_view range(size_t offset, size_t length) const;
     std::string_view all() const { return range(0, m_size); }
 
+    /// From here on, whether a large range that is not copied yet is answered where it lies in the file,
+    /// without being read: who only says where it is spares that. The process ends where somebody cuts the
+    /// file short and such a range is looked at. Does nothing where the system cannot show the file.
+    void showFile(bool isShown) { m_isFileShown = isShown && m_shown; }
+    /// The memory that ranges are in. It may not hold yet what is not asked for by `range`.
+    std::string_view memory() const { return {m_bytes, m_bytes ? m_size : 0}; }
+    /// The same for ranges that lie in the file; empty where there are none.
+    std::string_view shownFile() const { return {m_shown, m_shown ? m_size : 0}; }
+
     /// `report` is called every now and then while ranges are read, and for each read of the file.
     void whenRead(std::function<void()> report) { m_report = std::move(report); }
 
@@ -50,6 +59,8 @@ private:
     const void* m_header = nullptr;
     /// Private: a page shows the snapshot until it is written to.
     char* m_bytes = nullptr;
+    const char* m_shown = nullptr;  ///< the file; none where all is copied, or it cannot be mapped
+    bool m_isFileShown = false;
     mutable std::uint64_t m_copied = 0;  ///< as far as is known
     mutable std::vector<bool> m_fetched;
     mutable int m_error = 0;

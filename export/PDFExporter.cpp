@@ -62,6 +62,10 @@ public:
         m_digest.add({bytes, static_cast<size_t>(count)});
         m_file.write(bytes, count);
     }
+    bool restart() override {
+        m_digest = {};
+        return m_file.restart();
+    }
     void finish() override {
         m_versions.expect(m_digest);
         m_file.finish();

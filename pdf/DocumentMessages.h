@@ -23,11 +23,17 @@ enum class DocumentRequestKind : std::uint32_t {
     pictures,  ///< comes after `compose` where that adds pictures, with memory that holds them
 };
 
+/// What a new file is composed of.
+enum class ComposeSource : std::uint32_t {
+    anyBytes,       ///< what the snapshot has, and what the file has beside it: for a look
+    wholeSnapshot,  ///< the process is to make sure that it has not read anything else
+    openFile,       ///< the same with the file for what is not copied yet; the program makes sure of it
+};
+
 struct DocumentRequest {
     DocumentRequestKind kind;
-    /// Of `compose`: the snapshot is whole. The process is to make sure that it has not read anything else.
-    std::uint32_t isWhole;
-    std::uint64_t size;  ///< of the snapshot, in bytes; of the commands or pictures, in bytes
+    ComposeSource source;  ///< of `compose`
+    std::uint64_t size;    ///< of the snapshot, in bytes; of the commands or pictures, in bytes
     /// Of `open`: the most that the process may take from then on, in bytes of addresses.
     std::uint64_t memory;
 };
@@ -61,7 +67,7 @@ enum class DocumentReplyKind : std::uint32_t {
     lostPages,   ///< 64-bit indices of the next lost pages
     opened,      ///< `OpenedDocument`: the end of a successful answer to `open`
     data,        ///< the next bytes of the new file
-    source,      ///< `SourceRange`: they are the same as in the snapshot, which is whole
+    source,      ///< `SourceRange`: they are the same as in the source; not of `anyBytes`
     incomplete,  ///< 64-bit indices of the next incomplete pages
     composed,    ///< the end of a successful answer to `compose`
     failed,      ///< `FailedRequest`: the end of another one

@@ -1,9 +1,9 @@
 #include "pdf/DocumentSession.h"
 
 #include "base/SharedMemory.h"
+#include "pdf/Delivery.h"
 #include "pdf/StructureReply.h"
 
-#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -33,62 +33,6 @@ void report(const DocumentHelper::Reply& reply, WorkProgress* progress) {
     if (progress)
         progress->report(state.done, state.total);
 }
-
-/// So much of the source is handed on at a time: it stays in the processor's cache.
-constexpr size_t pieceOfSource = 256 << 10;
-
-/// Hands the bytes of a new file on, as long as they can be those of one.
-class Delivery {
-public:
-    /// `delivered` counts the bytes, of which there may be `most`.
-    Delivery(PDFDataConsumer& consumer, qint64& delivered, qint64 most)
-        : m_consumer(consumer), m_delivered(delivered), m_most(most) {}
-
-    void add(std::string_view bytes) {
-        if (m_delivered == 0)
-            requirePdf(bytes);
-        if (static_cast<qint64>(bytes.size()) > m_most - m_delivered)
-            throw HelperLost(DocumentFailure::tooLarge);
-        m_delivered += static_cast<qint64>(bytes.size());
-        m_consumer.write(bytes.data(), static_cast<qint64>(bytes.size()));
-    }
-
-    /// The same for a part of the snapshot, which is whole.
-    void add(const FileSnapshot& snapshot, SourceRange range, const WorkProgress* progress) {
-        if (range.offset > snapshot.size() || range.length > snapshot.size() - range.offset)
-            throw HelperLost(DocumentFailure::unsound);
-        while (range.length > 0) {
-            if (progress && progress->isCancelled())
-                throw WorkProgress::cancelledError();
-            const size_t length = std::min<size_t>(range.length, pieceOfSource);
-            std::string_view piece = snapshot.view(range.offset, length);
-            if (piece.empty()) {
-                m_piece.resize(length);
-                snapshot.read(range.offset, m_piece.data(), length);
-                piece = {m_piece.data(), length};
-            }
-            add(piece);
-            range.offset += length;
-            range.length -= length;
-        }
-    }
-
-    void requireBegun() const {
-        if (m_delivered == 0)
-            requirePdf({});
-    }
-
-private:
-    static void requirePdf(std::string_view start) {
-        if (start.substr(0, 5) != "%PDF-")
-            throw HelperLost(DocumentFailure::unsound);
-    }
-
-    PDFDataConsumer& m_consumer;
-    qint64& m_delivered;
-    qint64 m_most;
-    std::vector<char> m_piece;
-};
 
 }  // namespace
 
@@ -133,7 +77,9 @@ DocumentStructure DocumentSession::start(WorkProgress* progress) {
     const DocumentHelper::Patience patience{limits.silence, std::nullopt};
     const DocumentHelper::Patience patienceForStart{limits.start, std::nullopt};
     auto helper = std::make_unique<DocumentHelper>(m_processes.take(), patienceForStart, progress);
-    helper->send({DocumentRequestKind::open, 0, m_content->size(), m_content->size() + limits.memory},
+    // The process has the snapshot among its addresses, and the file where that is not copied yet.
+    const size_t addresses = m_content->size() * (m_content->file() < 0 ? 1 : 2);
+    helper->send({DocumentRequestKind::open, {}, m_content->size(), addresses + limits.memory},
                  m_content->memory(), m_content->file());
     StructureReply structure;
     while (!structure.isComplete()) {
@@ -170,29 +116,24 @@ void DocumentSession::restart(WorkProgress* progress) {
         throw HelperLost(DocumentFailure::unsound);
 }
 
-void DocumentSession::sendComposition(const Composition& composition) {
+void DocumentSession::sendComposition(const Composition& composition, ComposeSource source) {
     const size_t size = composition.commands.size() * sizeof(ComposeCommand);
     const FileDescriptor commands = memoryWith(composition.commands.data(), size);
-    m_helper->send({DocumentRequestKind::compose, composition.isForView ? 0U : 1U, size, 0}, commands.get());
+    m_helper->send({DocumentRequestKind::compose, source, size, 0}, commands.get());
     if (!composition.pictures)
         return;
     const QByteArray packed = packedPictures(composition.pictures());
     const auto packedSize = static_cast<size_t>(packed.size());
     const FileDescriptor pictures = memoryWith(packed.constData(), packedSize);
-    m_helper->send({DocumentRequestKind::pictures, 0, packedSize, 0}, pictures.get());
+    m_helper->send({DocumentRequestKind::pictures, {}, packedSize, 0}, pictures.get());
 }
 
-QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDataConsumer& consumer,
-                                           qint64& delivered) {
+QList<qsizetype> DocumentSession::takeFile(const Composition& composition, Delivery& delivery) {
     const DocumentLimits& limits = m_processes.limits();
-    const auto sourceSize = static_cast<qint64>(m_content->size());
-    const qint64 most = composition.isForView ? sourceSize + limits.bytesForView
-                                              : mostTimesSource * sourceSize + limits.bytesForFile;
     DocumentHelper::Patience patience{limits.silence, std::nullopt};
     if (composition.isForView)
         patience.end = DocumentHelper::Clock::now() + limits.view;
     IndexList incomplete(composition.pageCount);
-    Delivery delivery(consumer, delivered, most);
     for (;;) {
         const DocumentHelper::Reply reply = m_helper->receive(patience, composition.progress);
         switch (reply.kind) {
@@ -203,10 +144,7 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDa
                 delivery.add(reply.content);
                 break;
             case Kind::source:
-                // The snapshot of what is only looked at need not be whole.
-                if (composition.isForView)
-                    throw HelperLost(DocumentFailure::unsound);
-                delivery.add(*m_content, reply.as<SourceRange>(), composition.progress);
+                delivery.add(reply.as<SourceRange>(), composition.progress);
                 break;
             case Kind::incomplete:
                 incomplete.add(reply);
@@ -222,19 +160,62 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, PDFDa
     }
 }
 
-QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDataConsumer& consumer) {
-    if (!composition.isForView)
-        m_content->requireWhole();
-    const std::unique_lock lock = waitForTurn(composition.progress);
-    qint64 delivered = 0;
+QList<qsizetype> DocumentSession::composeFrom(ComposeSource source, const Composition& composition,
+                                              PDFDataConsumer& consumer,
+                                              const FileSnapshot::DirectReading* file) {
+    const DocumentLimits& limits = m_processes.limits();
+    const auto sourceSize = static_cast<qint64>(m_content->size());
+    const qint64 most = composition.isForView ? sourceSize + limits.bytesForView
+                                              : mostTimesSource * sourceSize + limits.bytesForFile;
+    Delivery delivery(consumer, most);
+    if (source != ComposeSource::anyBytes)
+        delivery.allowSource(*m_content, file);
     return attempt(
         [&] {
             if (!m_helper)
                 restart(composition.progress);
-            sendComposition(composition);
-            return takeFile(composition, consumer, delivered);
+            sendComposition(composition, source);
+            return takeFile(composition, delivery);
         },
-        delivered);
+        delivery.delivered());
+}
+
+/// While the file is still being copied. Nothing where the snapshot is needed after all; the consumer is as
+/// it was then.
+std::optional<QList<qsizetype>> DocumentSession::composeDirectly(const Composition& composition,
+                                                                 PDFDataConsumer& consumer) {
+    if (!m_content->canBeReadDirectly())
+        return std::nullopt;
+    const std::unique_lock lock = waitForTurn(composition.progress);
+    const auto file = m_content->readDirectly();
+    if (!file)
+        return std::nullopt;
+    try {
+        QList<qsizetype> incomplete = composeFrom(ComposeSource::openFile, composition, consumer, file.get());
+        if (file->isOfOneTime())
+            return incomplete;
+    } catch (...) {
+        if (file->isOfOneTime())
+            throw;
+    }
+    // Somebody changed the file, or only its name or its permissions. What the process has read of it may be
+    // of both versions.
+    m_helper.reset();
+    if (!consumer.restart())
+        throw documentError(DocumentFailure::changed);
+    return std::nullopt;
+}
+
+QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDataConsumer& consumer) {
+    if (composition.isForView) {
+        const std::unique_lock lock = waitForTurn(composition.progress);
+        return composeFrom(ComposeSource::anyBytes, composition, consumer, nullptr);
+    }
+    if (const auto incomplete = composeDirectly(composition, consumer))
+        return *incomplete;
+    m_content->requireWhole();
+    const std::unique_lock lock = waitForTurn(composition.progress);
+    return composeFrom(ComposeSource::wholeSnapshot, composition, consumer, nullptr);
 }
 
 }  // namespace vellmora

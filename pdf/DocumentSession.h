@@ -26,6 +26,8 @@ struct DocumentStructure {
     DocumentDamage damage;
 };
 
+class Delivery;
+
 /// A new file that is to be made of a document's pages.
 struct Composition {
     std::vector<ComposeCommand> commands;
@@ -86,8 +88,12 @@ private:
     std::unique_lock<Turn> waitForTurn(const WorkProgress* progress);
     DocumentStructure start(WorkProgress* progress);
     void restart(WorkProgress* progress);
-    void sendComposition(const Composition& composition);
-    QList<qsizetype> takeFile(const Composition& composition, PDFDataConsumer& consumer, qint64& delivered);
+    std::optional<QList<qsizetype>> composeDirectly(const Composition& composition,
+                                                    PDFDataConsumer& consumer);
+    QList<qsizetype> composeFrom(ComposeSource source, const Composition& composition,
+                                 PDFDataConsumer& consumer, const FileSnapshot::DirectReading* file);
+    void sendComposition(const Composition& composition, ComposeSource source);
+    QList<qsizetype> takeFile(const Composition& composition, Delivery& delivery);
     [[noreturn]] void fail(const FailedRequest& failed);
     template <typename Task>
     auto attempt(Task task, const qint64& delivered);

@@ -12,6 +12,9 @@ public:
     virtual ~PDFDataConsumer() = default;
     /// Throws `Error` where the bytes cannot be taken.
     virtual void write(const char* bytes, qint64 count) = 0;
+    /// Forgets all that was written: another file is written in its place. False where that cannot be done.
+    /// Throws `Error`.
+    virtual bool restart() { return false; }
     /// Called once after the last byte. Throws `Error`; nothing was delivered then.
     virtual void finish() = 0;
 };
@@ -23,6 +26,10 @@ public:
     explicit FileConsumer(const QString& path) : m_file(path) {}
 
     void write(const char* bytes, qint64 count) override { m_file.write(bytes, count); }
+    bool restart() override {
+        m_file.restart();
+        return true;
+    }
     void finish() override { m_file.commit(); }
 
 private:
@@ -36,6 +43,10 @@ public:
     explicit ReplacementConsumer(const QString& original) : m_file(original, FileAction::replace) {}
 
     void write(const char* bytes, qint64 count) override { m_file.write(bytes, count); }
+    bool restart() override {
+        m_file.restart();
+        return true;
+    }
     void finish() override { m_file.finish(); }
     /// One step, after `finish()`. Throws `Error`; the original is as it was then.
     void replaceOriginal() { m_file.commit(); }
@@ -48,6 +59,10 @@ private:
 class MemoryConsumer : public PDFDataConsumer {
 public:
     void write(const char* bytes, qint64 count) override { m_bytes.append(bytes, count); }
+    bool restart() override {
+        m_bytes.clear();
+        return true;
+    }
     void finish() override {}
     const QByteArray& bytes() const { return m_bytes; }
 

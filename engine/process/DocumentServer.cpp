@@ -170,9 +170,13 @@ void DocumentServer::sendPages() {
 }
 
 void DocumentServer::compose(const ReceivedDocumentRequest& request) {
-    if (request.message.isWhole != 0 && !m_content->agreesWithSnapshot())
+    const ComposeSource source = request.message.source;
+    if (source == ComposeSource::wholeSnapshot && !m_content->agreesWithSnapshot())
         return m_replies.fail(DocumentFailure::changed);
-    m_replies.setShared(request.message.isWhole != 0 ? m_content->all() : std::string_view());
+    m_content->showFile(source == ComposeSource::openFile);
+    m_replies.setShared({});
+    if (source != ComposeSource::anyBytes)
+        m_replies.setShared({m_content->memory(), m_content->shownFile()});
     const Mapping commands(request.memory, request.message.size);
     Composing composing(*m_document, m_replies, m_socket);
     composing.run(static_cast<const ComposeCommand*>(commands.bytes()),

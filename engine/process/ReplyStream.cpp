@@ -55,19 +55,20 @@ void ReplyStream::keepAlive() {
         send(DocumentReplyKind::progress, m_progress);
 }
 
-bool ReplyStream::isShared(const char* bytes, qint64 count) const {
+std::optional<SourceRange> ReplyStream::sharedRange(const char* bytes, qint64 count) const {
     // The order of `std::less` is defined for pointers into different memory, too.
     const std::less_equal<> isUpTo;
-    return !m_shared.empty() && isUpTo(m_shared.data(), bytes) &&
-           isUpTo(bytes + count, m_shared.data() + m_shared.size());
+    for (const std::string_view memory : m_shared) {
+        if (isUpTo(memory.data(), bytes) && isUpTo(bytes + count, memory.data() + memory.size()))
+            return SourceRange{static_cast<std::uint64_t>(bytes - memory.data()),
+                               static_cast<std::uint64_t>(count)};
+    }
+    return std::nullopt;
 }
 
 void ReplyStream::write(const char* bytes, qint64 count) {
-    if (isShared(bytes, count)) {
-        send(DocumentReplyKind::source, SourceRange{static_cast<std::uint64_t>(bytes - m_shared.data()),
-                                                    static_cast<std::uint64_t>(count)});
-        return;
-    }
+    if (const auto range = sharedRange(bytes, count))
+        return send(DocumentReplyKind::source, *range);
     for (qint64 sent = 0; sent < count; sent += maxReplyLength) {
         const qint64 length = std::min<qint64>(count - sent, maxReplyLength);
         send(DocumentReplyKind::data, std::string_view(bytes + sent, static_cast<size_t>(length)));

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <QList>
@@ -32,8 +34,9 @@ public:
     /// The process is at work. To be called often; says so now and then.
     void keepAlive();
 
-    /// Memory of which the program has a copy. What is written from it is not sent, but told by its place.
-    void setShared(std::string_view memory) { m_shared = memory; }
+    /// Memory of which the program has the content, each all of it. What is written from it is not sent, but
+    /// told by its place.
+    void setShared(std::vector<std::string_view> memory) { m_shared = std::move(memory); }
     /// Bytes of the new file.
     void write(const char* bytes, qint64 count) override;
     void finish() override {}
@@ -41,9 +44,9 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    bool isShared(const char* bytes, qint64 count) const;
+    std::optional<SourceRange> sharedRange(const char* bytes, qint64 count) const;
 
-    std::string_view m_shared;
+    std::vector<std::string_view> m_shared;
     DocumentProgress m_progress{0, 0};
     Clock::time_point m_lastSent = Clock::now();
 };
