@@ -5,6 +5,7 @@
 #include "picture/SampleCompression.h"
 #include "picture/SampleRows.h"
 
+#include <future>
 #include <utility>
 
 namespace vellmora {
@@ -64,10 +65,11 @@ EncodedPicture encodePicture(const Image& image) {
     const QImage pixels =
         image.pixels().convertToFormat(hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     const PictureColors colors = PictureColors::of(pixels);
-    EncodedPicture picture{encodeColors(image, pixels, colors), std::nullopt};
-    if (!colors.isOpaque)
-        picture.alpha = encode({Colors::gray, alphaRows(pixels, colors.alphaBits)});
-    return picture;
+    if (colors.isOpaque)
+        return {encodeColors(image, pixels, colors), std::nullopt};
+    auto alpha = std::async([&] { return encode({Colors::gray, alphaRows(pixels, colors.alphaBits)}); });
+    EncodedSamples encoded = encodeColors(image, pixels, colors);
+    return {std::move(encoded), alpha.get()};
 }
 
 }  // namespace vellmora
