@@ -187,7 +187,7 @@ std::optional<QList<qsizetype>> DocumentSession::composeDirectly(const Compositi
     if (!m_content->canBeReadDirectly())
         return std::nullopt;
     const std::unique_lock lock = waitForTurn(composition.progress);
-    const auto file = m_content->readDirectly();
+    auto file = m_content->readDirectly();
     if (!file)
         return std::nullopt;
     try {
@@ -195,12 +195,14 @@ std::optional<QList<qsizetype>> DocumentSession::composeDirectly(const Compositi
         if (file->isOfOneTime())
             return incomplete;
     } catch (...) {
-        if (file->isOfOneTime())
-            throw;
+        const bool isOfOneTime = file->isOfOneTime();
+        file.reset();
+        if (!isOfOneTime)
+            m_content->requireWhole();  // a change is the reason for what was thrown
+        throw;
     }
-    // Somebody changed the file, or only its name or its permissions. What the process has read of it may be
-    // of both versions.
-    m_helper.reset();
+    // Somebody changed the file, or only its name or its permissions: what was written may be of two
+    // versions.
     if (!consumer.restart())
         throw documentError(DocumentFailure::changed);
     return std::nullopt;

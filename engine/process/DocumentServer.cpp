@@ -169,14 +169,25 @@ void DocumentServer::sendPages() {
     m_replies.sendMany(DocumentReplyKind::pages, pages);
 }
 
-void DocumentServer::compose(const ReceivedDocumentRequest& request) {
-    const ComposeSource source = request.message.source;
-    if (source == ComposeSource::wholeSnapshot && !m_content->agreesWithSnapshot())
-        return m_replies.fail(DocumentFailure::changed);
+/// False where something else was read than what the snapshot holds.
+bool DocumentServer::prepareFor(ComposeSource source) {
     m_content->showFile(source == ComposeSource::openFile);
     m_replies.setShared({});
     if (source != ComposeSource::anyBytes)
         m_replies.setShared({m_content->memory(), m_content->shownFile()});
+    if (source == ComposeSource::wholeSnapshot) {
+        if (!m_content->agreesWithSnapshot())
+            return false;
+        if (std::exchange(m_hasSeenFile, false))
+            m_document = std::make_unique<ParsedDocument>(m_content);
+    }
+    m_hasSeenFile = m_hasSeenFile || source == ComposeSource::openFile;
+    return true;
+}
+
+void DocumentServer::compose(const ReceivedDocumentRequest& request) {
+    if (!prepareFor(request.message.source))
+        return m_replies.fail(DocumentFailure::changed);
     const Mapping commands(request.memory, request.message.size);
     Composing composing(*m_document, m_replies, m_socket);
     composing.run(static_cast<const ComposeCommand*>(commands.bytes()),

@@ -21,12 +21,14 @@ private:
     void serve(ReceivedDocumentRequest request);
     void open(ReceivedDocumentRequest request);
     void sendPages();
+    bool prepareFor(ComposeSource source);
     void compose(const ReceivedDocumentRequest& request);
 
     int m_socket;
     ReplyStream m_replies;
     std::shared_ptr<SnapshotReader> m_content;
     std::unique_ptr<ParsedDocument> m_document;
+    bool m_hasSeenFile = false;  ///< the document may know what no comparison with the snapshot covers
 };
 
 }  // namespace vellmora
