@@ -318,6 +318,15 @@ TEST_F(FilesTest, RefusesPipesAndFoldersWithoutBlocking) {
     EXPECT_TRUE(::stat(qPrintable(path("pipe.pdf")), &info) == 0 && S_ISFIFO(info.st_mode));
 }
 
+TEST_F(FilesTest, AFileThatIsWrittenOnceMoreHasNothingOfTheFirstTime) {
+    AtomicFile file(path("new.pdf"));
+    file.write("the first time", 14);
+    file.restart();
+    file.write("now", 3);
+    file.commit();
+    EXPECT_EQ(readFile(path("new.pdf")), "now");
+}
+
 TEST_F(FilesTest, AFinishedFileTakesTheOthersPlaceInOneStepAndTheLinkStays) {
     writeFile(path("real.pdf"), "old");
     ASSERT_EQ(::symlink("real.pdf", qPrintable(path("link.pdf"))), 0);
