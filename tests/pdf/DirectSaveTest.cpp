@@ -145,6 +145,10 @@ TEST_F(DirectSaveTest, WhatIsNotCopiedIsSavedStraightFromTheFileThatNobodyTouche
         EXPECT_EQ(open.save(consumer), QString());
         expectPicture(consumer.bytes(), QByteArray(scanSize, 'a'));
     }
+    open.content->readAhead();
+    MemoryConsumer meanwhile;
+    EXPECT_EQ(open.save(meanwhile), QString());
+    expectPicture(meanwhile.bytes(), QByteArray(scanSize, 'a'));
     open.content->requireWhole();
     EXPECT_FALSE(open.content->canBeReadDirectly());
     file.cutOff();
