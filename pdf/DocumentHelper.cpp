@@ -9,6 +9,9 @@
 
 namespace vellmora {
 
+/// So often it is asked whether a silence is still excused.
+constexpr std::chrono::milliseconds excuseInterval{1000};
+
 DocumentHelper::DocumentHelper(std::unique_ptr<HelperProcess> process, const Patience& forStart,
                                const WorkProgress* progress)
     : m_process(std::move(process)) {
@@ -23,8 +26,12 @@ void DocumentHelper::send(const DocumentRequest& request, int memory, int file) 
         throw HelperLost(DocumentFailure::ended);
 }
 
+void DocumentHelper::hangUp() {
+    ::shutdown(m_process->socket(), SHUT_RDWR);
+}
+
 DocumentHelper::Reply DocumentHelper::receive(const Patience& patience, const WorkProgress* progress) {
-    const Clock::time_point silentUntil = Clock::now() + patience.silence;
+    Clock::time_point silentUntil = Clock::now() + patience.silence;
     DocumentReplyHeader header{};
     read(reinterpret_cast<char*>(&header), sizeof header, patience, silentUntil, progress);
     if (header.length > maxReplyLength)
@@ -35,7 +42,7 @@ DocumentHelper::Reply DocumentHelper::receive(const Patience& patience, const Wo
 }
 
 void DocumentHelper::read(char* target, size_t length, const Patience& patience,
-                          Clock::time_point silentUntil, const WorkProgress* progress) {
+                          Clock::time_point& silentUntil, const WorkProgress* progress) {
     while (length > 0) {
         const ssize_t count = ::recv(m_process->socket(), target, length, MSG_DONTWAIT);
         if (count > 0) {
@@ -51,14 +58,19 @@ void DocumentHelper::read(char* target, size_t length, const Patience& patience,
     }
 }
 
-void DocumentHelper::wait(const Patience& patience, Clock::time_point silentUntil,
+void DocumentHelper::wait(const Patience& patience, Clock::time_point& silentUntil,
                           const WorkProgress* progress) {
     const Clock::time_point now = Clock::now();
     if (patience.end && now >= *patience.end)
         throw HelperLost(DocumentFailure::timeIsOver);
+    const bool isExcused = patience.isExcused && patience.isExcused();
+    if (isExcused)
+        silentUntil = now + patience.silence;
     if (now >= silentUntil)
         throw HelperLost(DocumentFailure::silent);
-    const Clock::time_point until = patience.end ? std::min(*patience.end, silentUntil) : silentUntil;
+    Clock::time_point until = patience.end ? std::min(*patience.end, silentUntil) : silentUntil;
+    if (isExcused)
+        until = std::min(until, now + excuseInterval);
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now);
     std::array<pollfd, 2> events{pollfd{m_process->socket(), POLLIN, 0},
                                  pollfd{progress ? progress->descriptor() : -1, POLLIN, 0}};

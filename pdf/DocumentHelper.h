@@ -32,6 +32,8 @@ public:
     struct Patience {
         std::chrono::milliseconds silence;     ///< from one reply to the next
         std::optional<Clock::time_point> end;  ///< of all replies
+        /// While it answers true, the process may be waiting for the program: its silence does not count.
+        std::function<bool()> isExcused{};
     };
     struct Reply {
         DocumentReplyKind kind;
@@ -50,15 +52,17 @@ public:
                    const WorkProgress* progress);
 
     pid_t pid() const { return m_process->pid(); }
-    /// `file` may be negative. Throws `HelperLost`.
+    /// `file` may be negative. Throws `HelperLost`. For any thread.
     void send(const DocumentRequest& request, int memory, int file = -1);
+    /// Nothing comes any more: who waits for a reply is told that the process has ended. For any thread.
+    void hangUp();
     /// Waits for the next reply. Throws `HelperLost`, or the `Error` of work that was cancelled.
     Reply receive(const Patience& patience, const WorkProgress* progress);
 
 private:
-    void read(char* target, size_t length, const Patience& patience, Clock::time_point silentUntil,
+    void read(char* target, size_t length, const Patience& patience, Clock::time_point& silentUntil,
               const WorkProgress* progress);
-    void wait(const Patience& patience, Clock::time_point silentUntil, const WorkProgress* progress);
+    void wait(const Patience& patience, Clock::time_point& silentUntil, const WorkProgress* progress);
 
     std::unique_ptr<HelperProcess> m_process;
     std::vector<char> m_content;

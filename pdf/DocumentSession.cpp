@@ -4,7 +4,10 @@
 #include "pdf/Delivery.h"
 #include "pdf/StructureReply.h"
 
+#include <chrono>
+#include <future>
 #include <new>
+#include <system_error>
 #include <utility>
 
 namespace vellmora {
@@ -116,21 +119,58 @@ void DocumentSession::restart(WorkProgress* progress) {
         throw HelperLost(DocumentFailure::unsound);
 }
 
-void DocumentSession::sendComposition(const Composition& composition, ComposeSource source) {
+void DocumentSession::sendCommands(const Composition& composition, ComposeSource source) {
     const size_t size = composition.commands.size() * sizeof(ComposeCommand);
     const FileDescriptor commands = memoryWith(composition.commands.data(), size);
     m_helper->send({DocumentRequestKind::compose, source, size, 0}, commands.get());
-    if (!composition.pictures)
-        return;
-    const QByteArray packed = packedPictures(composition.pictures());
-    const auto packedSize = static_cast<size_t>(packed.size());
-    const FileDescriptor pictures = memoryWith(packed.constData(), packedSize);
-    m_helper->send({DocumentRequestKind::pictures, {}, packedSize, 0}, pictures.get());
 }
 
-QList<qsizetype> DocumentSession::takeFile(const Composition& composition, Delivery& delivery) {
+/// Where they cannot be sent, nobody is left waiting for them.
+void DocumentSession::sendPictures(const Composition& composition) {
+    try {
+        const QByteArray packed = packedPictures(composition.pictures());
+        const auto size = static_cast<size_t>(packed.size());
+        const FileDescriptor pictures = memoryWith(packed.constData(), size);
+        m_helper->send({DocumentRequestKind::pictures, {}, size, 0}, pictures.get());
+    } catch (...) {
+        m_helper->hangUp();
+        throw;
+    }
+}
+
+/// The file is taken while its pictures are still being made: they are the last of it.
+QList<qsizetype> DocumentSession::talk(const Composition& composition, ComposeSource source,
+                                       Delivery& delivery) {
+    sendCommands(composition, source);
+    if (!composition.pictures)
+        return takeFile(composition, delivery, {});
+    // Ends before this function does, however that ends. Where there is no thread to be had, nobody waits.
+    std::future<void> sending;
+    try {
+        sending = std::async(std::launch::async, [&] { sendPictures(composition); });
+    } catch (const std::system_error&) {
+        sending = std::async(std::launch::deferred, [&] { sendPictures(composition); });
+        sending.wait();
+    }
+    const auto areMissing = [&sending] {
+        return sending.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+    };
+    try {
+        QList<qsizetype> incomplete = takeFile(composition, delivery, areMissing);
+        sending.get();
+        return incomplete;
+    } catch (const HelperLost&) {
+        if (sending.valid())
+            sending.get();  // throws what lies behind it, if anything
+        throw;
+    }
+}
+
+/// `areMissing` tells that the process may have to wait for pictures.
+QList<qsizetype> DocumentSession::takeFile(const Composition& composition, Delivery& delivery,
+                                           const std::function<bool()>& areMissing) {
     const DocumentLimits& limits = m_processes.limits();
-    DocumentHelper::Patience patience{limits.silence, std::nullopt};
+    DocumentHelper::Patience patience{limits.silence, std::nullopt, areMissing};
     if (composition.isForView)
         patience.end = DocumentHelper::Clock::now() + limits.view;
     IndexList incomplete(composition.pageCount);
@@ -174,8 +214,7 @@ QList<qsizetype> DocumentSession::composeFrom(ComposeSource source, const Compos
         [&] {
             if (!m_helper)
                 restart(composition.progress);
-            sendComposition(composition, source);
-            return takeFile(composition, delivery);
+            return talk(composition, source, delivery);
         },
         delivery.delivered());
 }

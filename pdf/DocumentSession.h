@@ -92,8 +92,11 @@ private:
                                                     PDFDataConsumer& consumer);
     QList<qsizetype> composeFrom(ComposeSource source, const Composition& composition,
                                  PDFDataConsumer& consumer, const FileSnapshot::DirectReading* file);
-    void sendComposition(const Composition& composition, ComposeSource source);
-    QList<qsizetype> takeFile(const Composition& composition, Delivery& delivery);
+    void sendCommands(const Composition& composition, ComposeSource source);
+    void sendPictures(const Composition& composition);
+    QList<qsizetype> talk(const Composition& composition, ComposeSource source, Delivery& delivery);
+    QList<qsizetype> takeFile(const Composition& composition, Delivery& delivery,
+                              const std::function<bool()>& areMissing);
     [[noreturn]] void fail(const FailedRequest& failed);
     template <typename Task>
     auto attempt(Task task, const qint64& delivered);

@@ -221,10 +221,6 @@ void PageComposer::Writer::writePart() {
 void PageComposer::Writer::beginPart() {
     const std::set<QPDFObjGen>& replaced = m_part->replacedProfiles;
     m_part->copier.tellWritten(m_file.numbers(), replaced, m_written);
-    for (PictureInWork& picture : m_pictures) {
-        if (picture.number == 0)
-            picture.number = m_file.numbers().find(picture.object);
-    }
     m_file.beginPart();
     m_part = std::make_unique<OutputPart>(m_written);
     for (PictureInWork& picture : m_pictures) {
@@ -241,10 +237,10 @@ void PageComposer::Writer::fillPart() {
     for (const auto& [object, number] : m_part->copier.standIns())
         numbers.set(object, number);
     for (PictureInWork& picture : m_pictures) {
+        if (picture.isUsed && picture.number == 0)
+            picture.number = numbers.reserve();
         if (picture.number > 0)
             numbers.set(picture.object, picture.number);
-        else if (picture.isUsed)
-            fillPictureObject(m_part->output, picture.object, picture.make());
     }
 }
 
@@ -254,6 +250,17 @@ void PageComposer::Writer::endPart() {
         source->content().requireReadable();
         source->bringBackObjects();
     }
+}
+
+/// At last: whoever makes them has until then all the time that the rest takes.
+void PageComposer::Writer::writePictures() {
+    for (const PictureInWork& picture : m_pictures) {
+        if (picture.number == 0)
+            continue;
+        fillPictureObject(m_part->output, picture.object, picture.make());
+        m_file.writeReserved(picture.number, picture.object);
+    }
+    writeObjects();
 }
 
 void PageComposer::Writer::write() {
@@ -269,6 +276,7 @@ void PageComposer::Writer::write() {
         m_file.writeReserved(m_pagesNumber, "<</Count " + std::to_string(m_pageCount) + "/Kids[" +
                                                 m_kidsText + "]/Type/Pages>>");
     }
+    writePictures();
     m_file.finish(m_catalogNumber);
     m_consumer.finish();
 }

@@ -49,7 +49,7 @@ private:
         PictureMaker make;
         QPDFObjectHandle object;  ///< of the part
         bool isUsed = false;      ///< in the part
-        int number = 0;           ///< where it is written already
+        int number = 0;           ///< that it will have; 0 where nothing has used it yet
     };
 
     void useSource(const std::shared_ptr<const ParsedFile>& file);
@@ -67,6 +67,7 @@ private:
     void fillPart();
     void writePart();
     void writeObjects();
+    void writePictures();
     void endPart();
     QPDFObjectHandle contentStream(const std::string& content);
 

@@ -76,6 +76,10 @@ void FileWriter::writeReserved(int number, std::string_view text) {
     m_packedText.add(text);
 }
 
+void FileWriter::writeReserved(int number, const Handle& stream) {
+    writeStream(number, stream, {});
+}
+
 void FileWriter::finish(int catalogNumber) {
     writePackedObjects();
     writeCrossReferences(catalogNumber);

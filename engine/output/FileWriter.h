@@ -29,8 +29,9 @@ public:
     void writeObjects(const StoredStreams& streams, const CopiedTexts& texts);
     /// The objects are those of another output from now on. Those of the last one are written.
     void beginPart();
-    /// An object for a number that was reserved.
+    /// An object for a number that was reserved. What a stream refers to is not written yet then.
     void writeReserved(int number, std::string_view text);
+    void writeReserved(int number, const QPDFObjectHandle& stream);
     /// All is written. The consumer is not finished yet.
     void finish(int catalogNumber);
 
