@@ -1,20 +1,25 @@
 #include "base/Error.h"
 #include "base/FileSnapshot.h"
 #include "base/WorkProgress.h"
+#include "pdf/DocumentSession.h"
 #include "pdf/PDFContext.h"
 #include "pdf/PagePdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/RewrittenPdf.h"
 #include "tests/support/TestDocuments.h"
+#include "tests/support/TestImages.h"
 #include "tests/support/TestPdf.h"
 
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <new>
 #include <random>
 #include <string>
 #include <sys/resource.h>
+#include <thread>
 #include <utility>
+#include <vector>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -104,6 +109,28 @@ TEST_F(DocumentProcessTest, AKilledProcessIsReplaced) {
     EXPECT_FALSE(makePagePdf(*document, 0).isEmpty());
     EXPECT_NE(document->processID(), first);
     signal(SIGKILL);
+    EXPECT_EQ(savedPages(*document), 3);
+}
+
+/// The process has nothing else to do than wait for them, for longer than it may be silent.
+TEST_F(DocumentProcessTest, PicturesMayBeLate) {
+    Composition composition;
+    using Kind = ComposeCommand::Kind;
+    composition.commands = {{Kind::beginPage, 0, 0, {}},
+                            {Kind::addPicture, 0, 0, {}},
+                            {Kind::drawPicture, 0, 0, {0, 0, 9, 9}},
+                            {Kind::endPage, 0, 0, {}}};
+    composition.pageCount = 1;
+    composition.pictures = [] {
+        std::this_thread::sleep_for(shortLimits().silence + 1500ms);
+        return std::vector<EncodedPicture>{encodePicture(Image(plainImage(2, 2, QColor(255, 0, 0))))};
+    };
+    MemoryConsumer consumer;
+    document->session().compose(composition, consumer);
+    EXPECT_EQ(documentOf(consumer.bytes())->pageCount(), 1);
+    // Who waits for pictures that cannot be made is told why.
+    composition.pictures = []() -> std::vector<EncodedPicture> { throw std::bad_alloc(); };
+    EXPECT_THROW(document->session().compose(composition, consumer), std::bad_alloc);
     EXPECT_EQ(savedPages(*document), 3);
 }
 
