@@ -85,9 +85,11 @@ public:
     bool restart() override { return false; }
 };
 
-/// Of a file of which nothing is copied before somebody asks for it.
+/// Of a file of which nothing is copied before somebody asks for it, and which the system has in its memory.
 struct OpenDocument {
-    explicit OpenDocument(const QString& path) : content(FileSnapshot::open(path)) {
+    explicit OpenDocument(const QString& path) {
+        readFile(path);
+        content = FileSnapshot::open(path);
         auto session = std::make_unique<DocumentSession>(documentProcesses(), content);
         DocumentStructure structure = session->open(nullptr);
         document = std::make_unique<PDFDocument>(content, std::move(session), std::move(structure));
@@ -168,7 +170,7 @@ TEST_F(DirectSaveTest, AChangeMeanwhileIsRefusedOrAllOfTheNewVersionIsSaved) {
     const auto saved = [](const Victim& file, auto&& consumer) {
         const OpenDocument open(file.path());
         EXPECT_TRUE(open.content->canBeReadDirectly());
-        const QString message = open.save(consumer);
+        QString message = open.save(consumer);
         EXPECT_EQ(message.isEmpty(), consumer.isFinished);
         return message;
     };
