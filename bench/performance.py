@@ -116,7 +116,8 @@ a drag the 99th percentile, for silences and system calls the greatest), "Spread
 The window is driven with real events on a virtual display, and watched from outside: a time ends with the last change
 on the screen. Saving is timed from the start of a process that opens, stamps and writes (others until its end, ours until
 the file has its name, without the final sync to the disk, which no other program does); "that are open" is the part of it
-that the program's user waits for, who opened the document before.
+that the program's user waits for, who opened the document before. Programs, libraries and documents are in the system's memory
+when the clock starts: some systems drop what was not used for a minute or two, and would add 0 to 40 ms of the disk to a start.
 
 Memory is what the program and its helpers have for themselves and what they share, counted once. A silence is the time
 that the window takes to answer the desktop when it asks whether the window is alive, without that for which others had the
