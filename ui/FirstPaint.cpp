@@ -1,8 +1,11 @@
 #include "ui/FirstPaint.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 
 namespace vellmora {
+
+static const auto completedEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 FirstPaint::FirstPaint(MainWindow& window) : m_pictures(window.sidebar().thumbnails()) {
     window.installEventFilter(this);
@@ -25,8 +28,16 @@ bool FirstPaint::eventFilter(QObject* window, QEvent* event) {
 }
 
 void FirstPaint::completeOnce() {
+    // Views are painted with this priority, too: this comes after those that show the last picture.
     if (disconnect(&m_pictures, &Thumbnails::settled, this, nullptr))
-        Q_EMIT completed();
+        QCoreApplication::postEvent(this, new QEvent(completedEvent), Qt::LowEventPriority);
+}
+
+bool FirstPaint::event(QEvent* event) {
+    if (event->type() != completedEvent)
+        return QObject::event(event);
+    Q_EMIT completed();
+    return true;
 }
 
 }  // namespace vellmora

@@ -12,12 +12,13 @@ public:
     explicit FirstPaint(MainWindow& window);
 
 Q_SIGNALS:
-    /// Once, on a turn of the event loop after the window was painted with all that is in it and the
-    /// library's pictures in sight have come.
+    /// Once, on a turn of the event loop after the window was painted with all that is in it, the library's
+    /// pictures in sight too.
     void completed();
 
 protected:
     bool eventFilter(QObject* window, QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     void completeOnce();

@@ -250,11 +250,31 @@ TEST(ThemeTest, EveryTextCanBeReadInLightAndDark) {
     EXPECT_NEAR(Theme::contrast(Qt::white, Qt::black), 21, 0.01);
 }
 
+/// Sees whether pictures that came were painted.
+class PaintWatcher : public QObject {
+public:
+    explicit PaintWatcher(MainWindow& window) {
+        qApp->installEventFilter(this);
+        connect(&window.sidebar().thumbnails(), &Thumbnails::changed, this, [this] { isPainted = false; });
+    }
+
+    bool isPainted = true;
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        isPainted |= event->type() == QEvent::Paint && qobject_cast<PictureView*>(object);
+        return false;
+    }
+};
+
 TEST_F(WindowLayoutTest, TellsOnceThatTheWindowIsComplete) {
     for (const bool hasPictures : {false, true}) {
         MainWindow fresh(callbacks(), Theme(SystemFonts::load()));
         FirstPaint firstPaint(fresh);
         QSignalSpy completed(&firstPaint, &FirstPaint::completed);
+        const PaintWatcher watcher(fresh);
+        QObject::connect(&firstPaint, &FirstPaint::completed, &watcher,
+                         [&watcher] { EXPECT_TRUE(watcher.isPainted) << "the last picture, too"; });
         if (hasPictures) {
             StampPreset preset;
             fresh.sidebar().setLibrary({{preset}, {}, preset, preset.id});
