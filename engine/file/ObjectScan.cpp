@@ -1,5 +1,7 @@
 #include "engine/file/ObjectScan.h"
 
+#include "engine/objects/Characters.h"
+
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -11,10 +13,6 @@ namespace {
 constexpr std::string_view space{" \t\r\n\f\0", 6};
 constexpr std::string_view delimiters = "()<>[]{}/%";
 constexpr size_t longestHeader = 40;
-
-bool isOneOf(std::string_view characters, char character) {
-    return characters.find(character) != std::string_view::npos;
-}
 
 /// Takes blanks and then digits from the end of the text; the digits must be a number.
 std::optional<int> takeLastNumber(std::string_view& text) {

@@ -1,5 +1,7 @@
 #include "engine/file/TokenMending.h"
 
+#include "engine/objects/Characters.h"
+
 #include <algorithm>
 #include <charconv>
 #include <limits>
@@ -15,10 +17,6 @@ constexpr std::string_view endsWord{" \t\r\n\f\0()<>[]{}/%", 16};
 constexpr std::string_view digits = "0123456789";
 /// libqpdf takes 499 containers within one another.
 constexpr size_t greatestDepth = 480;
-
-bool isOneOf(std::string_view characters, char character) {
-    return characters.find(character) != std::string_view::npos;
-}
 
 /// The words of an object, one after the other.
 class Words {

@@ -1,5 +1,7 @@
 #include "engine/output/ObjectText.h"
 
+#include "engine/objects/Characters.h"
+
 #include <algorithm>
 
 namespace vellmora {
@@ -38,25 +40,18 @@ int ObjectNumbers::reserve() {
 
 namespace {
 
-constexpr bool isOneOf(char c, std::string_view characters) {
-    bool isFound = false;
-    for (const char other : characters)
-        isFound |= c == other;
-    return isFound;
-}
-
 /// A name may be empty: what follows its slash directly would be taken for it.
 bool endsWord(char last) {
-    return isOneOf(last, "\n )>[]<");
+    return isOneOf("\n )>[]<", last);
 }
 
 bool startsWord(char first) {
-    return isOneOf(first, "(<>[]/");
+    return isOneOf("(<>[]/", first);
 }
 
 /// A character that stands for itself in a name.
 bool isPlain(char c) {
-    return c > ' ' && c <= '~' && !isOneOf(c, "#()<>[]{}/%");
+    return c > ' ' && c <= '~' && !isOneOf("#()<>[]{}/%", c);
 }
 
 /// libqpdf keeps a sign that escapes nothing as a null character, and would write one that was escaped
