@@ -89,7 +89,8 @@ public:
     const QString& path() const { return m_path; }
 
     void readAhead() {
-        m_queue.run([this] { copyAll(); });
+        if (!m_isBegun.exchange(true))
+            m_queue.run([this] { copyAll(); });
     }
 
     void requireReadable() const {
@@ -197,6 +198,7 @@ private:
     std::mutex m_mutex;
     std::vector<char> m_piece;
     std::atomic<int> m_error = 0;
+    std::atomic<bool> m_isBegun = false;
     std::atomic<bool> m_isEnding = false;
     std::once_flag m_compared;
     SerialQueue m_queue{SerialQueue::Priority::lowest};  ///< last: it ends first

@@ -45,7 +45,7 @@ public:
     /// at some time after `readAhead()`, another one never.
     std::string_view view(size_t offset, size_t length) const;
 
-    /// Begins to copy all that is left.
+    /// Begins to copy all that is left, unless that is being done.
     void readAhead() const;
 
     /// Throws the `Error` of what could not be read so far, or of a file that is known to have changed.

@@ -249,6 +249,8 @@ std::optional<QList<qsizetype>> DocumentSession::composeDirectly(const Compositi
 
 QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDataConsumer& consumer) {
     if (composition.isForView) {
+        // Not before: a save that is all that is asked for reads the file itself.
+        m_content->readAhead();
         const std::unique_lock lock = waitForTurn(composition.progress);
         return composeFrom(ComposeSource::anyBytes, composition, consumer, nullptr);
     }

@@ -24,7 +24,6 @@ std::shared_ptr<const PDFDocument> PDFDocument::fromContent(
     try {
         auto session = std::make_unique<DocumentSession>(processes, content);
         DocumentStructure structure = session->open(progress);
-        content->readAhead();
         return std::make_shared<const PDFDocument>(content, std::move(session), std::move(structure));
     } catch (...) {
         throw Error::current();

@@ -2,15 +2,16 @@
 //
 //   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--pause MS]
 //
-// Page numbers are 1-based, rectangles in page points; the pause is between opening and saving. One JSON line
-// for each run; of the export's time, `sync_ms` was spent on waiting for the disk. What the new file lacks of
-// the source is told on standard error. Exit codes: 0 done, 1 wrong arguments, 2 the PDF could not be opened,
-// 3 the export failed (message on standard error).
+// Page numbers are 1-based, rectangles in page points; in the pause between opening and saving the first page
+// is looked at, as the window does. One JSON line for each run; of the export's time, `sync_ms` was spent on
+// waiting for the disk. What the new file lacks of the source is told on standard error. Exit codes: 0 done,
+// 1 wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on standard error).
 
 #include "base/Error.h"
 #include "base/Files.h"
 #include "export/PDFExporter.h"
 #include "pdf/DocumentProcesses.h"
+#include "pdf/PagePdf.h"
 
 #include <chrono>
 #include <cstdio>
@@ -138,7 +139,10 @@ int run(const Arguments& arguments) {
             return 2;
         const double openTime = milliseconds(timer);
         const StampsByPage stamps = placeStamps(arguments, document->pageCount());
-        std::this_thread::sleep_for(arguments.pause);
+        if (arguments.pause.count() > 0) {
+            makePagePdf(*document, 0);
+            std::this_thread::sleep_for(arguments.pause);
+        }
         syncTime = 0;
         timer.restart();
         const QString missing = PDFExporter::save(*document, stamps, out);

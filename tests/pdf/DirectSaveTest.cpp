@@ -1,8 +1,8 @@
 #include "base/Error.h"
 #include "base/FileSnapshot.h"
 #include "base/FileState.h"
-#include "pdf/DocumentSession.h"
 #include "pdf/PDFContext.h"
+#include "pdf/PagePdf.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
@@ -11,6 +11,7 @@
 #include <thread>
 #include <utility>
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -85,14 +86,12 @@ public:
     bool restart() override { return false; }
 };
 
-/// Of a file of which nothing is copied before somebody asks for it, and which the system has in its memory.
+/// Of a file which the system has in its memory.
 struct OpenDocument {
     explicit OpenDocument(const QString& path) {
         readFile(path);
-        content = FileSnapshot::open(path);
-        auto session = std::make_unique<DocumentSession>(documentProcesses(), content);
-        DocumentStructure structure = session->open(nullptr);
-        document = std::make_unique<PDFDocument>(content, std::move(session), std::move(structure));
+        document = PDFDocument::open(QUrl::fromLocalFile(path), documentProcesses());
+        content = document->content();
     }
 
     /// The message of what is thrown; empty where nothing is.
@@ -110,7 +109,7 @@ struct OpenDocument {
     }
 
     std::shared_ptr<const FileSnapshot> content;
-    std::unique_ptr<PDFDocument> document;
+    std::shared_ptr<const PDFDocument> document;
 };
 
 class DirectSaveTest : public testing::Test {
@@ -147,11 +146,14 @@ TEST_F(DirectSaveTest, WhatIsNotCopiedIsSavedStraightFromTheFileThatNobodyTouche
         EXPECT_EQ(open.save(consumer), QString());
         expectPicture(consumer.bytes(), QByteArray(scanSize, 'a'));
     }
-    open.content->readAhead();
+    EXPECT_FALSE(makePagePdf(*open.document, 0).isEmpty());
     MemoryConsumer meanwhile;
     EXPECT_EQ(open.save(meanwhile), QString());
     expectPicture(meanwhile.bytes(), QByteArray(scanSize, 'a'));
-    open.content->requireWhole();
+    const QDeadlineTimer end(10000);
+    while (open.content->view(0, 1).empty() && !end.hasExpired())
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_FALSE(open.content->view(0, 1).empty()) << "once a page was looked at, all of it is copied";
     EXPECT_FALSE(open.content->canBeReadDirectly());
     file.cutOff();
     MemoryConsumer consumer;
