@@ -1,11 +1,12 @@
 // Stamps a PDF with the code that the program saves with, and prints what it took.
 //
-//   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--pause MS]
+//   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--look N]
 //
-// Page numbers are 1-based, rectangles in page points; in the pause between opening and saving the first page
-// is looked at, as the window does. One JSON line for each run; of the export's time, `sync_ms` was spent on
-// waiting for the disk. What the new file lacks of the source is told on standard error. Exit codes: 0 done,
-// 1 wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on standard error).
+// Page numbers are 1-based, rectangles in page points. With `--look` that page is looked at before saving, as
+// in the window, and a line on standard input is waited for. One JSON line for each run; of the export's time,
+// `sync_ms` was spent on waiting for the disk. What the new file lacks of the source is told on standard error.
+// Exit codes: 0 done, 1 wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on
+// standard error).
 
 #include "base/Error.h"
 #include "base/Files.h"
@@ -13,11 +14,11 @@
 #include "pdf/DocumentProcesses.h"
 #include "pdf/PagePdf.h"
 
-#include <chrono>
 #include <cstdio>
+#include <iostream>
 #include <optional>
+#include <string>
 #include <sys/syscall.h>
-#include <thread>
 #include <unistd.h>
 
 #include <QCoreApplication>
@@ -45,7 +46,7 @@ struct Arguments {
     QString out;
     QList<PlacedPicture> pictures;
     int repeat = 1;
-    std::chrono::milliseconds pause{0};
+    qsizetype lookedAt = 0;  ///< none
 };
 
 std::optional<Rect> parseRect(const QString& text) {
@@ -70,9 +71,9 @@ bool applyOption(Arguments& arguments, const QString& option, const QString& val
         arguments.repeat = value.toInt();
         return arguments.repeat > 0;
     }
-    if (option == QStringLiteral("--pause")) {
-        arguments.pause = std::chrono::milliseconds(value.toInt());
-        return arguments.pause.count() > 0;
+    if (option == QStringLiteral("--look")) {
+        arguments.lookedAt = value.toLongLong();
+        return arguments.lookedAt > 0;
     }
     if (arguments.pictures.isEmpty())
         return false;
@@ -139,9 +140,10 @@ int run(const Arguments& arguments) {
             return 2;
         const double openTime = milliseconds(timer);
         const StampsByPage stamps = placeStamps(arguments, document->pageCount());
-        if (arguments.pause.count() > 0) {
-            makePagePdf(*document, 0);
-            std::this_thread::sleep_for(arguments.pause);
+        if (arguments.lookedAt > 0) {
+            makePagePdf(*document, arguments.lookedAt - 1);
+            std::string line;
+            std::getline(std::cin, line);
         }
         syncTime = 0;
         timer.restart();
@@ -175,8 +177,8 @@ int main(int argc, char** argv) {
         const auto arguments = parseArguments(QCoreApplication::arguments());
         if (!arguments) {
             std::fputs(
-                "export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--pause "
-                "MS]\n",
+                "export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--look "
+                "N]\n",
                 stderr);
             return 1;
         }

@@ -10,7 +10,7 @@ from pathlib import Path
 
 from .processes import memory_of
 from .samples import Row, in_turn
-from .warm_files import warm
+from .warming import warm_files, warm_memory
 
 PEERS = Path(__file__).resolve().parent.parent / "peers"
 PLACE = "200,642,200,80"
@@ -34,8 +34,8 @@ def peer_commands(inputs, source, target):
 
 
 def pause_for(source):
-    """Milliseconds in which a document that was opened is read to its end."""
-    return 800 + 4 * source.stat().st_size // 1_000_000
+    """Seconds in which a document that was opened is read to its end."""
+    return 0.8 + 0.004 * source.stat().st_size / MEGABYTE
 
 
 class SaveRows:
@@ -48,7 +48,8 @@ class SaveRows:
     def prepare(self, source):
         self.target.unlink(missing_ok=True)
         os.sync()  # what others wrote before is not to be written on the next one's time
-        warm([source])
+        warm_files([source])
+        warm_memory(2 * source.stat().st_size)
 
     def timed(self, source, command):
         """Milliseconds of the whole process."""
@@ -60,7 +61,7 @@ class SaveRows:
     def start(self, source, *words):
         return subprocess.Popen([str(word) for word in (
             self.programs / "tools/export_pdf", source, self.target, "--png", self.inputs / "stamp.png", "--page", "all",
-            "--rect", PLACE, *words)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+            "--rect", PLACE, *words)], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def ours(self, source):
         """Time from the start of the process until the file is there (the program does not end with a save), without
@@ -86,7 +87,10 @@ class SaveRows:
     def of_an_open_document(self, source):
         """The part of that which the program's user waits for, who opened the document earlier."""
         self.prepare(source)
-        output, _ = self.start(source, "--pause", pause_for(source)).communicate()
+        process = self.start(source, "--look", 1)
+        time.sleep(pause_for(source))
+        warm_memory(2 * source.stat().st_size)
+        output, _ = process.communicate(b"\n")
         told = json.loads(output)
         return told["export_ms"] - told["sync_ms"]
 

@@ -8,7 +8,7 @@ from pathlib import Path
 from lib.virtual_desktop import WAIT_SECONDS, Accessibility, VirtualDesktop
 
 from .processes import wait_for_rest
-from .warm_files import files_of, warm
+from .warming import files_of, warm_files
 
 WHOLE_SCREEN = (0, 0, 1600, 1000)
 REST = 800  # milliseconds without any drawing after which nothing more is to come
@@ -87,7 +87,7 @@ class Screen:
     @contextmanager
     def running(self, program, *arguments, home, env=None):
         """The program once its window is there; with the time that this took."""
-        warm(self.files.get(self.programs / program, ()))
+        warm_files(self.files.get(self.programs / program, ()))
         watching = self.probe("watch", WHOLE_SCREEN)
         started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
         process = self.started(program, *arguments, home=home, env=env)
@@ -103,7 +103,7 @@ class Screen:
 
     def time_to_rest(self, program, home):
         """Until the window is complete and all threads of the program and its helpers sleep."""
-        warm(self.files.get(self.programs / program, ()))
+        warm_files(self.files.get(self.programs / program, ()))
         watching = self.probe("watch", WHOLE_SCREEN)
         started = time.clock_gettime(time.CLOCK_MONOTONIC) * 1000
         process = self.started(program, home=home)
@@ -139,5 +139,5 @@ class Screen:
 
     def open_document(self, path, area):
         self.choose_document(path)
-        warm([path])
+        warm_files([path])
         return self.use("key", area, "Return")
