@@ -11,6 +11,8 @@ namespace vellmora {
 
 /// So often it is asked whether a silence is still excused.
 constexpr std::chrono::milliseconds excuseInterval{1000};
+/// Room for many short replies, or for a part of a long one.
+constexpr size_t usualLength = 32 << 10;
 
 DocumentHelper::DocumentHelper(std::unique_ptr<HelperProcess> process, const Patience& forStart,
                                const WorkProgress* progress)
@@ -33,29 +35,41 @@ void DocumentHelper::hangUp() {
 DocumentHelper::Reply DocumentHelper::receive(const Patience& patience, const WorkProgress* progress) {
     Clock::time_point silentUntil = Clock::now() + patience.silence;
     DocumentReplyHeader header{};
-    read(reinterpret_cast<char*>(&header), sizeof header, patience, silentUntil, progress);
+    const std::string_view start = take(sizeof header, patience, silentUntil, progress);
+    std::memcpy(&header, start.data(), start.size());
     if (header.length > maxReplyLength)
         throw HelperLost(DocumentFailure::unsound);
-    m_content.resize(header.length);
-    read(m_content.data(), m_content.size(), patience, silentUntil, progress);
-    return {static_cast<DocumentReplyKind>(header.kind), {m_content.data(), m_content.size()}};
+    return {static_cast<DocumentReplyKind>(header.kind),
+            take(header.length, patience, silentUntil, progress)};
 }
 
-void DocumentHelper::read(char* target, size_t length, const Patience& patience,
-                          Clock::time_point& silentUntil, const WorkProgress* progress) {
-    while (length > 0) {
-        const ssize_t count = ::recv(m_process->socket(), target, length, MSG_DONTWAIT);
-        if (count > 0) {
-            target += count;
-            length -= static_cast<size_t>(count);
-        } else if (count < 0 && errno == EAGAIN) {
-            wait(patience, silentUntil, progress);
-        } else if (count == 0 || errno != EINTR) {
-            throw HelperLost(DocumentFailure::ended);
-        }
-        if (progress && progress->isCancelled())
-            throw WorkProgress::cancelledError();
+/// The next bytes that the process says. They are valid until the next ones are taken.
+std::string_view DocumentHelper::take(size_t length, const Patience& patience, Clock::time_point& silentUntil,
+                                      const WorkProgress* progress) {
+    if (m_end - m_begin < length) {
+        std::memmove(m_received.data(), m_received.data() + m_begin, m_end - m_begin);
+        m_end -= std::exchange(m_begin, 0);
+        m_received.resize(std::max({m_received.size(), length, usualLength}));
     }
+    while (m_end < m_begin + length)
+        receiveMore(patience, silentUntil, progress);
+    if (progress && progress->isCancelled())
+        throw WorkProgress::cancelledError();
+    return {m_received.data() + std::exchange(m_begin, m_begin + length), length};
+}
+
+void DocumentHelper::receiveMore(const Patience& patience, Clock::time_point& silentUntil,
+                                 const WorkProgress* progress) {
+    const ssize_t count =
+        ::recv(m_process->socket(), m_received.data() + m_end, m_received.size() - m_end, MSG_DONTWAIT);
+    if (count > 0)
+        m_end += static_cast<size_t>(count);
+    else if (count < 0 && errno == EAGAIN)
+        wait(patience, silentUntil, progress);
+    else if (count == 0 || errno != EINTR)
+        throw HelperLost(DocumentFailure::ended);
+    if (progress && progress->isCancelled())
+        throw WorkProgress::cancelledError();
 }
 
 void DocumentHelper::wait(const Patience& patience, Clock::time_point& silentUntil,

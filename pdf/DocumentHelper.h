@@ -60,12 +60,16 @@ public:
     Reply receive(const Patience& patience, const WorkProgress* progress);
 
 private:
-    void read(char* target, size_t length, const Patience& patience, Clock::time_point& silentUntil,
-              const WorkProgress* progress);
+    std::string_view take(size_t length, const Patience& patience, Clock::time_point& silentUntil,
+                          const WorkProgress* progress);
+    void receiveMore(const Patience& patience, Clock::time_point& silentUntil, const WorkProgress* progress);
     void wait(const Patience& patience, Clock::time_point& silentUntil, const WorkProgress* progress);
 
     std::unique_ptr<HelperProcess> m_process;
-    std::vector<char> m_content;
+    // What was received; what nobody has taken yet lies between the two.
+    std::vector<char> m_received;
+    size_t m_begin = 0;
+    size_t m_end = 0;
 };
 
 template <typename Value>

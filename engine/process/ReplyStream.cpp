@@ -14,10 +14,15 @@ namespace {
 
 /// The program is told that often, and does not wait for much longer.
 constexpr std::chrono::milliseconds interval{200};
+/// The program writes so many bytes in some milliseconds. It is not woken for less, and the system keeps more
+/// of what it is told while it writes.
+constexpr qint64 enoughWork = 4 << 20;
+/// What is as long as that is not copied.
+constexpr size_t longReply = 16 << 10;
 
-void sendAll(std::string_view bytes, int flags) {
+void sendAll(std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t count = ::send(helperSocket, bytes.data(), bytes.size(), MSG_NOSIGNAL | flags);
+        const ssize_t count = ::send(helperSocket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
@@ -29,11 +34,26 @@ void sendAll(std::string_view bytes, int flags) {
 }  // namespace
 
 void ReplyStream::send(DocumentReplyKind kind, std::string_view content) {
+    add(kind, content);
+    flush();
+}
+
+void ReplyStream::add(DocumentReplyKind kind, std::string_view content) {
     const DocumentReplyHeader header{static_cast<std::uint32_t>(kind),
                                      static_cast<std::uint32_t>(content.size())};
-    const std::string_view start(reinterpret_cast<const char*>(&header), sizeof header);
-    sendAll(start, content.empty() ? 0 : MSG_MORE);
-    sendAll(content, 0);
+    m_unsent.append(reinterpret_cast<const char*>(&header), sizeof header);
+    if (content.size() < longReply) {
+        m_unsent += content;
+    } else {
+        flush();
+        sendAll(content);
+    }
+}
+
+void ReplyStream::flush() {
+    sendAll(m_unsent);
+    m_unsent.clear();
+    m_unsentWork = 0;
     m_lastSent = Clock::now();
 }
 
@@ -67,12 +87,17 @@ std::optional<SourceRange> ReplyStream::sharedRange(const char* bytes, qint64 co
 }
 
 void ReplyStream::write(const char* bytes, qint64 count) {
-    if (const auto range = sharedRange(bytes, count))
-        return send(DocumentReplyKind::source, *range);
-    for (qint64 sent = 0; sent < count; sent += maxReplyLength) {
-        const qint64 length = std::min<qint64>(count - sent, maxReplyLength);
-        send(DocumentReplyKind::data, std::string_view(bytes + sent, static_cast<size_t>(length)));
+    m_unsentWork += count;
+    if (const auto range = sharedRange(bytes, count)) {
+        add(DocumentReplyKind::source, contentOf(*range));
+    } else {
+        for (qint64 added = 0; added < count; added += maxReplyLength) {
+            const qint64 length = std::min<qint64>(count - added, maxReplyLength);
+            add(DocumentReplyKind::data, std::string_view(bytes + added, static_cast<size_t>(length)));
+        }
     }
+    if (m_unsentWork >= enoughWork || m_unsent.size() >= longReply)
+        flush();
 }
 
 }  // namespace vellmora
