@@ -4,7 +4,7 @@
 #include "base/FileError.h"
 #include "base/FileState.h"
 #include "base/Files.h"
-#include "base/SerialQueue.h"
+#include "base/WorkProgress.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -81,16 +81,19 @@ public:
           m_path(std::move(path)),
           m_target(target),
           m_opened(FileState::of(m_file, m_path)) {}
-    ~Copying() { m_isEnding = true; }
     Copying(const Copying&) = delete;
     Copying& operator=(const Copying&) = delete;
 
     const FileDescriptor& file() const { return m_file; }
     const QString& path() const { return m_path; }
 
-    void readAhead() {
-        if (!m_isBegun.exchange(true))
-            m_queue.run([this] { copyAll(); });
+    void copyAll(const WorkProgress& progress) {
+        while (!progress.isCancelled() && copyNext()) {
+        }
+        if (!progress.isCancelled() && m_error == 0)
+            compareStates();
+        if (!progress.isCancelled() && m_error == 0)
+            m_target.m_memory.map();
     }
 
     void requireReadable() const {
@@ -102,7 +105,7 @@ public:
     /// more would take as long as to save it.
     bool isUntouched(const FileState& state) const { return !m_opened.isRecent && state == m_opened; }
 
-    /// On this thread too, since that one has the lowest priority.
+    /// On this thread too, since the one of `copyAll` may have a low priority.
     void requireCopied() {
         while (copyNext()) {
         }
@@ -145,15 +148,6 @@ public:
     }
 
 private:
-    void copyAll() {
-        while (!m_isEnding && copyNext()) {
-        }
-        if (!m_isEnding && m_error == 0)
-            compareStates();
-        if (!m_isEnding && m_error == 0)
-            m_target.m_memory.map();
-    }
-
     /// False where nothing is left, or nothing can be read any more.
     bool copyNext() {
         const std::scoped_lock lock(m_mutex);
@@ -198,10 +192,7 @@ private:
     std::mutex m_mutex;
     std::vector<char> m_piece;
     std::atomic<int> m_error = 0;
-    std::atomic<bool> m_isBegun = false;
-    std::atomic<bool> m_isEnding = false;
     std::once_flag m_compared;
-    SerialQueue m_queue{SerialQueue::Priority::lowest};  ///< last: it ends first
 };
 
 /// Nothing where the file has changed meanwhile, or where it cannot be read in the way that `flags` ask for.
@@ -275,9 +266,9 @@ Error FileSnapshot::readingError(int error) const {
     return readingFailure(error, m_copying ? m_copying->path() : QString());
 }
 
-void FileSnapshot::readAhead() const {
+void FileSnapshot::copyAll(const WorkProgress& progress) const {
     if (m_copying)
-        m_copying->readAhead();
+        m_copying->copyAll(progress);
 }
 
 void FileSnapshot::requireReadable() const {

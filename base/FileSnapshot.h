@@ -14,15 +14,16 @@
 namespace vellmora {
 
 class FileDescriptor;
+class WorkProgress;
 struct FileState;
 namespace files {
 struct OpenedFile;
 }
 
 /// The bytes of a file, in memory that this program alone can write to. A small file is there at once, a
-/// larger one too where the system has it in memory, a large one is copied by a thread of its own from
-/// `readAhead()` on. Once it is copied, the file itself is not needed any more. A file that changed while it
-/// was copied is noticed: its bytes may be of two versions.
+/// larger one too where the system has it in memory, a large one is copied by whoever needs it, or has the
+/// time for it (`copyAll`). Once it is copied, the file itself is not needed any more. A file that changed
+/// while it was copied is noticed: its bytes may be of two versions.
 ///
 /// Another process can read along (`SnapshotReader`). May be used by several threads at a time.
 class FileSnapshot {
@@ -42,11 +43,12 @@ public:
     void read(size_t offset, char* target, size_t length) const;
 
     /// The same where it lies, without a copy. Empty where that would take longer: a large file can be looked
-    /// at some time after `readAhead()`, another one never.
+    /// at after `copyAll()`, another one never.
     std::string_view view(size_t offset, size_t length) const;
 
-    /// Begins to copy all that is left, unless that is being done.
-    void readAhead() const;
+    /// Copies all that is left, unless it is cancelled. What cannot be read, or has changed, is told by
+    /// `requireReadable` then.
+    void copyAll(const WorkProgress& progress) const;
 
     /// Throws the `Error` of what could not be read so far, or of a file that is known to have changed.
     void requireReadable() const;

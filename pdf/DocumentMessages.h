@@ -20,6 +20,7 @@ namespace vellmora {
 enum class DocumentRequestKind : std::uint32_t {
     open,      ///< comes with the snapshot's memory and, where it is not all there, the file
     compose,   ///< a new file; comes with memory that holds its `ComposeCommand`s
+    settle,    ///< the snapshot is whole: what was read from the file need not be kept; not answered
     pictures,  ///< comes after `compose` where that adds pictures, with memory that holds them
 };
 

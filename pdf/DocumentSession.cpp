@@ -42,6 +42,10 @@ void report(const DocumentHelper::Reply& reply, WorkProgress* progress) {
 DocumentSession::DocumentSession(DocumentProcesses& processes, std::shared_ptr<const FileSnapshot> content)
     : m_processes(processes), m_content(std::move(content)) {}
 
+DocumentSession::~DocumentSession() {
+    m_keeping.cancel();
+}
+
 std::optional<pid_t> DocumentSession::processID() const {
     const std::scoped_lock lock(m_turn);
     return m_helper ? std::optional(m_helper->pid()) : std::nullopt;
@@ -112,6 +116,27 @@ std::unique_lock<DocumentSession::Turn> DocumentSession::waitForTurn(const WorkP
             throw WorkProgress::cancelledError();
     }
     return std::unique_lock(m_turn, std::adopt_lock);
+}
+
+/// Who looks at a page will do so for a while: has all that is left of a large file copied. Not before: a
+/// save that is all that is asked for reads the file itself.
+void DocumentSession::keepContent() {
+    if (m_content->file() < 0)
+        return;
+    std::call_once(m_isKept, [this] {
+        m_inBackground.run([this] {
+            m_content->copyAll(m_keeping);
+            settle();
+        });
+    });
+}
+
+/// Both processes share what is copied from now on. A process that is gone needs nothing.
+void DocumentSession::settle() {
+    m_content->requireReadable();
+    const std::unique_lock lock = waitForTurn(&m_keeping);
+    if (m_helper)
+        m_helper->send({DocumentRequestKind::settle, {}, 0, 0}, m_content->memory());
 }
 
 void DocumentSession::restart(WorkProgress* progress) {
@@ -249,8 +274,7 @@ std::optional<QList<qsizetype>> DocumentSession::composeDirectly(const Compositi
 
 QList<qsizetype> DocumentSession::compose(const Composition& composition, PDFDataConsumer& consumer) {
     if (composition.isForView) {
-        // Not before: a save that is all that is asked for reads the file itself.
-        m_content->readAhead();
+        keepContent();
         const std::unique_lock lock = waitForTurn(composition.progress);
         return composeFrom(ComposeSource::anyBytes, composition, consumer, nullptr);
     }

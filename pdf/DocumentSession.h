@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileSnapshot.h"
+#include "base/SerialQueue.h"
 #include "base/WorkProgress.h"
 #include "pdf/DocumentDamage.h"
 #include "pdf/DocumentHelper.h"
@@ -45,12 +46,16 @@ class DocumentSession {
 public:
     /// Both must outlive the object, the content is shared.
     DocumentSession(DocumentProcesses& processes, std::shared_ptr<const FileSnapshot> content);
+    ~DocumentSession();
+    DocumentSession(const DocumentSession&) = delete;
+    DocumentSession& operator=(const DocumentSession&) = delete;
 
     /// To be called first, and once. Throws `Error`.
     DocumentStructure open(WorkProgress* progress);
 
     /// Hands the file's bytes to the consumer, which is not finished. Answers the file's pages on which
-    /// something of the source is missing. Throws the consumer's `Error`, or its own.
+    /// something of the source is missing. Throws the consumer's `Error`, or its own. From the first look at
+    /// a page on, the rest of a large file is copied meanwhile.
     QList<qsizetype> compose(const Composition& composition, PDFDataConsumer& consumer);
 
     /// Of the running process; nothing while there is none.
@@ -85,6 +90,8 @@ private:
         bool m_isTaken = false;
     };
 
+    void keepContent();
+    void settle();
     std::unique_lock<Turn> waitForTurn(const WorkProgress* progress);
     DocumentStructure start(WorkProgress* progress);
     void restart(WorkProgress* progress);
@@ -106,6 +113,9 @@ private:
     size_t m_pageCount = 0;
     mutable Turn m_turn;
     std::unique_ptr<DocumentHelper> m_helper;
+    std::once_flag m_isKept;
+    WorkProgress m_keeping;
+    SerialQueue m_inBackground{SerialQueue::Priority::lowest};  ///< last: it ends first
 };
 
 }  // namespace vellmora

@@ -141,6 +141,8 @@ void DocumentServer::serve(ReceivedDocumentRequest request) {
         open(std::move(request));
     else if (request.message.kind == DocumentRequestKind::compose && m_document)
         compose(request);
+    else if (request.message.kind == DocumentRequestKind::settle && m_content)
+        settle();
     else
         throw std::logic_error("not now");
 }
@@ -167,6 +169,14 @@ void DocumentServer::sendPages() {
             {valuesOf(page.bounds(DisplayBox::mediaBox)), valuesOf(page.bounds(DisplayBox::cropBox))});
     }
     m_replies.sendMany(DocumentReplyKind::pages, pages);
+}
+
+/// Where the file has changed meanwhile, or memory is short, a save will tell.
+void DocumentServer::settle() {
+    try {
+        m_content->agreesWithSnapshot();
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 /// False where something else was read than what the snapshot holds.

@@ -21,6 +21,7 @@ private:
     void serve(ReceivedDocumentRequest request);
     void open(ReceivedDocumentRequest request);
     void sendPages();
+    void settle();
     bool prepareFor(ComposeSource source);
     void compose(const ReceivedDocumentRequest& request);
 

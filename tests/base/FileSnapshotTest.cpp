@@ -1,6 +1,7 @@
 #include "base/Error.h"
 #include "base/FileSnapshot.h"
 #include "base/SnapshotReader.h"
+#include "base/WorkProgress.h"
 #include "pdf/PDFContext.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestDocuments.h"
@@ -97,7 +98,7 @@ TEST_F(FileSnapshotTest, ManyReadersGetTheSameBytesInAnyOrder) {
             wrong += reader.agreesWithSnapshot() ? 0 : 1;
         });
     }
-    content->readAhead();
+    content->copyAll(WorkProgress());
     threads.clear();
     EXPECT_EQ(wrong, 0);
     EXPECT_TRUE(contentOf(*content) == bytes);
@@ -163,9 +164,11 @@ TEST_F(FileSnapshotTest, ALargeOneIsLookedAtWhereItLies) {
     writeFile(path, bytes);
     const auto content = FileSnapshot::open(path);
     EXPECT_TRUE(content->view(0, 1).empty());
-    content->readAhead();
-    while (content->view(0, 1).empty())
-        std::this_thread::yield();
+    WorkProgress cancelled;
+    cancelled.cancel();
+    content->copyAll(cancelled);
+    EXPECT_TRUE(content->view(0, 1).empty());
+    content->copyAll(WorkProgress());
     const size_t size = content->size();
     EXPECT_TRUE(content->view(0, size) == std::string_view(bytes.constData(), size));
     EXPECT_EQ(content->view(size - 1, 1), "z");

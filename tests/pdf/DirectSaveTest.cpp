@@ -161,6 +161,32 @@ TEST_F(DirectSaveTest, WhatIsNotCopiedIsSavedStraightFromTheFileThatNobodyTouche
     expectPicture(consumer.bytes(), QByteArray(scanSize, 'a'));
 }
 
+/// Of a process, without what it shares with others; in bytes.
+qint64 ownMemory(pid_t process) {
+    const QByteArray status = readFile(QStringLiteral("/proc/%1/status").arg(process));
+    const qsizetype start = status.indexOf("RssAnon:") + 8;
+    return status.sliced(start, status.indexOf("kB", start) - start).trimmed().toLongLong() << 10;
+}
+
+TEST_F(DirectSaveTest, WhatTheProcessReadOfTheFileItSharesOnceAllIsCopied) {
+    PdfBuilder builder;
+    for (int i = 0; i < 400; ++i)
+        builder.page("/MediaBox [0 0 300 400]", "%" + std::string(64 << 10, 'a'));
+    const QString path = folder.filePath(QStringLiteral("seiten.pdf"));
+    writeFile(path, builder.bytes());
+    const OpenDocument open(path);
+    const pid_t process = open.document->processID().value();
+    const qint64 before = ownMemory(process);
+    EXPECT_FALSE(makePagePdf(*open.document, 0).isEmpty());
+    const QDeadlineTimer end(10000);
+    while (ownMemory(process) > before - (2 << 20) && !end.hasExpired())
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_LE(ownMemory(process), before - (2 << 20)) << "some 3 MB were read for 400 pages";
+    MemoryConsumer consumer;
+    EXPECT_EQ(open.save(consumer), QString());
+    EXPECT_EQ(open.document->processID(), process);
+}
+
 TEST_F(DirectSaveTest, AChangeMeanwhileIsRefusedOrAllOfTheNewVersionIsSaved) {
     const Victim scan = victim(QStringLiteral("scan.pdf"));
     const Victim page = victim(QStringLiteral("page.pdf"));
