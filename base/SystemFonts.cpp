@@ -1,11 +1,14 @@
 #include "base/SystemFonts.h"
 
 #include <array>
+#include <cstdint>
 #include <optional>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <QByteArray>
-#include <QFile>
 #include <QFontDatabase>
+#include <QResource>
 #include <QtEndian>
 
 // Qt's macro must be called outside of any namespace.
@@ -16,11 +19,6 @@ static void initializeFontResources() {
 namespace vellmora {
 
 namespace {
-
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// Where a table of a font file begins; nothing where the file has none of this name (OpenType, "Table
 /// directory").
@@ -35,20 +33,39 @@ std::optional<qsizetype> tableStart(const QByteArray& font, const char* name) {
     return std::nullopt;
 }
 
+/// Makes memory of the program's own file writable. Of what is written to, the system makes a copy page by
+/// page; all else stays the file's.
+bool makeWritable(const char* bytes, size_t length) {
+    const auto pageSize = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+    const auto begin = reinterpret_cast<std::uintptr_t>(bytes);
+    const std::uintptr_t start = begin / pageSize * pageSize;
+    return ::mprotect(reinterpret_cast<void*>(start), begin + length - start, PROT_READ | PROT_WRITE) == 0;
+}
+
 /// The family's lines end below the accents of capitals, and ask for a gap between them instead. With the gap
 /// put on top of the line (OpenType, "OS/2"), no accent is cut off where a text has its line and no more.
-QByteArray withRoomForAccents(QByteArray font) {
+/// Written where the font lies in memory: a copy of all five would take three megabytes.
+void makeRoomForAccents(const QByteArray& font) {
     constexpr qsizetype typoAscender = 68;
     constexpr qsizetype typoLineGap = 72;
     const std::optional<qsizetype> start = tableStart(font, "OS/2");
     if (!start || *start + typoLineGap + 2 > font.size())
-        return font;
-    char* table = font.data() + *start;
+        return;
+    const char* table = font.constData() + *start;
+    if (!makeWritable(table + typoAscender, typoLineGap + 2 - typoAscender))
+        return;
     const int ascent =
         qFromBigEndian<qint16>(table + typoAscender) + qFromBigEndian<qint16>(table + typoLineGap);
-    qToBigEndian(static_cast<qint16>(ascent), table + typoAscender);
-    qToBigEndian(qint16{0}, table + typoLineGap);
-    return font;
+    char* writable = const_cast<char*>(table);  // NOLINT(cppcoreguidelines-pro-type-const-cast): see above
+    qToBigEndian(static_cast<qint16>(ascent), writable + typoAscender);
+    qToBigEndian(qint16{0}, writable + typoLineGap);
+}
+
+/// The font's bytes in the program's file.
+QByteArray embeddedFont(const QString& path) {
+    const QResource resource(path);
+    return QByteArray::fromRawData(reinterpret_cast<const char*>(resource.data()),
+                                   static_cast<qsizetype>(resource.size()));
 }
 
 }  // namespace
@@ -59,7 +76,9 @@ SystemFonts SystemFonts::load() {
     QString family;
     for (const char* weight : weights) {
         const QString file = QStringLiteral(":/fonts/Lato-%1.ttf").arg(QLatin1String(weight));
-        const int id = QFontDatabase::addApplicationFontFromData(withRoomForAccents(contentOf(file)));
+        const QByteArray font = embeddedFont(file);
+        makeRoomForAccents(font);
+        const int id = QFontDatabase::addApplicationFontFromData(font);
         const QStringList families = QFontDatabase::applicationFontFamilies(id);
         if (family.isEmpty() && !families.isEmpty())
             family = families.first();
