@@ -3,6 +3,7 @@
 #include "base/Error.h"
 #include "confinement/Confinement.h"
 #include "engine/PageComposer.h"
+#include "engine/process/Allocator.h"
 
 #include <algorithm>
 #include <new>
@@ -132,6 +133,7 @@ void DocumentServer::run() {
         } catch (const std::exception&) {
             m_replies.fail(DocumentFailure::notProduced);
         }
+        giveBackFreeMemory();
     }
 }
 

@@ -9,11 +9,6 @@
 
 using namespace vellmora;
 
-/// For jemalloc: memory that is free goes back soon. A long document is saved in parts, and the next part is
-/// not to stand beside what the last one has left.
-extern "C" const char* malloc_conf;              // NOLINT(readability-identifier-naming)
-const char* malloc_conf = "dirty_decay_ms:100";  // NOLINT(readability-identifier-naming): its own name
-
 int main() {
     if (!leaveDescriptors(helperSocket))
         return 1;
