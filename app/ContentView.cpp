@@ -18,7 +18,11 @@ ContentView::ContentView(std::unique_ptr<StampLibrary> library, FilePanels& pane
     : m_stampLibrary(std::move(library)),
       m_panels(panels),
       m_processes(processes),
-      m_stampsObserver(stampsByPage.addNotifier([this] { ++m_stampsRevision; })) {}
+      m_stampsObserver(stampsByPage.addNotifier([this] { ++m_stampsRevision; })),
+      m_dropObserver(isPDFDropTargeted.addNotifier([this] {
+          if (isPDFDropTargeted)
+              Q_EMIT documentExpected();
+      })) {}
 
 ContentView::~ContentView() = default;
 
@@ -82,6 +86,7 @@ std::optional<qsizetype> ContentView::pageOfSelectedStamp() const {
 
 void ContentView::openPDF() {
     try {
+        Q_EMIT documentExpected();
         const auto url = m_panels.runModal(OpenPanel{QStringLiteral("PDF auswählen"), ContentType::pdf});
         if (url)
             loadPDF(*url);

@@ -93,6 +93,8 @@ public:
     QString defaultSaveAsFilename() const;
 
 Q_SIGNALS:
+    /// A document is likely to be opened next: it is being chosen, or dragged over the window.
+    void documentExpected();
     /// Around work that may take long: reading or writing a document. No panel is open in between.
     void willWork();
     /// In between, once the work has taken a while. The event loop runs.
@@ -132,6 +134,7 @@ private:
     qint64 m_stampsRevision = 0;     ///< counts the changes of `stampsByPage`
     SavedStamps m_saved;
     QPropertyNotifier m_stampsObserver;
+    QPropertyNotifier m_dropObserver;
     SerialQueue m_workQueue;
 };
 

@@ -45,12 +45,15 @@ int main(int argc, char** argv) {
     handbook::showOnHelpKey(window, handbook::installedFile());
     window.window().fitInto(window.window().screen()->availableSize());
     const FirstPaint firstPaint(window.window());
-    QObject::connect(&firstPaint, &FirstPaint::completed, &renderer, &ProcessRenderer::prepare);
-    QObject::connect(&firstPaint, &FirstPaint::completed, [&] { processes.prepare(); });
+    const auto prepareForDocument = [&] {
+        renderer.prepare();
+        processes.prepare();
+    };
+    QObject::connect(&window.content(), &ContentView::documentExpected, prepareForDocument);
+    if (!document)
+        QObject::connect(&firstPaint, &FirstPaint::completed, prepareForDocument);
     QObject::connect(&firstPaint, &FirstPaint::completed, &window.content().stampLibrary(),
                      &StampLibrary::redrawDueBuiltins);
-    // Once a page is on the screen there is time to start the process of the next document.
-    QObject::connect(&renderer, &ProcessRenderer::didAnswer, [&processes] { processes.prepare(); });
     window.window().show();
     if (document) {
         renderer.prepare();

@@ -6,14 +6,9 @@
 #include <numeric>
 #include <utility>
 
-#include <QCoreApplication>
-#include <QEvent>
-
 namespace vellmora {
 
 namespace {
-
-const auto answeredEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 QImage copyOf(const SharedMemory& pixels, QSize size) {
     const qsizetype rowLength = qsizetype{size.width()} * qsizetype{sizeof(QRgb)};
@@ -163,20 +158,8 @@ void ProcessRenderer::giveUp() {
 
 void ProcessRenderer::finish(const QImage& image) {
     const Waiting work = takeJob();
-    m_hasRendered = !image.isNull();
     QMetaObject::invokeMethod(this, &ProcessRenderer::serveNext, Qt::QueuedConnection);
     work.completion(image);
-    // Views are painted with this priority, too: this comes after the view that the completion has updated.
-    QCoreApplication::postEvent(this, new QEvent(answeredEvent), Qt::LowEventPriority);
-}
-
-bool ProcessRenderer::event(QEvent* event) {
-    if (event->type() != answeredEvent)
-        return QObject::event(event);
-    if (m_hasRendered)
-        m_supply.prepareSpare();
-    Q_EMIT didAnswer();
-    return true;
 }
 
 }  // namespace vellmora

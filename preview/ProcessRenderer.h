@@ -17,7 +17,6 @@ namespace vellmora {
 
 /// Renders in a process of its own for each document, which is started when it is needed. A page that crashes
 /// the process, or takes longer than the limit, is answered with a null image, and the process is killed.
-/// Once a page is shown, a spare process is kept ready for the next document.
 class ProcessRenderer : public QObject, public PageRenderer {
     Q_OBJECT
 
@@ -31,7 +30,7 @@ public:
     /// The renderer that belongs to the running program.
     static QString installedProgram();
 
-    /// Starts the process ahead of the first request, which then takes less time.
+    /// Starts a process for the next document ahead of its first request, which then takes less time.
     void prepare() { m_supply.prepare(); }
 
     void beginDocument() override;
@@ -40,13 +39,6 @@ public:
 
     /// Of the running process; nothing while there is none.
     std::optional<pid_t> processID() const { return m_supply.processID(); }
-
-Q_SIGNALS:
-    /// A request has been answered, with a picture or without, and what it was for has been painted.
-    void didAnswer();
-
-protected:
-    bool event(QEvent* event) override;
 
 private:
     struct Waiting {
@@ -79,8 +71,7 @@ private:
     QTimer m_limit;
     std::deque<Waiting> m_waiting;  ///< newest last
     std::optional<Job> m_job;
-    bool m_hasRendered = false;  ///< the answer given last was a picture
-    QByteArray m_refused;        ///< the page that was given up last because no process could be had
+    QByteArray m_refused;  ///< the page that was given up last because no process could be had
 };
 
 }  // namespace vellmora

@@ -13,19 +13,20 @@ std::optional<pid_t> RendererSupply::processID() const {
 }
 
 void RendererSupply::prepare() {
-    if (!m_process)
-        take();
+    if (m_hasServed && !m_spare)
+        m_spare = RendererProcess::start(m_program);
+    provide();
 }
 
-void RendererSupply::prepareSpare() {
-    if (!m_spare)
-        m_spare = RendererProcess::start(m_program);
+void RendererSupply::provide() {
+    if (!m_process)
+        take();
 }
 
 void RendererSupply::changeProcess() {
     if (m_hasServed)
         end();
-    prepare();
+    provide();
     m_failedStarts = 0;
 }
 
@@ -58,7 +59,7 @@ void RendererSupply::end() {
 bool RendererSupply::send(const RenderRequestMessage& request, int pagePdf, int pixels) {
     // The process may have ended since it was last heard of.
     do {
-        prepare();
+        provide();
         if (m_process && m_process->send(request, pagePdf, pixels)) {
             m_hasServed = true;
             return true;

@@ -10,9 +10,9 @@
 
 namespace vellmora {
 
-/// The renderer processes of a program: the one that serves, which knows one document at most, and a spare
-/// one that takes over from it at once. A process is started only when this class is asked for something; one
-/// that ends is not replaced by itself.
+/// The renderer processes of a program: the one that serves, which knows one document at most, and where it
+/// was asked for a spare one that takes over from it at once. A process is started only when this class is
+/// asked for something; one that ends is not replaced by itself.
 class RendererSupply : public QObject {
     Q_OBJECT
 
@@ -21,9 +21,8 @@ public:
     explicit RendererSupply(QString program);
     ~RendererSupply() override;
 
-    /// Has a process started ahead of the first request.
+    /// Has a process started for the next document, ahead of its first request.
     void prepare();
-    void prepareSpare();
     /// Ends a process that was given something to render, has another one take over, and forgets failures.
     void changeProcess();
     /// Ends the process.
@@ -47,6 +46,7 @@ Q_SIGNALS:
     void ended(bool wasReady);
 
 private:
+    void provide();
     void take();
     void listen();
 

@@ -9,7 +9,7 @@ from .samples import Row
 from .waiting import wait_for_file
 
 WATCHED = 10  # seconds
-HELPERS = 4  # the document's, that of its pages, and the spare ones
+HELPERS = 2  # the document's, and that of its pages
 MEGABYTE = 1e6
 ALLOWED_MEMORY = 60  # megabytes beside the source
 MOST_SILENCE = 100  # milliseconds

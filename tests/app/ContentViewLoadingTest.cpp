@@ -28,6 +28,25 @@ TEST_F(ContentViewTest, OpensThePdfOfThePanel) {
     EXPECT_EQ(content.pdfSourceURL.value(), workspace.panels.answer);
 }
 
+TEST_F(ContentViewTest, SaysThatADocumentIsExpectedWhileItIsBeingChosen) {
+    int expected = 0;
+    QObject::connect(&content, &ContentView::documentExpected, [&] {
+        EXPECT_TRUE(workspace.panels.opened.isEmpty()) << "before the panel, which takes a while";
+        ++expected;
+    });
+    content.openPDF();
+    EXPECT_EQ(expected, 1);
+    workspace.panels.opened.clear();
+    content.isPDFDropTargeted = true;
+    content.isPDFDropTargeted = false;
+    EXPECT_EQ(expected, 2) << "not when it is dragged away";
+    content.importStampToLibrary();
+    workspace.panels.opened.clear();
+    content.loadPDF(writePdf("a.pdf"));
+    content.beginSaveFlow(ContentView::SaveMode::saveAs);
+    EXPECT_EQ(expected, 2);
+}
+
 TEST_F(ContentViewTest, ALoadResetsTheWorkspaceAndAFailedOneLeavesIt) {
     content.loadPDF(writePdf("a.pdf"));
     content.currentPageIndex = 2;

@@ -41,6 +41,14 @@ protected:
                isClose(page->pixelColor(150, 100), Qt::white);
     }
 
+    /// Once those that were ended are gone.
+    static bool areProcesses(qsizetype count) {
+        return QTest::qWaitFor([&] {
+            QFile children(QStringLiteral("/proc/thread-self/children"));
+            return children.open(QIODevice::ReadOnly) && children.readAll().count(' ') == count;
+        });
+    }
+
     static constexpr int patience = 60000;  // milliseconds, on a machine that has other work to do
     ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER), std::chrono::seconds(6)};
 };
@@ -67,6 +75,22 @@ TEST_F(ProcessRendererTest, EachDocumentHasAProcessOfItsOwn) {
         EXPECT_NE(*renderer.processID(), before);
         EXPECT_TRUE(QTest::qWaitFor([&] { return ::kill(before, 0) != 0; })) << "gone and reaped";
     }
+}
+
+TEST_F(ProcessRendererTest, ASpareProcessIsThereOnlyWhereADocumentIsExpected) {
+    renderer.prepare();
+    EXPECT_TRUE(areProcesses(1)) << "one that has seen nothing yet will do";
+    ASSERT_TRUE(rendersRedPage());
+    EXPECT_TRUE(areProcesses(1));
+    const pid_t before = *renderer.processID();
+    renderer.prepare();
+    renderer.prepare();
+    EXPECT_TRUE(areProcesses(2));
+    EXPECT_EQ(*renderer.processID(), before) << "the document that is open stays";
+    renderer.beginDocument();
+    EXPECT_NE(*renderer.processID(), before);
+    EXPECT_TRUE(areProcesses(1)) << "it has taken over";
+    EXPECT_TRUE(rendersRedPage());
 }
 
 TEST_F(ProcessRendererTest, WhatWasAskedForOfTheLastDocumentIsDropped) {
