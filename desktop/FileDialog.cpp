@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QBackingStore>
 #include <QCompleter>
 #include <QDir>
 #include <QFileInfo>
@@ -52,7 +53,7 @@ std::optional<QUrl> FileDialog::run(const SavePanel& panel, const QUrl& folder) 
 std::optional<QUrl> FileDialog::run() {
     auto url = choose();
     // Whoever has chosen a file does not wait for this.
-    QMetaObject::invokeMethod(this, &FileDialog::leaveFolder, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &FileDialog::rest, Qt::QueuedConnection);
     return url;
 }
 
@@ -148,10 +149,12 @@ void FileDialog::closeCompletions() {
     }
 }
 
-/// Qt lists a folder anew at each change in it, also where nobody sees the dialog.
-void FileDialog::leaveFolder() {
+/// Qt lists a folder anew at each change in it, also where nobody sees the dialog, and keeps what was painted.
+void FileDialog::rest() {
     if (isVisible())
         return;  // it has been opened again
+    if (QBackingStore* painted = backingStore())
+        painted->resize({});
     if (auto* folder = findChild<QFileSystemModel*>())
         folder->setRootPath({});
 }

@@ -45,7 +45,7 @@ private:
     bool isOfType(const QString& fileName) const;
     void refuse();
     void closeCompletions();
-    void leaveFolder();
+    void rest();
     QLineEdit* nameField() const;
 
     FileIcons m_icons;
