@@ -1,5 +1,6 @@
 #include "desktop/FileDialog.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QBackingStore>
@@ -63,6 +64,8 @@ void FileDialog::prepare(const QString& title, ContentType type, const QUrl& fol
         setParent(window, windowFlags());
     setWindowTitle(title);
     m_type = type;
+    for (auto* button : findChildren<QAbstractButton*>())
+        button->setIcon(FileIcons::inSmallSizes(button->icon()));
     setNameFilter(nameFilter(type));
     setDirectoryUrl(folder);
     clearSelection();
@@ -149,12 +152,13 @@ void FileDialog::closeCompletions() {
     }
 }
 
-/// Qt lists a folder anew at each change in it, also where nobody sees the dialog, and keeps what was painted.
+/// Qt lists a folder anew at each change in it, also where nobody sees the dialog, and keeps what was
+/// painted.
 void FileDialog::rest() {
     if (isVisible())
         return;  // it has been opened again
     if (QBackingStore* painted = backingStore())
-        painted->resize({});
+        painted->resize({1, 1});
     if (auto* folder = findChild<QFileSystemModel*>())
         folder->setRootPath({});
 }

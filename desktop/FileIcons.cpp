@@ -9,6 +9,33 @@ static QMimeType typeByName(const QFileInfo& file) {
     return QMimeDatabase().mimeTypesForFileName(file.fileName()).value(0);
 }
 
+FileIcons::FileIcons()
+    : m_file(inSmallSizes(QFileIconProvider::icon(File))),
+      m_folder(inSmallSizes(QFileIconProvider::icon(Folder))) {}
+
+QIcon FileIcons::inSmallSizes(const QIcon& icon) {
+    constexpr int largest = 48;  // also on screens with twice as many pixels
+    if (!icon.name().isEmpty())
+        return icon;  // the desktop's, which is decoded where it is shown
+    QIcon small;
+    for (const QSize& size : icon.availableSizes()) {
+        if (size.width() <= largest)
+            small.addPixmap(icon.pixmap(size, 1));
+    }
+    return small.isNull() ? icon : small;
+}
+
+QIcon FileIcons::icon(IconType type) const {
+    switch (type) {
+        case File:
+            return m_file;
+        case Folder:
+            return m_folder;
+        default:
+            return QFileIconProvider::icon(type);
+    }
+}
+
 QIcon FileIcons::icon(const QFileInfo& file) const {
     if (!file.isFile())
         return icon(file.isDir() ? Folder : File);

@@ -11,6 +11,16 @@
 using namespace vellmora;
 using namespace vellmora::test;
 
+TEST(FileIconsTest, FilesOfOneTypeShareAnIcon) {
+    const QTemporaryDir folder;
+    const FileIcons icons;
+    writeFile(folder.filePath(QStringLiteral("a.pdf")), "%PDF-1.7");
+    writeFile(folder.filePath(QStringLiteral("b.pdf")), "%PDF-1.7");
+    const QIcon one = icons.icon(QFileInfo(folder.filePath(QStringLiteral("a.pdf"))));
+    const QIcon other = icons.icon(QFileInfo(folder.filePath(QStringLiteral("b.pdf"))));
+    EXPECT_EQ(one.cacheKey(), other.cacheKey());
+}
+
 /// The window waits for each look at a file that a slow share has.
 TEST(FileIconsTest, TheDialogTellsAFilesTypeWithoutLookingAtIt) {
     const QTemporaryDir folder;
