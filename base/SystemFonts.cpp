@@ -33,13 +33,13 @@ std::optional<qsizetype> tableStart(const QByteArray& font, const char* name) {
     return std::nullopt;
 }
 
-/// Makes memory of the program's own file writable. Of what is written to, the system makes a copy page by
-/// page; all else stays the file's.
-bool makeWritable(const char* bytes, size_t length) {
+/// Makes bytes of the program's own file writable in memory. Of what is written to, the system makes a copy
+/// page by page; all else stays the file's. Null where that cannot be.
+char* writable(const char* bytes, size_t length) {
     const auto pageSize = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
-    const auto begin = reinterpret_cast<std::uintptr_t>(bytes);
-    const std::uintptr_t start = begin / pageSize * pageSize;
-    return ::mprotect(reinterpret_cast<void*>(start), begin + length - start, PROT_READ | PROT_WRITE) == 0;
+    const size_t before = reinterpret_cast<std::uintptr_t>(bytes) % pageSize;
+    char* first = const_cast<char*>(bytes);
+    return ::mprotect(first - before, before + length, PROT_READ | PROT_WRITE) == 0 ? first : nullptr;
 }
 
 /// The family's lines end below the accents of capitals, and ask for a gap between them instead. With the gap
@@ -51,14 +51,13 @@ void makeRoomForAccents(const QByteArray& font) {
     const std::optional<qsizetype> start = tableStart(font, "OS/2");
     if (!start || *start + typoLineGap + 2 > font.size())
         return;
-    const char* table = font.constData() + *start;
-    if (!makeWritable(table + typoAscender, typoLineGap + 2 - typoAscender))
+    char* table = writable(font.constData() + *start, typoLineGap + 2);
+    if (!table)
         return;
     const int ascent =
         qFromBigEndian<qint16>(table + typoAscender) + qFromBigEndian<qint16>(table + typoLineGap);
-    char* writable = const_cast<char*>(table);  // NOLINT(cppcoreguidelines-pro-type-const-cast): see above
-    qToBigEndian(static_cast<qint16>(ascent), writable + typoAscender);
-    qToBigEndian(qint16{0}, writable + typoLineGap);
+    qToBigEndian(static_cast<qint16>(ascent), table + typoAscender);
+    qToBigEndian(qint16{0}, table + typoLineGap);
 }
 
 /// The font's bytes in the program's file.

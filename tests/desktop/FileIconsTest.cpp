@@ -11,14 +11,21 @@
 using namespace vellmora;
 using namespace vellmora::test;
 
-TEST(FileIconsTest, FilesOfOneTypeShareAnIcon) {
+/// A folder may hold thousands of files.
+TEST(FileIconsTest, FilesShareASmallIconWhereTheDesktopHasNone) {
+    QIcon::setThemeName(QStringLiteral("none"));
     const QTemporaryDir folder;
     const FileIcons icons;
-    writeFile(folder.filePath(QStringLiteral("a.pdf")), "%PDF-1.7");
-    writeFile(folder.filePath(QStringLiteral("b.pdf")), "%PDF-1.7");
-    const QIcon one = icons.icon(QFileInfo(folder.filePath(QStringLiteral("a.pdf"))));
-    const QIcon other = icons.icon(QFileInfo(folder.filePath(QStringLiteral("b.pdf"))));
-    EXPECT_EQ(one.cacheKey(), other.cacheKey());
+    QList<QIcon> shown;
+    for (const char* name : {"a.pdf", "b.pdf"}) {
+        const QString path = folder.filePath(QString::fromUtf8(name));
+        writeFile(path, "%PDF-1.7");
+        shown.append(icons.icon(QFileInfo(path)));
+    }
+    EXPECT_EQ(shown[0].cacheKey(), shown[1].cacheKey());
+    ASSERT_FALSE(shown[0].availableSizes().isEmpty());
+    for (const QSize& size : shown[0].availableSizes())
+        EXPECT_LE(size.width(), 48);
 }
 
 /// The window waits for each look at a file that a slow share has.
