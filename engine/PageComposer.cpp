@@ -15,7 +15,7 @@ void PageComposer::beginPage() {
 }
 
 void PageComposer::drawPage(const ParsedDocument& document, qsizetype pageIndex, DisplayBox box) {
-    m_writer->drawPage(document.fileOf(pageIndex), pageIndex, box);
+    m_writer->drawPage(document, pageIndex, box);
 }
 
 int PageComposer::addPicture(PictureMaker picture) {

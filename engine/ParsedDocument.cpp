@@ -63,6 +63,13 @@ const DocumentDamage& ParsedDocument::damage() const {
     return m_outlined ? m_damage : m_whole->damage();
 }
 
+std::optional<OutlinedPage> ParsedDocument::outlinedPage(qsizetype index) const {
+    if (m_whole)
+        return std::nullopt;
+    const PageOutline& outline = m_outlined->outline;
+    return OutlinedPage{&m_outlined->file, outline.number(index), &outline.attributes(index)};
+}
+
 std::shared_ptr<const ParsedFile> ParsedDocument::fileOf(qsizetype index) const {
     if (m_whole)
         return m_whole;

@@ -7,10 +7,12 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 
 namespace vellmora {
 
 class ParsedFile;
+struct OutlinedPage;
 
 /// A document's bytes cannot be read as a PDF.
 struct Unparsable : std::exception {
@@ -34,6 +36,9 @@ public:
     /// What is known to be missing since the document was opened.
     const DocumentDamage& damage() const;
 
+    /// The page without the PDF library; nothing of a document that is not plain. It lives as long as the
+    /// document. Pages are to be asked for once, and then drawn from it or from `fileOf`.
+    std::optional<OutlinedPage> outlinedPage(qsizetype index) const;
     /// A file that has this page, at the same index. Throws the `Error` of content that cannot be read,
     /// `std::bad_alloc`, and `std::runtime_error` where the pages are others than those that were found
     /// before.

@@ -81,22 +81,21 @@ bool isPlainlyInvisible(int number, const PlainFile& file) {
 
 }  // namespace
 
-bool hasPlainlyNoVisibleAnnotations(const ParsedPage& page, const PlainFile& file) {
-    QPDFObjectHandle annotations = page.entry("/Annots");
+bool hasPlainlyNoVisibleAnnotations(const PlainObject& page, const PlainFile& file) {
+    const std::string_view annotations = page.entry("/Annots");
+    if (annotations.empty() || annotations == "null")
+        return true;
     try {
-        std::vector<int> numbers;
-        if (annotations.isIndirect() && annotations.getObjGen().getGen() == 0) {
-            PlainObject array;
-            file.read(annotations.getObjGen().getObj(), array);
-            if (!array.value().starts_with('[') || array.items().size() != array.references().size())
-                return false;
-            numbers = array.references();
-        } else if (annotations.isArray()) {
-            for (const QPDFObjectHandle& item : annotations.getArrayAsVector())
-                numbers.push_back(item.getObjGen().getGen() == 0 ? item.getObjGen().getObj() : 0);
-        }
-        return std::all_of(numbers.begin(), numbers.end(),
-                           [&file](int number) { return isPlainlyInvisible(number, file); });
+        PlainObject array;
+        if (const int number = plainReference(annotations); number > 0)
+            file.read(number, array);
+        else
+            array.readValue(annotations);
+        return array.value().starts_with('[') &&
+               std::all_of(array.items().begin(), array.items().end(), [&file](std::string_view item) {
+                   const int number = plainReference(item);
+                   return number > 0 && isPlainlyInvisible(number, file);
+               });
     } catch (const NotPlain&) {
         return false;
     }

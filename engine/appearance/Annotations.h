@@ -20,8 +20,7 @@ struct AnnotationAppearance {
 std::vector<Annotation> visibleAnnotations(const ParsedPage& page);
 
 /// Whether that is nothing, as far as is seen at first sight: most pages have no annotations but links.
-/// `file` is the page's.
-bool hasPlainlyNoVisibleAnnotations(const ParsedPage& page, const PlainFile& file);
+bool hasPlainlyNoVisibleAnnotations(const PlainObject& page, const PlainFile& file);
 
 /// Makes the appearances of one output.
 class Appearances {

@@ -19,20 +19,63 @@ namespace {
 constexpr size_t mostObjectsInPart = 5000;
 /// The page, and its content as a form.
 constexpr size_t objectsOfPage = 2;
+/// Contents of pages that are kept to find others that are the same.
+constexpr size_t mostContents = 1000;
+
+/// Among the resources of a page.
+std::string nameOf(int picture) {
+    return "/S" + std::to_string(picture);
+}
 
 }  // namespace
 
 PageComposer::Writer::Writer(PDFDataConsumer& consumer)
-    : m_consumer(consumer), m_file(consumer), m_part(std::make_unique<OutputPart>(m_written)) {}
+    : m_consumer(consumer),
+      m_file(consumer),
+      m_part(std::make_unique<OutputPart>(m_written)),
+      m_plainPages(m_file, m_written),
+      m_catalogNumber(m_file.numbers().reserve()),
+      m_pagesNumber(m_file.numbers().reserve()) {}
 
 void PageComposer::Writer::beginPage() {
     m_page = OpenPage();
-    m_page.entries["/Type"] = QPDFObjectHandle::newName("/Page");
-    m_page.entries["/Parent"] = m_part->pages;
 }
 
-void PageComposer::Writer::drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index,
-                                    DisplayBox box) {
+void PageComposer::Writer::drawPage(const ParsedDocument& document, qsizetype index, DisplayBox box) {
+    if (!drawInWords(document, index, box))
+        drawByLibrary(document.fileOf(index), index, box);
+}
+
+bool PageComposer::Writer::drawInWords(const ParsedDocument& document, qsizetype index, DisplayBox box) {
+    const std::optional<OutlinedPage> page = document.outlinedPage(index);
+    if (!page)
+        return false;
+    usePlainFile(document, index, *page->file);
+    m_page.words = m_plainPages.draw(*page, box, m_part->copier);
+    if (!m_page.words)
+        return false;
+    m_page.fromPageSpace = page->attributes->orientation.fromPageSpace();
+    m_page.content += paintObject("/P", {});
+    return true;
+}
+
+/// What holds for all its pages is the library's to read.
+void PageComposer::Writer::usePlainFile(const ParsedDocument& document, qsizetype index,
+                                        const PlainFile& file) {
+    if (!m_plainFiles.insert(&file).second)
+        return;
+    file.beginReading();
+    PlainObject catalog;
+    file.read(file.catalog(), catalog);
+    if (m_hasCatalog || (catalog.entry("/OCProperties").empty() && catalog.entry("/OutputIntents").empty()))
+        return;
+    const std::shared_ptr<const ParsedFile> source = document.fileOf(index);
+    useSource(source);
+    attempt([&] { carryDocumentAttributes(*source); });
+}
+
+void PageComposer::Writer::drawByLibrary(const std::shared_ptr<const ParsedFile>& file, qsizetype index,
+                                         DisplayBox box) {
     const ParsedFile& source = *file;
     const ParsedPage& page = source.page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
@@ -102,7 +145,7 @@ void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
 
 /// Its layers, and what its colours are meant for.
 void PageComposer::Writer::carryDocumentAttributes(const ParsedFile& source) {
-    if (m_catalogNumber != 0)
+    if (m_hasCatalog)
         return;
     QPDFObjectHandle root = m_part->output.getRoot();
     for (const char* key : {"/OCProperties", "/OutputIntents"}) {
@@ -121,8 +164,6 @@ void PageComposer::Writer::drawContent(const ParsedFile& source, const ParsedPag
 }
 
 void PageComposer::Writer::drawAnnotations(const ParsedFile& source, const ParsedPage& page) {
-    if (const PlainFile* file = source.plainFile(); file && hasPlainlyNoVisibleAnnotations(page, *file))
-        return;
     for (const Annotation& annotation : visibleAnnotations(page)) {
         attempt([&] {
             if (const auto appearance = m_part->appearances.make(annotation, source, page))
@@ -138,7 +179,7 @@ void PageComposer::Writer::paintAnnotation(const AnnotationAppearance& appearanc
         paint(name, appearance.form, appearance.matrix);
         return;
     }
-    m_page.layers.replaceKey(name, m_part->copier.copy(layer));
+    m_page.layers[name] = m_part->copier.copy(layer);
     m_page.content += "/OC " + name + " BDC\n";
     paint(name, appearance.form, appearance.matrix);
     m_page.content += "EMC\n";
@@ -151,46 +192,88 @@ int PageComposer::Writer::addPicture(PictureMaker picture) {
 
 void PageComposer::Writer::drawPicture(int picture, const Rect& rect) {
     const Matrix unitSquareToRect{rect.width, 0, 0, rect.height, rect.x, rect.y};
-    PictureInWork& inWork = m_pictures.at(static_cast<size_t>(picture));
-    inWork.isUsed = true;
-    paint("/S" + std::to_string(picture), inWork.object, unitSquareToRect * m_page.fromPageSpace);
+    m_pictures.at(static_cast<size_t>(picture));
+    m_page.pictures.insert(picture);
+    m_page.content += paintObject(nameOf(picture), unitSquareToRect * m_page.fromPageSpace);
 }
 
 void PageComposer::Writer::paint(const std::string& name, const QPDFObjectHandle& object,
                                  const Matrix& matrix) {
-    m_page.objects.replaceKey(name, object);
+    m_page.objects[name] = object;
     m_page.content += paintObject(name, matrix);
 }
 
-QPDFObjectHandle PageComposer::Writer::contentStream(const std::string& content) {
-    const auto known = m_part->contentStreams.find(content);
-    if (known != m_part->contentStreams.end())
-        return known->second;
-    return m_part->contentStreams.emplace(content, m_part->output.newStream(content)).first->second;
-}
-
 void PageComposer::Writer::endPage() {
-    QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
-    resources.replaceKey("/XObject", m_page.objects);
-    if (!m_page.layers.getKeys().empty())
-        resources.replaceKey("/Properties", m_page.layers);
-    m_page.entries["/MediaBox"] = m_part->boxes.of(m_page.mediaBox);
-    m_page.entries["/Resources"] = resources;
-    m_page.entries["/Contents"] = contentStream(m_page.content);
+    const int number = m_page.words ? pageInWords() : m_file.numbers().of(pageObject());
+    m_kidsText += std::to_string(number) + " 0 R ";
     if (m_page.isIncomplete)
         m_incompletePages.insert(m_pageCount);
-    m_part->kids.appendItem(pageObject());
     ++m_pageCount;
     m_page = {};
-    if (m_part->copier.count() + objectsOfPage * static_cast<size_t>(m_part->kids.getArrayNItems()) >
-        mostObjectsInPart) {
+    if (m_part->copier.count() + objectsOfPage * m_part->pageCount > mostObjectsInPart) {
         writePart();
         beginPart();
     }
 }
 
+/// Answers the page's number.
+int PageComposer::Writer::pageInWords() {
+    const auto reference = [](int number) { return std::to_string(number) + " 0 R"; };
+    std::string objects = "/P " + reference(m_page.words->form);
+    for (const int index : m_page.pictures) {
+        PictureInWork& picture = m_pictures[static_cast<size_t>(index)];
+        if (picture.number == 0)
+            picture.number = m_file.numbers().reserve();
+        objects += nameOf(index) + ' ' + reference(picture.number);
+    }
+    std::map<std::string, std::string>& entries = m_page.words->entries;
+    entries["/Type"] = "/Page";
+    entries["/Parent"] = reference(m_pagesNumber);
+    entries["/Resources"] = "<</XObject<<" + objects + ">>>>";
+    entries["/Contents"] = reference(contentStream(m_page.content));
+    ObjectText text;
+    text.add("<<");
+    for (const auto& [key, value] : entries) {
+        text.add(key);
+        text.add(value);
+    }
+    text.add(">>");
+    const int number = m_file.numbers().reserve();
+    m_file.writeReserved(number, text.text());
+    return number;
+}
+
+/// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
+int PageComposer::Writer::contentStream(const std::string& content) {
+    if (m_contents.size() > mostContents)
+        m_contents.clear();
+    const auto [known, isNew] = m_contents.try_emplace(content);
+    if (isNew) {
+        known->second = m_file.numbers().reserve();
+        m_file.writeReserved(known->second, {}, content, Packing::compress);
+    }
+    return known->second;
+}
+
 /// In words, unless it holds colours that may have to be replaced in the end.
 QPDFObjectHandle PageComposer::Writer::pageObject() {
+    QPDFObjectHandle objects = QPDFObjectHandle::newDictionary(m_page.objects);
+    for (const int index : m_page.pictures) {
+        PictureInWork& picture = m_pictures[static_cast<size_t>(index)];
+        picture.isUsed = true;
+        objects.replaceKey(nameOf(index), picture.object);
+    }
+    QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
+    resources.replaceKey("/XObject", objects);
+    if (!m_page.layers.empty())
+        resources.replaceKey("/Properties", QPDFObjectHandle::newDictionary(m_page.layers));
+    m_page.entries["/Type"] = QPDFObjectHandle::newName("/Page");
+    m_page.entries["/Parent"] = m_part->pages;
+    m_page.entries["/MediaBox"] = m_part->boxes.of(m_page.mediaBox);
+    m_page.entries["/Resources"] = resources;
+    m_page.entries["/Contents"] = m_part->output.newStream();
+    m_file.numbers().set(m_page.entries["/Contents"], contentStream(m_page.content));
+    ++m_part->pageCount;
     if (m_page.entries.contains("/Group"))
         return m_part->output.makeIndirectObject(QPDFObjectHandle::newDictionary(m_page.entries));
     ObjectText text;
@@ -202,18 +285,12 @@ void PageComposer::Writer::writeObjects() {
     m_file.writeObjects(m_part->copier.storedStreams(), m_part->copier.copiedTexts());
 }
 
-/// Of a part that is not the file's last one. Nothing is known of the pages that follow, so that the root of
-/// the page tree is written at the end.
+/// The catalog comes with the first part, the root of the page tree when all pages are known.
 void PageComposer::Writer::writePart() {
-    ObjectNumbers& numbers = m_file.numbers();
     fillPart();
-    if (m_catalogNumber == 0) {
-        m_catalogNumber = numbers.of(m_part->output.getRoot());
-        m_pagesNumber = numbers.reserve();
-    }
-    numbers.set(m_part->pages, m_pagesNumber);
-    for (const QPDFObjectHandle& kid : m_part->kids.aitems())
-        m_kidsText += std::to_string(numbers.of(kid)) + " 0 R ";
+    m_file.numbers().set(m_part->pages, m_pagesNumber);
+    if (!std::exchange(m_hasCatalog, true))
+        m_file.writeReserved(m_catalogNumber, m_part->output.getRoot());
     writeObjects();
     endPart();
 }
@@ -264,18 +341,9 @@ void PageComposer::Writer::writePictures() {
 }
 
 void PageComposer::Writer::write() {
-    if (m_catalogNumber == 0) {
-        fillPart();
-        m_part->pages.replaceKey("/Kids", m_part->kids);
-        m_part->pages.replaceKey("/Count", QPDFObjectHandle::newInteger(m_pageCount));
-        m_catalogNumber = m_file.numbers().of(m_part->output.getRoot());
-        writeObjects();
-        endPart();
-    } else {
-        writePart();
-        m_file.writeReserved(m_pagesNumber, "<</Count " + std::to_string(m_pageCount) + "/Kids[" +
-                                                m_kidsText + "]/Type/Pages>>");
-    }
+    writePart();
+    m_file.writeReserved(
+        m_pagesNumber, "<</Count " + std::to_string(m_pageCount) + "/Kids[" + m_kidsText + "]/Type/Pages>>");
     writePictures();
     m_file.finish(m_catalogNumber);
     m_consumer.finish();

@@ -3,6 +3,7 @@
 #include "base/Matrix.h"
 #include "engine/PageComposer.h"
 #include "engine/compose/OutputPart.h"
+#include "engine/compose/PlainPages.h"
 #include "engine/file/ParsedFile.h"
 #include "engine/objects/Qpdf.h"
 #include "engine/output/FileWriter.h"
@@ -12,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,7 +26,7 @@ public:
     explicit Writer(PDFDataConsumer& consumer);
 
     void beginPage();
-    void drawPage(const std::shared_ptr<const ParsedFile>& file, qsizetype index, DisplayBox box);
+    void drawPage(const ParsedDocument& document, qsizetype index, DisplayBox box);
     int addPicture(PictureMaker picture);
     void drawPicture(int picture, const Rect& rect);
     void endPage();
@@ -33,11 +35,13 @@ public:
 
 private:
     struct OpenPage {
+        std::optional<PageInWords> words;  ///< where the library does not draw it
         std::map<std::string, QPDFObjectHandle> entries;
-        /// The page's XObject resources.
-        QPDFObjectHandle objects = QPDFObjectHandle::newDictionary();
+        /// The page's XObject resources, without the pictures.
+        std::map<std::string, QPDFObjectHandle> objects;
         /// The page's property lists, by the names of the objects that are on them.
-        QPDFObjectHandle layers = QPDFObjectHandle::newDictionary();
+        std::map<std::string, QPDFObjectHandle> layers;
+        std::set<int> pictures;
         Rect mediaBox{0, 0, 595, 842};
         Matrix fromPageSpace;
         std::string content;
@@ -52,6 +56,9 @@ private:
         int number = 0;           ///< that it will have; 0 where nothing has used it yet
     };
 
+    bool drawInWords(const ParsedDocument& document, qsizetype index, DisplayBox box);
+    void drawByLibrary(const std::shared_ptr<const ParsedFile>& file, qsizetype index, DisplayBox box);
+    void usePlainFile(const ParsedDocument& document, qsizetype index, const PlainFile& file);
     void useSource(const std::shared_ptr<const ParsedFile>& file);
     void drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box);
     void attempt(const std::function<void()>& step);
@@ -62,6 +69,7 @@ private:
     void carryInnerBoxes(const ParsedPage& page);
     void carryDocumentAttributes(const ParsedFile& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const Matrix& matrix);
+    int pageInWords();
     QPDFObjectHandle pageObject();
     void beginPart();
     void fillPart();
@@ -69,18 +77,21 @@ private:
     void writeObjects();
     void writePictures();
     void endPart();
-    QPDFObjectHandle contentStream(const std::string& content);
+    int contentStream(const std::string& content);
 
     PDFDataConsumer& m_consumer;
     FileWriter m_file;
     WrittenObjects m_written;
     std::unique_ptr<OutputPart> m_part;
     std::vector<PictureInWork> m_pictures;
+    PlainPages m_plainPages;
+    std::set<const PlainFile*> m_plainFiles;  ///< that pages were drawn from
+    std::map<std::string, int> m_contents;    ///< numbers of content streams, by what they draw
     qsizetype m_pageCount = 0;
-    /// Of the objects of a file that is written in several parts; 0 where it is not.
     int m_catalogNumber = 0;
+    bool m_hasCatalog = false;  ///< it is written
     int m_pagesNumber = 0;
-    std::string m_kidsText;  ///< of the parts before
+    std::string m_kidsText;
     OpenPage m_page;
     std::set<qsizetype> m_incompletePages;
 };

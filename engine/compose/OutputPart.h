@@ -31,10 +31,8 @@ struct OutputPart {
     PageResources resources;
     Appearances appearances;
     std::set<QPDFObjGen> replacedProfiles;
-    QPDFObjectHandle pages;  ///< the root of the page tree; stands for it in all parts but the last
-    QPDFObjectHandle kids = QPDFObjectHandle::newArray();
-    /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.
-    std::map<std::string, QPDFObjectHandle> contentStreams;
+    QPDFObjectHandle pages;  ///< stands for the root of the page tree
+    size_t pageCount = 0;
 };
 
 }  // namespace vellmora

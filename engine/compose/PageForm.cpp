@@ -50,44 +50,14 @@ void provideContent(QPDFObjectHandle form, ObjectCopier& copier, std::vector<QPD
     }
 }
 
-/// A page's content where that is one plain stream that is compressed already.
-struct PlainContent {
-    PlainWords filters;  ///< the entries that say how it is compressed
-    StoredBytes data;
-};
-
-/// The entries of a stream without references; nothing where it has others, or none.
-std::optional<PlainWords> filtersOf(const PlainObject& stream, const PlainFile& file) {
-    PlainWords filters;
-    for (const char* key : {"/DecodeParms", "/Filter"}) {
-        const std::string_view value = stream.entry(key);
-        if (value.empty())
-            continue;
-        const std::optional<PlainWords> words = plainWords(value, file);
-        if (!words)
-            return std::nullopt;
-        filters.push_back({key});
-        filters.insert(filters.end(), words->begin(), words->end());
-    }
-    const bool areDirect =
-        std::all_of(filters.begin(), filters.end(), [](const PlainWord& word) { return word.number == 0; });
-    return areDirect && !stream.entry("/Filter").empty() ? std::optional(std::move(filters)) : std::nullopt;
-}
-
-std::optional<PlainContent> plainContent(const ParsedPage& page, const PlainFile* file) {
+/// The page's content where that is one plain stream that is compressed already.
+std::optional<PlainContent> compressedContent(const ParsedPage& page, const PlainFile* file) {
     const QPDFObjectHandle contents = page.entry("/Contents");
     if (!file || !contents.isIndirect() || contents.getObjGen().getGen() != 0)
         return std::nullopt;
     try {
-        const int number = contents.getObjGen().getObj();
-        PlainObject stream;
-        file->read(number, stream);
-        std::optional<PlainWords> filters =
-            stream.isVerbatim() ? filtersOf(stream, *file) : std::optional<PlainWords>();
-        if (!filters)
-            return std::nullopt;
-        const PlainFile::Range data = file->data(number, stream);
-        return PlainContent{std::move(*filters), {&file->content(), data.offset, data.length}};
+        PlainContent content = plainContent(contents.getObjGen().getObj(), *file);
+        return content.packing == Packing::asTheyAre ? std::optional(std::move(content)) : std::nullopt;
     } catch (const NotPlain&) {
         return std::nullopt;
     }
@@ -97,15 +67,12 @@ std::optional<PlainContent> plainContent(const ParsedPage& page, const PlainFile
 CopiedText formText(const PlainContent& content, const QPDFObjectHandle& box,
                     const QPDFObjectHandle& resources) {
     ObjectText text;
-    text.add("<<");
     text.add("/BBox");
     text.addValue(box);
     text.add(content.filters, {});
-    text.add("/Length");
-    text.add(std::to_string(content.data.length));
     text.add("/Resources");
     text.addValue(resources);
-    for (const char* word : {"/Subtype", "/Form", "/Type", "/XObject", ">>"})
+    for (const char* word : {"/Subtype", "/Form", "/Type", "/XObject"})
         text.add(word);
     CopiedText form = text.take();
     form.data = content.data;
@@ -114,11 +81,47 @@ CopiedText formText(const PlainContent& content, const QPDFObjectHandle& box,
 
 }  // namespace
 
+const std::string& BoxArrays::textOf(const Rect& box) {
+    std::string& text = m_texts[{box.x, box.y, box.width, box.height}];
+    if (text.empty()) {
+        ObjectText array;
+        array.addContent(arrayOf(box));
+        text = array.text();
+    }
+    return text;
+}
+
+Rect formBox(const PageOrientation& page) {
+    return page.mediaBox().insetBy(-edgeAllowance);
+}
+
+PlainContent plainContent(int number, const PlainFile& file) {
+    PlainObject stream;
+    file.read(number, stream);
+    const PlainFile::Range data = file.data(number, stream);
+    PlainContent content{{}, {&file.content(), data.offset, data.length}};
+    const bool isCompressed = !stream.entry("/Filter").empty();
+    if (!isCompressed && data.length <= largestToCompress)
+        content.packing = Packing::compress;
+    bool isReady = stream.isVerbatim();
+    for (const char* key : {"/DecodeParms", "/Filter"}) {
+        const std::string_view value = stream.entry(key);
+        if (value.empty())
+            continue;
+        isReady &= isCompressed && value != "null";
+        content.filters.push_back({key});
+        addPlainWords(content.filters, value, file);
+    }
+    isReady &= std::all_of(content.filters.begin(), content.filters.end(),
+                           [](const PlainWord& word) { return word.number == 0; });
+    return isReady ? content : throw NotPlain();
+}
+
 QPDFObjectHandle makePageForm(ObjectCopier& copier, BoxArrays& boxes, PageResources& resources,
                               const ParsedPage& page, const PlainFile* file,
                               std::function<void()> onIncomplete) {
-    const QPDFObjectHandle& box = boxes.of(page.orientation.mediaBox().insetBy(-edgeAllowance));
-    if (const auto content = plainContent(page, file))
+    const QPDFObjectHandle& box = boxes.of(formBox(page.orientation));
+    if (const auto content = compressedContent(page, file))
         return copier.add(formText(*content, box, resources.of(page, file)));
     QPDFObjectHandle form = copier.output().newStream();
     provideContent(form, copier, contentStreamsOf(page), std::move(onIncomplete));

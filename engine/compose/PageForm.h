@@ -2,6 +2,7 @@
 
 #include "base/Rect.h"
 #include "engine/compose/PageResources.h"
+#include "engine/file/PageOrientation.h"
 #include "engine/file/ParsedFile.h"
 #include "engine/objects/PDFValues.h"
 #include "engine/output/ObjectCopier.h"
@@ -9,6 +10,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <string>
 
 namespace vellmora {
 
@@ -21,10 +23,26 @@ public:
             entry->second = arrayOf(box);
         return entry->second;
     }
+    const std::string& textOf(const Rect& box);
 
 private:
-    std::map<std::array<double, 4>, QPDFObjectHandle> m_arrays;
+    using Box = std::array<double, 4>;
+    std::map<Box, QPDFObjectHandle> m_arrays;
+    std::map<Box, std::string> m_texts;
 };
+
+/// What of a page its form paints: a little more than its media box.
+Rect formBox(const PageOrientation& page);
+
+/// A page's content where that is one plain stream.
+struct PlainContent {
+    PlainWords filters;  ///< the entries that say how it is compressed
+    StoredBytes data{};
+    Packing packing = Packing::asTheyAre;
+};
+
+/// Reads the content stream of that number. Throws `NotPlain`.
+PlainContent plainContent(int number, const PlainFile& file);
 
 /// The content of a page as one form XObject of the output. As a form it cannot disturb what is drawn after
 /// it, even where its operators are not balanced. One content stream passes through as it is, still

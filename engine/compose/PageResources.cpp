@@ -139,17 +139,24 @@ std::optional<PlainWords> wordsOfFew(int number, const PlainFile& file) {
     try {
         PlainObject resources;
         file.read(number, resources);
-        size_t count = 0;
-        for (const char* key : trimmedCategories)
-            count += plainCount(resources.entry(key), file);
-        const bool areFew = count <= usualCount && resources.isDictionary() && !resources.isStream();
-        return areFew ? plainWords(resources, file) : std::nullopt;
+        if (!hasFewEntries(resources, file) || !resources.isDictionary() || resources.isStream())
+            return std::nullopt;
+        PlainWords words;
+        addPlainWords(words, resources, file);
+        return words;
     } catch (const NotPlain&) {
         return std::nullopt;
     }
 }
 
 }  // namespace
+
+bool hasFewEntries(const PlainObject& resources, const PlainFile& file) {
+    size_t count = 0;
+    for (const char* key : trimmedCategories)
+        count += plainCount(resources.entry(key), file);
+    return count <= usualCount;
+}
 
 std::vector<QPDFObjectHandle> contentStreamsOf(const ParsedPage& page) {
     QPDFObjectHandle contents = page.entry("/Contents");

@@ -11,6 +11,10 @@ namespace vellmora {
 /// The page's content streams in order.
 std::vector<QPDFObjectHandle> contentStreamsOf(const ParsedPage& page);
 
+/// Whether resources have so few pictures, forms and fonts that nobody needs to look for those that the page
+/// does not use. Throws `NotPlain`.
+bool hasFewEntries(const PlainObject& resources, const PlainFile& file);
+
 /// The resources that pages get in an output.
 class PageResources {
 public:

@@ -46,4 +46,11 @@ private:
     std::vector<Attributes> m_attributes;
 };
 
+/// A page of a plain file.
+struct OutlinedPage {
+    const PlainFile* file = nullptr;
+    int number = 0;  ///< of its object
+    const PageOutline::Attributes* attributes = nullptr;
+};
+
 }  // namespace vellmora

@@ -6,31 +6,33 @@ namespace vellmora {
 
 namespace {
 
+void require(bool isPlain) {
+    if (!isPlain)
+        throw NotPlain();
+}
+
 class Collection {
 public:
-    explicit Collection(const PlainFile& file) : m_file(file) {}
+    Collection(PlainWords& words, const PlainFile& file) : m_words(words), m_file(file) {}
 
-    /// False where the value cannot be taken over in its words.
-    bool add(std::string_view value) {
-        if (value.starts_with("<<") || value.starts_with('[')) {
-            PlainObject inner;
-            inner.readValue(value);
-            return add(inner);
-        }
-        addWord({}, value);
-        return true;
+    void add(std::string_view value) {
+        if (!value.starts_with("<<") && !value.starts_with('['))
+            return addWord({}, value);
+        PlainObject inner;
+        inner.readValue(value);
+        add(inner);
     }
 
-    bool add(const PlainObject& object) {
-        if (object.isDictionary())
-            return addDictionary(object);
-        if (object.value().starts_with('['))
-            return addArray(object);
-        addWord({}, object.value());
-        return true;
+    void add(const PlainObject& object) {
+        if (object.isStream())
+            addEntries(object);
+        else if (object.isDictionary())
+            addDictionary(object);
+        else if (object.value().starts_with('['))
+            addArray(object);
+        else
+            addWord({}, object.value());
     }
-
-    PlainWords take() { return std::move(m_words); }
 
 private:
     void addWord(std::string_view key, std::string_view value) {
@@ -43,47 +45,46 @@ private:
         m_words.push_back({value});
     }
 
-    bool addDictionary(const PlainObject& dictionary) {
+    void addDictionary(const PlainObject& dictionary) {
+        m_words.push_back({"<<"});
+        addEntries(dictionary);
+        m_words.push_back({">>"});
+    }
+
+    void addEntries(const PlainObject& dictionary) {
         const std::string_view type = dictionary.entry("/Type");
-        if (type == "/Page" || type == "/Pages" || plainReference(type) > 0)
-            return false;
+        require(type != "/Page" && type != "/Pages" && plainReference(type) <= 0);
         std::vector<PlainObject::Entry> entries = dictionary.entries();
         const auto byKey = [](const auto& a, const auto& b) { return a.first < b.first; };
         std::sort(entries.begin(), entries.end(), byKey);
-        m_words.push_back({"<<"});
         std::string_view last;
         for (const auto& [key, value] : entries) {
-            // The length is that of the bytes, which stay where they are.
-            const bool isLength = dictionary.isStream() && key == "/Length";
             // Readers differ in which of two entries with one key they take.
-            if (key == last || !addEntry(key, isLength ? m_file.statedLength(dictionary) : value))
-                return false;
+            require(key != last);
             last = key;
+            if (!dictionary.isStream() || key != "/Length")
+                addEntry(key, value);
         }
-        m_words.push_back({">>"});
-        return true;
     }
 
-    bool addEntry(std::string_view key, std::string_view value) {
+    void addEntry(std::string_view key, std::string_view value) {
         if (value == "null")
-            return true;
+            return;
         if (!value.starts_with("<<") && !value.starts_with('[')) {
             addWord(key, value);
-            return true;
+            return;
         }
         m_words.push_back({key});
-        return add(value);
+        add(value);
     }
 
-    bool addArray(const PlainObject& array) {
+    void addArray(const PlainObject& array) {
         const std::vector<std::string_view>& items = array.items();
-        if (!items.empty() && items.front() == "/ICCBased" && !isOfSeveralComponents(items))
-            return false;
+        require(items.empty() || items.front() != "/ICCBased" || isOfSeveralComponents(items));
         m_words.push_back({"["});
-        const bool areAll =
-            std::all_of(items.begin(), items.end(), [this](std::string_view item) { return add(item); });
+        for (const std::string_view item : items)
+            add(item);
         m_words.push_back({"]"});
-        return areAll;
     }
 
     bool isOfSeveralComponents(const std::vector<std::string_view>& space) const {
@@ -95,28 +96,19 @@ private:
         return plainNumber(stream.entry("/N")) > 1;
     }
 
+    PlainWords& m_words;
     const PlainFile& m_file;
-    PlainWords m_words;
 };
-
-template <typename Value>
-std::optional<PlainWords> wordsOf(const Value& value, const PlainFile& file) {
-    try {
-        Collection words(file);
-        return words.add(value) ? std::optional(words.take()) : std::nullopt;
-    } catch (const NotPlain&) {
-        return std::nullopt;
-    }
-}
 
 }  // namespace
 
-std::optional<PlainWords> plainWords(const PlainObject& object, const PlainFile& file) {
-    return object.isVerbatim() ? wordsOf(object, file) : std::nullopt;
+void addPlainWords(PlainWords& words, const PlainObject& object, const PlainFile& file) {
+    require(object.isVerbatim());
+    Collection(words, file).add(object);
 }
 
-std::optional<PlainWords> plainWords(std::string_view value, const PlainFile& file) {
-    return wordsOf(value, file);
+void addPlainWords(PlainWords& words, std::string_view value, const PlainFile& file) {
+    Collection(words, file).add(value);
 }
 
 }  // namespace vellmora

@@ -3,7 +3,6 @@
 #include "engine/file/PlainFile.h"
 #include "engine/file/PlainObject.h"
 
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -18,11 +17,12 @@ struct PlainWord {
 
 using PlainWords = std::vector<PlainWord>;
 
-/// The words of an object in the order in which a new file gets them: entries by their keys, none that is
-/// null. They refer to the text of the object. Nothing where the words would have to be others, where a page
+/// Adds the words of an object in the order in which a new file gets them: entries by their keys, none that
+/// is null. Of a stream the entries without brackets and without the length, which is that of the bytes. The
+/// words refer to the text of the object. Throws `NotPlain` where they would have to be others, where a page
 /// stands in them, and for colour spaces that may have to be replaced: those of a profile with one component.
-std::optional<PlainWords> plainWords(const PlainObject& object, const PlainFile& file);
+void addPlainWords(PlainWords& words, const PlainObject& object, const PlainFile& file);
 /// The same of a value that stands in an object that is verbatim.
-std::optional<PlainWords> plainWords(std::string_view value, const PlainFile& file);
+void addPlainWords(PlainWords& words, std::string_view value, const PlainFile& file);
 
 }  // namespace vellmora

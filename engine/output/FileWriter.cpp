@@ -21,8 +21,6 @@ constexpr size_t blockSize = 1 << 18;
 constexpr size_t largeSize = 1 << 14;
 /// Readers unpack the whole stream for one of its objects.
 constexpr size_t objectsInStream = 100;
-/// What a source has uncompressed for all its size would take seconds.
-constexpr size_t largestToCompress = 16 << 20;
 
 using Handle = QPDFObjectHandle;
 using Entries = std::map<std::string, Handle>;
@@ -46,38 +44,57 @@ FileWriter::FileWriter(PDFDataConsumer& consumer)
 }
 
 void FileWriter::writeObjects(const StoredStreams& streams, const CopiedTexts& texts) {
-    for (; m_next <= m_numbers.count(); ++m_next) {
-        const Handle object = m_numbers.object(m_next);
-        if (!object.isInitialized())
-            continue;
+    while (const auto numbered = m_numbers.next()) {
+        const auto& [number, object] = *numbered;
         const CopiedText* text = texts.find(object);
-        if (text && text->data) {
-            writeCopiedStream(m_next, *text);
-        } else if (text) {
-            beginPacked(m_next);
-            m_packedText.add(*text);
-        } else if (Handle(object).isStream()) {
-            writeStream(m_next, object, streams);
+        if (!text) {
+            writeObject(number, object, streams);
+        } else if (text->data) {
+            writeCopiedStream(number, *text);
         } else {
-            beginPacked(m_next);
-            m_packedText.addContent(object);
+            beginPacked(number);
+            m_packedText.add(*text);
+            endPacked();
         }
-        if (m_packedNumbers.size() == objectsInStream)
-            writePackedObjects();
     }
+}
+
+void FileWriter::writeObject(int number, const Handle& object, const StoredStreams& streams) {
+    if (Handle(object).isStream()) {
+        writeStream(number, object, streams);
+        return;
+    }
+    beginPacked(number);
+    m_packedText.addContent(object);
+    endPacked();
 }
 
 void FileWriter::beginPart() {
     m_numbers.beginPart();
 }
 
+void FileWriter::writeReserved(int number, const Handle& object) {
+    writeObject(number, object, {});
+}
+
 void FileWriter::writeReserved(int number, std::string_view text) {
     beginPacked(number);
     m_packedText.add(text);
+    endPacked();
 }
 
-void FileWriter::writeReserved(int number, const Handle& stream) {
-    writeStream(number, stream, {});
+void FileWriter::writeReserved(int number, std::string_view entries, std::string_view data, Packing packing) {
+    const std::string compressed = packing == Packing::compress ? deflated(data) : std::string();
+    if (packing == Packing::compress)
+        data = compressed;
+    beginStream(number);
+    m_streamText.add("<<");
+    if (!entries.empty())
+        m_streamText.add(entries);
+    m_streamText.add(packing == Packing::compress ? "/Filter/FlateDecode/Length" : "/Length");
+    m_streamText.add(std::to_string(data.size()));
+    m_streamText.add(">>");
+    endStream(data);
 }
 
 void FileWriter::finish(int catalogNumber) {
@@ -114,7 +131,11 @@ void FileWriter::writeStreamObject(int number, Entries entries, std::string_view
 
 void FileWriter::writeCopiedStream(int number, const CopiedText& stream) {
     beginStream(number);
+    m_streamText.add("<<");
     m_streamText.add(stream);
+    m_streamText.add("/Length");
+    m_streamText.add(std::to_string(stream.data->length));
+    m_streamText.add(">>");
     endStream(stream.data->bytes());
 }
 
@@ -143,6 +164,11 @@ void FileWriter::setPlace(int number, const ObjectPlace& place) {
 void FileWriter::beginPacked(int number) {
     m_packedNumbers.push_back(number);
     m_packedPlaces.push_back(m_packedText.text().size());
+}
+
+void FileWriter::endPacked() {
+    if (m_packedNumbers.size() == objectsInStream)
+        writePackedObjects();
 }
 
 void FileWriter::writePackedObjects() {

@@ -29,9 +29,13 @@ public:
     void writeObjects(const StoredStreams& streams, const CopiedTexts& texts);
     /// The objects are those of another output from now on. Those of the last one are written.
     void beginPart();
-    /// An object for a number that was reserved. What a stream refers to is not written yet then.
+    /// An object for a number that was reserved. What it refers to is not written yet then.
+    void writeReserved(int number, const QPDFObjectHandle& object);
+    /// The same in words.
     void writeReserved(int number, std::string_view text);
-    void writeReserved(int number, const QPDFObjectHandle& stream);
+    /// A stream: the words of its entries but for those that say how long it is and, where it is not
+    /// compressed yet, how it is then.
+    void writeReserved(int number, std::string_view entries, std::string_view data, Packing packing);
     /// All is written. The consumer is not finished yet.
     void finish(int catalogNumber);
 
@@ -43,6 +47,8 @@ private:
     void beginStream(int number);
     void endStream(std::string_view data);
     void beginPacked(int number);
+    void endPacked();
+    void writeObject(int number, const QPDFObjectHandle& object, const StoredStreams& streams);
     void writePackedObjects();
     void setPlace(int number, const ObjectPlace& place);
     void writeCrossReferences(int catalogNumber);
@@ -59,7 +65,6 @@ private:
     ObjectText m_packedText;
     std::vector<size_t> m_packedPlaces;
     std::vector<int> m_packedNumbers;
-    int m_next = 1;                     ///< the number of the next object to be written
     std::vector<ObjectPlace> m_places;  ///< from number 1 on
 };
 

@@ -131,7 +131,7 @@ bool ObjectCopier::copyShared(QPDFObjectHandle& target, const QPDFObjectHandle& 
     const PlainFile* plain = file ? file->plainFile() : nullptr;
     if (!plain || object.getObjGen().getGen() != 0 || m_nestingOfWords == maxNestingOfWords)
         return false;
-    const std::optional<PlainSharedObject> shared = plainSharedObject(*plain, object.getObjGen().getObj());
+    const std::optional<PlainSharedObject> shared = plainSharedObject(object.getObjGen().getObj(), *plain);
     if (!shared)
         return false;
     ++m_count;
@@ -141,6 +141,12 @@ bool ObjectCopier::copyShared(QPDFObjectHandle& target, const QPDFObjectHandle& 
     copied.isSharedByPages = true;
     m_texts.set(target, std::move(copied));
     return true;
+}
+
+std::optional<QPDFObjectHandle> ObjectCopier::find(const SnapshotReader* file, int number) const {
+    const auto found = m_copies.find({file, QPDFObjGen(number, 0)});
+    const bool isObject = found != m_copies.end() && QPDFObjectHandle(found->second).isIndirect();
+    return isObject ? std::optional(found->second) : std::nullopt;
 }
 
 std::optional<QPDFObjectHandle> ObjectCopier::standIn(const Source& source, QPDFObjectHandle object) {

@@ -33,6 +33,10 @@ public:
     /// A new object of the output with these words.
     QPDFObjectHandle add(CopiedText text);
 
+    /// The counterpart of an object that was copied; nothing for one that was not, and for one without an
+    /// object of its own.
+    std::optional<QPDFObjectHandle> find(const SnapshotReader* file, int number) const;
+
     /// Gives a stream of the output the bytes of one of a source, as they are stored.
     void carryData(QPDFObjectHandle target, const QPDFObjectHandle& source);
 

@@ -19,23 +19,22 @@ int ObjectNumbers::find(const QPDFObjectHandle& object) const {
 }
 
 void ObjectNumbers::beginPart() {
-    m_before = count();
     m_numbers.clear();
     m_objects.clear();
+    m_next = 0;
 }
 
 int ObjectNumbers::of(const QPDFObjectHandle& object) {
     int& number = placeOf(object);
     if (number == 0) {
-        m_objects.push_back(object);
-        number = count();
+        number = reserve();
+        m_objects.emplace_back(number, object);
     }
     return number;
 }
 
-int ObjectNumbers::reserve() {
-    m_objects.emplace_back();
-    return count();
+std::optional<ObjectNumbers::Numbered> ObjectNumbers::next() {
+    return m_next < m_objects.size() ? std::optional(m_objects[m_next++]) : std::nullopt;
 }
 
 namespace {
@@ -76,6 +75,8 @@ void ObjectText::add(std::string_view word) {
 
 void ObjectText::add(const CopiedText& copied) {
     const std::string_view text = copied.text;
+    if (text.empty())
+        return;
     separate(text.front());
     size_t done = 0;
     for (const auto& [position, object] : copied.gaps) {
@@ -100,6 +101,12 @@ void ObjectText::add(const PlainWords& words, const Counterpart& counterpart) {
             add(word.text);
         addValue(object);
     }
+}
+
+void ObjectText::addReference(int number) {
+    separate('0');
+    m_text += std::to_string(number);
+    m_text += " 0 R";
 }
 
 void ObjectText::addReference(const QPDFObjectHandle& object) {

@@ -6,6 +6,8 @@
 
 #include <functional>
 #include <map>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,24 +24,26 @@ public:
     /// 0 for an object without one.
     int find(const QPDFObjectHandle& object) const;
     /// A number for something that is not an object of the output.
-    int reserve();
+    int reserve() { return ++m_count; }
+    /// The last so many numbers have been reserved for nothing.
+    void takeBack(int count) { m_count -= count; }
     /// The object stands for something that has a number already.
     void set(const QPDFObjectHandle& object, int number) { placeOf(object) = number; }
     /// From now on the objects are those of another output, and the numbers go on.
     void beginPart();
 
-    int count() const { return m_before + static_cast<int>(m_objects.size()); }
-    /// Of those of this output. Not initialized where the number was reserved.
-    const QPDFObjectHandle& object(int number) const {
-        return m_objects[static_cast<size_t>(number - m_before) - 1];
-    }
+    /// An object and its number.
+    using Numbered = std::pair<int, QPDFObjectHandle>;
+    /// The next object of this output in the order in which they got their numbers, each once.
+    std::optional<Numbered> next();
 
 private:
     int& placeOf(const QPDFObjectHandle& object);
 
-    int m_before = 0;            ///< numbers of the outputs before
+    int m_count = 0;
     std::vector<int> m_numbers;  ///< by the number in the output as it is put together; 0 for none so far
-    std::vector<QPDFObjectHandle> m_objects;
+    std::vector<Numbered> m_objects;
+    size_t m_next = 0;
 };
 
 /// Puts objects into the words of a PDF file (ISO 32000-2, 7.3), as close together as can be.
@@ -57,6 +61,17 @@ public:
     /// `counterpart` answers the object of the output that a reference to this number leads to.
     using Counterpart = std::function<QPDFObjectHandle(int number)>;
     void add(const PlainWords& words, const Counterpart& counterpart);
+    /// `numberOf` answers the number in the new file of the object of this number.
+    template <typename NumberOf>
+    void addNumbered(std::span<const PlainWord> words, NumberOf numberOf) {
+        for (const PlainWord& word : words) {
+            if (!word.text.empty())
+                add(word.text);
+            if (word.number != 0)
+                addReference(numberOf(word.number));
+        }
+    }
+    void addReference(int number);
     /// What the object holds, also where it is an indirect one. Of a stream the dictionary.
     void addContent(QPDFObjectHandle object);
     void addDictionary(const std::map<std::string, QPDFObjectHandle>& entries);

@@ -3,6 +3,7 @@
 #include "base/SnapshotReader.h"
 #include "engine/objects/Qpdf.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -18,6 +19,12 @@ struct StoredBytes {
     /// Throws `Error` where it cannot be read.
     std::string_view bytes() const { return file->range(offset, length); }
 };
+
+/// What becomes of a stream's bytes.
+enum class Packing : std::uint8_t { asTheyAre, compress };
+
+/// What a source has uncompressed for all its size would take seconds.
+constexpr size_t largestToCompress = 16 << 20;
 
 /// Where the bytes of streams are that are the same in the output as in a source file, by their object in the
 /// output.

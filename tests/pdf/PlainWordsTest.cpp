@@ -7,6 +7,7 @@
 #include "tests/support/TestDocuments.h"
 #include "tests/support/TestPdf.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,22 +16,21 @@ using namespace vellmora::test;
 
 namespace {
 
-/// The words in which an object is written anew; empty where they have to be others. References become the
-/// numbers that they name.
+/// The words in which an object is written anew; empty where they have to be others.
 std::string wordsOf(const std::string& value) {
     const SnapshotReader content(pages(1).bytes());
     const auto file = PlainFile::open(content);
     const std::string text = "7 0 obj " + value + " endobj ";
-    PlainObject object;
+    ObjectText written;
     try {
+        PlainObject object;
         object.read(text, 7);
+        PlainWords words;
+        addPlainWords(words, object, *file);
+        written.addNumbered(words, [](int number) { return number; });
     } catch (const NotPlain&) {
         return {};
     }
-    const auto words = plainWords(object, *file);
-    ObjectText written;
-    if (words)
-        written.add(*words, [](int number) { return QPDFObjectHandle::newInteger(number); });
     return written.text();
 }
 
@@ -115,7 +115,7 @@ TEST(PlainWordsTest, ReadsPlainValuesAsTheLibraryDoes) {
          {"<</B 1/A<</Z/N/Y[1 2.50 -3 0.0 true]>>/C(some text)/D null/E[null]/a/b/A.B-C+d_e/x>>", "[]",
           "<<>>", "-17", "0", "/Name", "()", "[[[1]][2]/A/B(x)(y)<<>>]", "\r\n[ 1\t2\n3 ]", "false"})
         EXPECT_EQ(wordsOf(value), wordsOfLibrary(value));
-    EXPECT_EQ(wordsOf("<</A 12 0 R/B[3 0 R 4 0 R 5]>>"), "<</A 12/B[3 4 5]>>");
+    EXPECT_EQ(wordsOf("<</A 12 0 R/B[3 0 R 4 0 R 5]>>"), "<</A 12 0 R/B[3 0 R 4 0 R 5]>>");
 }
 
 TEST(PlainWordsTest, LeavesToTheLibraryWhatIsNotPlain) {
@@ -194,7 +194,22 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
          {"<</Font<</F @1>>>>", "<</Type/Font/Next @2/Same @1>>", "<</Back @1/Type/Font/Name(\\101)>>"}},
         {"/Resources @0", {"[1 2]"}},
         {"/Resources @0 /Group<</S/Transparency/CS[/ICCBased @1]>>", {"<<>>", stream("/N 1", profile)}},
+        {"/Group @0", {"<</S/Transparency/CS @1>>", "[/ICCBased @2]", stream("/N 3/Filter/A85", profile)}},
+        {"/Group[1] /UserUnit 2.5 /TrimBox[1 1 5.50 5]/ArtBox[9 9]/BleedBox @0 /Rotate 90", {"[1 2 3 4]"}},
+        {"/Group null/UserUnit 2/TrimBox[+1 1 5.50 5]/CropBox[0 0 50 700]/Rotate 90 /Contents[@0]",
+         {content}},
+        {"/Contents[@0 @0] /Resources<</Font<</F @1>>>>", {content, "<<>>"}},
+        {"/Contents @0 /Resources<</Font<</F @1>>/XObject<</I @2>>>>",
+         {stream("", "(uncompressed) Tj"), "<</Type/Font>>",
+          stream("/Subtype/Form/BBox[0 0 9 9]/Resources<</XObject<</I @3>>>>", "uncompressed"),
+          stream("/Subtype/Form/BBox[0 0 9 9]/StructParents 7/Filter null", "uncompressed")}},
+        {"/Contents @0", {stream("/DecodeParms<</Predictor 1>>", "uncompressed")}},
+        {"/Contents @0", {stream("/DecodeParms null/Filter/FlateDecode", "x\x9c\x03")}},
+        {"/Contents @0 /Resources @1", {"<<>>", stream("", "no resources")}},
+        {"/Resources<</XObject<</I @0>>>>", {stream("/Subtype/Form/DecodeParms[null]", "uncompressed")}},
         {"/Annots @0", {"[]"}},
+        {"/Annots @0",
+         {"[<</Subtype/Square/Rect[0 0 9 9]/C[1 0 0]/Popup @1>>]", "<</Subtype/Popup/Rect[0 0 9 9]>>"}},
         {"/Annots[@0 @1]", {"<</Subtype/Link/Rect[0 0 9 9]>>", square}},
         {"/Annots @0", {"[@1]", square}},
         {"/Annots @0", {"[<</Subtype/Link>> 5 @1]", "<</Subtype/Popup>>"}},
@@ -213,6 +228,39 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
         EXPECT_EQ(drawn, everythingIn(library.page())) << page.entries << page.objects.front();
         EXPECT_EQ(drawn.find("/N 1\n"), std::string::npos) << "the profile is another's";
     }
+}
+
+/// Where one page is left to the library, what was read of it is forgotten, and the pages share what they
+/// did.
+TEST(PlainWordsTest, PagesInWordsAndByTheLibraryStandSideBySide) {
+    PdfBuilder source;
+    const auto object = [](int index) {
+        return std::to_string(PdfBuilder::firstExtraObject + index) + " 0 R";
+    };
+    const std::string common = "/Font<</F " + object(0) + ">>/XObject<</L " + object(1) + ">>";
+    for (const char* more : {"", "/Odd(\\101)", "", "/Odd(\\102)", ""})
+        source.page("/Resources<<" + common + "/ExtGState<</G " + object(2) + ">>" + more + ">>");
+    source.object("<</Type/Font/Self " + object(0) + ">>");
+    source.object(stream("/Subtype/Form/BBox[0 0 9 9]/Resources<</Font<</F " + object(0) + ">>>>", "form"));
+    source.object("<</Type/ExtGState/CA 1>>");
+    const QByteArray bytes = source.bytes();
+    QByteArray saved = allPagesOf(*documentOf(bytes));
+    Output output(saved);
+    Output library(allPagesOf(*documentOf(leftToTheLibrary(bytes))));
+    std::set<QPDFObjGen> shared;
+    for (size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(everythingIn(output.page(i)), everythingIn(library.page(i))) << i;
+        QPDFObjectHandle form = output.page(i).getKey("/Resources").getKey("/XObject").getKey("/P");
+        QPDFObjectHandle resources = form.getDict().getKey("/Resources");
+        shared.insert(resources.getKey("/Font").getKey("/F").getObjGen());
+        shared.insert(resources.getKey("/XObject").getKey("/L").getObjGen());
+        shared.insert(resources.getKey("/ExtGState").getKey("/G").getObjGen());
+    }
+    EXPECT_EQ(shared.size(), 3U);
+    QPDF file;
+    file.processMemoryFile("saved", saved.constData(), static_cast<size_t>(saved.size()));
+    for (QPDFObjectHandle& written : file.getAllObjects())
+        EXPECT_FALSE(written.isNull()) << "a number that nothing has";
 }
 
 /// Each object of the chain is reached by the one before it.
