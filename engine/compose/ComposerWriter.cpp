@@ -192,7 +192,7 @@ int PageComposer::Writer::addPicture(PictureMaker picture) {
 
 void PageComposer::Writer::drawPicture(int picture, const Rect& rect) {
     const Matrix unitSquareToRect{rect.width, 0, 0, rect.height, rect.x, rect.y};
-    m_pictures.at(static_cast<size_t>(picture));
+    static_cast<void>(m_pictures.at(static_cast<size_t>(picture)));
     m_page.pictures.insert(picture);
     m_page.content += paintObject(nameOf(picture), unitSquareToRect * m_page.fromPageSpace);
 }
