@@ -6,11 +6,29 @@ namespace vellmora {
 
 namespace {
 
-constexpr int detailBytes = 4;
+/// How many bytes an entry has of a place.
+struct Widths {
+    int position;  ///< or the object stream's number
+    int detail;
 
-void appendNumber(std::string& data, size_t value, int bytes) {
+    size_t entry() const { return static_cast<size_t>(1 + position + detail); }
+};
+
+/// Positions up to a million million.
+constexpr Widths widthsInTable{5, 1};
+
+/// The greatest byte first.
+char* write(char* target, size_t value, int bytes) {
     for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
-        data += static_cast<char>(value >> shift);
+        *target++ = static_cast<char>(value >> shift);
+    return target;
+}
+
+void writeEntry(char* target, const ObjectPlace& place, const Widths& widths) {
+    const bool isMember = place.container != 0;
+    target = write(target, isMember ? 2 : 1, 1);
+    target = write(target, isMember ? static_cast<size_t>(place.container) : place.position, widths.position);
+    write(target, static_cast<size_t>(place.detail), widths.detail);
 }
 
 /// Bytes that hold every position up to the last.
@@ -38,52 +56,43 @@ std::string runsOf(const ObjectPlaces& places) {
     return runs;
 }
 
-/// The entries of the stream, one after another.
-class Entries {
-public:
-    explicit Entries(size_t position) : m_positionBytes(bytesFor(position)) {}
-
-    void add(const ObjectPlace& place) {
-        const bool isMember = place.container != 0;
-        appendNumber(m_data, isMember ? 2 : 1, 1);
-        appendNumber(m_data, isMember ? static_cast<size_t>(place.container) : place.position,
-                     m_positionBytes);
-        appendNumber(m_data, static_cast<size_t>(place.detail), detailBytes);
-    }
-
-    std::string stream(const std::string& runs, const Trailer& trailer, size_t position,
-                       int ownNumber) const {
-        const std::string data = deflated(m_data);
-        return std::to_string(ownNumber) + " 0 obj\n<</Type/XRef/Filter/FlateDecode/W[1 " +
-               std::to_string(m_positionBytes) + ' ' + std::to_string(detailBytes) + "]/Index[" + runs +
-               "]\n" + entry("/Root", trailer.root) + entry("/Encrypt", trailer.encrypt) +
-               entry("/ID", trailer.id) + "/Size " + std::to_string(ownNumber + 1) + "/Length " +
-               std::to_string(data.size()) + ">>\nstream\n" + data + "\nendstream\nendobj\nstartxref\n" +
-               std::to_string(position) + "\n%%EOF\n";
-    }
-
-private:
-    int m_positionBytes;
-    std::string m_data;
-};
+std::string streamOf(const std::string& entries, const Widths& widths, const std::string& runs,
+                     const Trailer& trailer, size_t position, int ownNumber) {
+    const std::string data = deflated(entries);
+    return std::to_string(ownNumber) + " 0 obj\n<</Type/XRef/Filter/FlateDecode/W[1 " +
+           std::to_string(widths.position) + ' ' + std::to_string(widths.detail) + "]/Index[" + runs + "]\n" +
+           entry("/Root", trailer.root) + entry("/Encrypt", trailer.encrypt) + entry("/ID", trailer.id) +
+           "/Size " + std::to_string(ownNumber + 1) + "/Length " + std::to_string(data.size()) +
+           ">>\nstream\n" + data + "\nendstream\nendobj\nstartxref\n" + std::to_string(position) +
+           "\n%%EOF\n";
+}
 
 }  // namespace
 
 std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position, int ownNumber) {
     places[ownNumber] = {position, 0, 0};
-    Entries entries(position);
-    for (const auto& [number, place] : places)
-        entries.add(place);
-    return entries.stream(runsOf(places), trailer, position, ownNumber);
+    const Widths widths{bytesFor(position), 4};
+    std::string entries(places.size() * widths.entry(), '\0');
+    size_t at = 0;
+    for (const auto& [number, place] : places) {
+        writeEntry(&entries[at], place, widths);
+        at += widths.entry();
+    }
+    return streamOf(entries, widths, runsOf(places), trailer, position, ownNumber);
 }
 
-std::string crossReferences(const std::vector<ObjectPlace>& places, const Trailer& trailer, size_t position) {
-    Entries entries(position);
-    for (const ObjectPlace& place : places)
-        entries.add(place);
-    entries.add({position, 0, 0});
-    const auto ownNumber = static_cast<int>(places.size()) + 1;
-    return entries.stream("1 " + std::to_string(ownNumber) + ' ', trailer, position, ownNumber);
+void PlaceTable::set(int number, const ObjectPlace& place) {
+    const size_t end = static_cast<size_t>(number) * widthsInTable.entry();
+    if (end > m_entries.size())
+        m_entries.resize(end);
+    writeEntry(&m_entries[end - widthsInTable.entry()], place, widthsInTable);
+}
+
+std::string PlaceTable::end(const Trailer& trailer, size_t position) && {
+    const auto ownNumber = static_cast<int>(m_entries.size() / widthsInTable.entry()) + 1;
+    set(ownNumber, {position, 0, 0});
+    return streamOf(m_entries, widthsInTable, "1 " + std::to_string(ownNumber) + ' ', trailer, position,
+                    ownNumber);
 }
 
 }  // namespace vellmora

@@ -18,7 +18,17 @@ struct Trailer {
 /// its own position `position`. No object may refer to its number, which is greater than all others.
 std::string crossReferences(ObjectPlaces places, const Trailer& trailer, size_t position, int ownNumber);
 
-/// The same for objects that are numbered from 1 on without a gap; its own number is the next.
-std::string crossReferences(const std::vector<ObjectPlace>& places, const Trailer& trailer, size_t position);
+/// The places of objects that are numbered from 1 on, in the seven bytes that a file's end has of each.
+class PlaceTable {
+public:
+    /// Of an object of the first generation, in an object stream of at most 256.
+    void set(int number, const ObjectPlace& place);
+    /// The end of the file as above. All numbers up to the greatest have their places, and its own is the
+    /// next.
+    std::string end(const Trailer& trailer, size_t position) &&;
+
+private:
+    std::string m_entries;
+};
 
 }  // namespace vellmora

@@ -1,6 +1,5 @@
 #include "engine/output/FileWriter.h"
 
-#include "engine/objects/CrossReferences.h"
 #include "picture/DeflateStream.h"
 
 #include <optional>
@@ -140,7 +139,7 @@ void FileWriter::writeCopiedStream(int number, const CopiedText& stream) {
 }
 
 void FileWriter::beginStream(int number) {
-    setPlace(number, {m_position, 0, 0});
+    m_places.set(number, {m_position, 0, 0});
     m_streamText.clear();
     m_streamText.add(std::to_string(number));
     m_streamText.add("0");
@@ -152,13 +151,6 @@ void FileWriter::endStream(std::string_view data) {
     put(m_streamText.text());
     put(data);
     put("\nendstream\nendobj\n");
-}
-
-void FileWriter::setPlace(int number, const ObjectPlace& place) {
-    const auto index = static_cast<size_t>(number) - 1;
-    if (index >= m_places.size())
-        m_places.resize(index + 1);
-    m_places[index] = place;
 }
 
 void FileWriter::beginPacked(int number) {
@@ -178,7 +170,7 @@ void FileWriter::writePackedObjects() {
     std::string data;
     for (size_t i = 0; i < m_packedNumbers.size(); ++i) {
         data += std::to_string(m_packedNumbers[i]) + ' ' + std::to_string(m_packedPlaces[i]) + ' ';
-        setPlace(m_packedNumbers[i], {m_position, container, static_cast<int>(i)});
+        m_places.set(m_packedNumbers[i], {m_position, container, static_cast<int>(i)});
     }
     const size_t first = data.size();
     data += m_packedText.text();
@@ -195,7 +187,7 @@ void FileWriter::writePackedObjects() {
 
 void FileWriter::writeCrossReferences(int catalogNumber) {
     const Trailer trailer{std::to_string(catalogNumber) + " 0 R", {}, newIdentifier()};
-    put(crossReferences(m_places, trailer, m_position));
+    put(std::move(m_places).end(trailer, m_position));
 }
 
 void FileWriter::put(std::string_view bytes) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/objects/ObjectPlaces.h"
+#include "engine/objects/CrossReferences.h"
 #include "engine/output/CopiedText.h"
 #include "engine/output/ObjectText.h"
 #include "engine/output/StoredStreams.h"
@@ -50,7 +50,6 @@ private:
     void endPacked();
     void writeObject(int number, const QPDFObjectHandle& object, const StoredStreams& streams);
     void writePackedObjects();
-    void setPlace(int number, const ObjectPlace& place);
     void writeCrossReferences(int catalogNumber);
 
     void put(std::string_view bytes);
@@ -65,7 +64,7 @@ private:
     ObjectText m_packedText;
     std::vector<size_t> m_packedPlaces;
     std::vector<int> m_packedNumbers;
-    std::vector<ObjectPlace> m_places;  ///< from number 1 on
+    PlaceTable m_places;
 };
 
 }  // namespace vellmora
