@@ -56,6 +56,10 @@ bool PageComposer::Writer::drawInWords(const ParsedDocument& document, qsizetype
         return false;
     m_page.fromPageSpace = page->attributes->orientation.fromPageSpace();
     m_page.content += paintObject("/P", {});
+    if (m_page.words->mayHaveAnnotations) {
+        const std::shared_ptr<const ParsedFile> source = document.fileOf(index);
+        drawFrom(source, [&] { attempt([&] { drawAnnotations(*source, source->page(index)); }); });
+    }
     return true;
 }
 
@@ -76,20 +80,23 @@ void PageComposer::Writer::usePlainFile(const ParsedDocument& document, qsizetyp
 
 void PageComposer::Writer::drawByLibrary(const std::shared_ptr<const ParsedFile>& file, qsizetype index,
                                          DisplayBox box) {
-    const ParsedFile& source = *file;
-    const ParsedPage& page = source.page(index);
+    const ParsedPage& page = file->page(index);
     m_page.fromPageSpace = page.orientation.fromPageSpace();
+    drawFrom(file, [&] { drawParts(*file, page, box); });
+}
+
+/// Draws once more what was drawn with objects that the library had given up.
+void PageComposer::Writer::drawFrom(const std::shared_ptr<const ParsedFile>& file,
+                                    const std::function<void()>& draw) {
     useSource(file);
     m_part->copier.beginStep();
     const OpenPage begun = m_page;
-    drawParts(source, page, box);
-    if (source.bringBackObjects()) {
+    draw();
+    if (file->bringBackObjects()) {
         m_part->copier.forgetStep();
         m_part->resources.forget();
-        m_page.content = begun.content;
-        m_page.annotationCount = begun.annotationCount;
-        m_page.isIncomplete = begun.isIncomplete;
-        drawParts(source, page, box);
+        m_page = begun;
+        draw();
     }
 }
 
@@ -218,19 +225,11 @@ void PageComposer::Writer::endPage() {
 
 /// Answers the page's number.
 int PageComposer::Writer::pageInWords() {
-    const auto reference = [](int number) { return std::to_string(number) + " 0 R"; };
-    std::string objects = "/P " + reference(m_page.words->form);
-    for (const int index : m_page.pictures) {
-        PictureInWork& picture = m_pictures[static_cast<size_t>(index)];
-        if (picture.number == 0)
-            picture.number = m_file.numbers().reserve();
-        objects += nameOf(index) + ' ' + reference(picture.number);
-    }
     std::map<std::string, std::string>& entries = m_page.words->entries;
     entries["/Type"] = "/Page";
-    entries["/Parent"] = reference(m_pagesNumber);
-    entries["/Resources"] = "<</XObject<<" + objects + ">>>>";
-    entries["/Contents"] = reference(contentStream(m_page.content));
+    entries["/Parent"] = std::to_string(m_pagesNumber) + " 0 R";
+    entries["/Resources"] = resourcesInWords();
+    entries["/Contents"] = std::to_string(contentStream(m_page.content)) + " 0 R";
     ObjectText text;
     text.add("<<");
     for (const auto& [key, value] : entries) {
@@ -241,6 +240,31 @@ int PageComposer::Writer::pageInWords() {
     const int number = m_file.numbers().reserve();
     m_file.writeReserved(number, text.text());
     return number;
+}
+
+std::string PageComposer::Writer::resourcesInWords() {
+    ObjectText text(m_file.numbers());
+    text.add("<<");
+    if (!m_page.layers.empty()) {
+        text.add("/Properties");
+        text.addDictionary(m_page.layers);
+    }
+    text.add("/XObject<<");
+    for (const auto& [name, object] : m_page.objects) {
+        text.add(name);
+        text.addValue(object);
+    }
+    text.add("/P");
+    text.addReference(m_page.words->form);
+    for (const int index : m_page.pictures) {
+        PictureInWork& picture = m_pictures[static_cast<size_t>(index)];
+        if (picture.number == 0)
+            picture.number = m_file.numbers().reserve();
+        text.add(nameOf(index));
+        text.addReference(picture.number);
+    }
+    text.add(">>>>");
+    return text.text();
 }
 
 /// Pages that are drawn alike (no stamp, or the same one at the same place) share their content stream.

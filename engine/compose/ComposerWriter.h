@@ -58,6 +58,7 @@ private:
 
     bool drawInWords(const ParsedDocument& document, qsizetype index, DisplayBox box);
     void drawByLibrary(const std::shared_ptr<const ParsedFile>& file, qsizetype index, DisplayBox box);
+    void drawFrom(const std::shared_ptr<const ParsedFile>& file, const std::function<void()>& draw);
     void usePlainFile(const ParsedDocument& document, qsizetype index, const PlainFile& file);
     void useSource(const std::shared_ptr<const ParsedFile>& file);
     void drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box);
@@ -70,6 +71,7 @@ private:
     void carryDocumentAttributes(const ParsedFile& source);
     void paint(const std::string& name, const QPDFObjectHandle& object, const Matrix& matrix);
     int pageInWords();
+    std::string resourcesInWords();
     QPDFObjectHandle pageObject();
     void beginPart();
     void fillPart();

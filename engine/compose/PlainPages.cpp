@@ -45,7 +45,6 @@ std::optional<PageInWords> PlainPages::draw(const OutlinedPage& page, DisplayBox
     m_copier.begin(file, copies);
     try {
         file.read(page.number, m_page);
-        require(hasPlainlyNoVisibleAnnotations(m_page, file));
         readContent(file);
         readResources(page);
         readGroup(file);
@@ -56,6 +55,7 @@ std::optional<PageInWords> PlainPages::draw(const OutlinedPage& page, DisplayBox
         if (!m_group.empty())
             result.entries["/Group"] = textOf(m_group);
         result.form = writeForm(page);
+        result.mayHaveAnnotations = !hasPlainlyNoVisibleAnnotations(m_page, file);
         return result;
     } catch (const NotPlain&) {
         return std::nullopt;

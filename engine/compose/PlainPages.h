@@ -15,6 +15,7 @@ namespace vellmora {
 struct PageInWords {
     int form = 0;  ///< the number of its content as a form, which is written with all that it leads to
     std::map<std::string, std::string> entries;  ///< of its dictionary, each with its text
+    bool mayHaveAnnotations = false;             ///< that are to be painted
 };
 
 /// Puts pages of plain files into a new file in the words of their own, without the PDF library. What it
@@ -23,8 +24,8 @@ class PlainPages {
 public:
     PlainPages(FileWriter& file, WrittenObjects& written) : m_file(file), m_copier(file, written) {}
 
-    /// Nothing where the page is left to the library: something that it leads to is not plain, or annotations
-    /// are to be painted. Then nothing is written of it. `copies` are the library's, of the part.
+    /// Nothing where the page is left to the library, since something that it leads to is not plain. Then
+    /// nothing is written of it. `copies` are the library's, of the part.
     std::optional<PageInWords> draw(const OutlinedPage& page, DisplayBox box, const ObjectCopier& copies);
     /// A box of a page as text.
     const std::string& textOf(const Rect& box) { return m_boxes.textOf(box); }

@@ -217,9 +217,10 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
         {"/Resources @2 /Annots[@0]",
          {"<</Subtype/Widget/Rect[0 0 9 9]/AP<</N @1>>>>",
           stream("/Subtype/Form/BBox[0 0 9 9]/Resources @2", "f"), "<</Font<</F 1>>>>"}},
-        {"/Resources @2 /Annots[@0]",
-         {"<</Subtype/Stamp/Rect[0 0 9 9]/AP<</N @1>>>>", stream("/BBox[0 0 9 9]/Filter/FlateDecode", "f"),
-          "<</XObject<</F @1>>>>"}},
+        {"/Resources @2 /Annots[@0 @4]",
+         {"<</Subtype/Stamp/Rect[0 0 9 9]/AP<</N @1>>/OC @3>>",
+          stream("/BBox[0 0 9 9]/Filter/FlateDecode/Resources @2", "f"), "<</Font<</F 1>>>>",
+          "<</Type/OCG/Name(Ebene)>>", "<</Subtype/Square/Rect[0 0 9 9]/OC<</Type/OCMD/OCGs[@3]>>>>"}},
     };
     for (const PageWithObjects& page : cases) {
         Output shortWay(makePagePdf(*documentOf(page.bytes()), 0));
@@ -228,6 +229,17 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
         EXPECT_EQ(drawn, everythingIn(library.page())) << page.entries << page.objects.front();
         EXPECT_EQ(drawn.find("/N 1\n"), std::string::npos) << "the profile is another's";
     }
+}
+
+/// The file's own content draws it as before; readers paint no XObject without a subtype.
+TEST(PlainWordsTest, AnAppearanceIsWhatItWasAmongThePagesResources) {
+    const PageWithObjects page{
+        "/Resources<</XObject<</F @1>>>> /Annots[@0]",
+        {"<</Subtype/Stamp/Rect[0 0 9 9]/AP<</N @1>>>>", stream("/BBox[0 0 9 9]/Filter/FlateDecode", "f")}};
+    Output output(makePagePdf(*documentOf(page.bytes()), 0));
+    QPDFObjectHandle resources = output.drawn("/P").getDict().getKey("/Resources");
+    EXPECT_FALSE(resources.getKey("/XObject").getKey("/F").getDict().hasKey("/Subtype"));
+    EXPECT_TRUE(output.drawn("/A0").getDict().getKey("/Subtype").isNameAndEquals("/Form"));
 }
 
 /// Where one page is left to the library, what was read of it is forgotten, and the pages share what they
