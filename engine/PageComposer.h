@@ -15,8 +15,8 @@ namespace vellmora {
 /// Writes a fresh PDF, page after page. What is written carries no document information, outline, links,
 /// form, script or attachment: only pages, as a screen viewer shows them.
 ///
-/// Order of calls: for each page `beginPage`, any drawing, `endPage`; at last `close`. Nothing reaches the
-/// consumer before `close`.
+/// Order of calls: for each page `beginPage`, any drawing, `endPage`; at last `close`. Much is written before
+/// that: each call may throw what the consumer throws.
 class PageComposer {
 public:
     using PictureMaker = std::function<EncodedPicture()>;
@@ -32,7 +32,8 @@ public:
 
     /// Draws a source page into the page that was begun. The output page gets that page's `box` and rotation,
     /// and what is drawn after it is placed in its page space. Content is carried over losslessly, also what
-    /// is damaged in it; what cannot be read is left out. Throws `std::bad_alloc` and nothing else.
+    /// is damaged in it; what is damaged so that it cannot be read is left out. Throws `std::bad_alloc`, and
+    /// the `Error` of a source whose bytes cannot be read.
     ///
     /// The document must live until `close`.
     void drawPage(const ParsedDocument& document, qsizetype pageIndex, DisplayBox box);

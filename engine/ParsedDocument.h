@@ -37,7 +37,7 @@ public:
     const DocumentDamage& damage() const;
 
     /// The page without the PDF library; nothing of a document that is not plain. It lives as long as the
-    /// document. Pages are to be asked for once, and then drawn from it or from `fileOf`.
+    /// document.
     std::optional<OutlinedPage> outlinedPage(qsizetype index) const;
     /// A file that has this page, at the same index. Throws the `Error` of content that cannot be read,
     /// `std::bad_alloc`, and `std::runtime_error` where the pages are others than those that were found

@@ -17,6 +17,8 @@ namespace {
 
 /// From so many on a part is written.
 constexpr size_t mostObjectsInPart = 5000;
+/// Each is kept open until then: some tens of kilobytes.
+constexpr size_t mostSourcesOfPart = 64;
 /// The page, and its content as a form.
 constexpr size_t objectsOfPage = 2;
 /// Contents of pages that are kept to find others that are the same.
@@ -217,7 +219,8 @@ void PageComposer::Writer::endPage() {
         m_incompletePages.insert(m_pageCount);
     ++m_pageCount;
     m_page = {};
-    if (m_part->copier.count() + objectsOfPage * m_part->pageCount > mostObjectsInPart) {
+    const size_t objectCount = m_part->copier.count() + objectsOfPage * m_part->pageCount;
+    if (objectCount > mostObjectsInPart || m_part->sources.size() == mostSourcesOfPart) {
         writePart();
         beginPart();
     }

@@ -30,7 +30,7 @@ void addDictionary(PlainWords& words, std::string_view value, const PlainFile& f
         file.read(number, dictionary);
     else
         dictionary.readValue(value);
-    require(dictionary.isDictionary() && (number > 0 ? !dictionary.isStream() : true));
+    require(dictionary.isDictionary() && !dictionary.isStream());
     if (number > 0)
         words.push_back({{}, number});
     else

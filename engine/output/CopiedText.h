@@ -20,9 +20,10 @@ struct CopiedText {
     };
 
     std::string text;
-    std::vector<Gap> gaps;              ///< in the order of their positions
-    std::optional<StoredBytes> data{};  ///< of a stream, whose dictionary the text is
-    bool isSharedByPages = false;       ///< also with pages that are written later
+    std::vector<Gap> gaps;  ///< in the order of their positions
+    std::optional<StoredBytes>
+        data{};                    ///< of a stream; the text has its entries, but no brackets and no length
+    bool isSharedByPages = false;  ///< also with pages that are written later
 };
 
 /// Objects of the output that are put into words at once, by their number in the output. What libqpdf has

@@ -25,8 +25,6 @@ public:
     int find(const QPDFObjectHandle& object) const;
     /// A number for something that is not an object of the output.
     int reserve() { return ++m_count; }
-    /// The last so many numbers have been reserved for nothing.
-    void takeBack(int count) { m_count -= count; }
     /// The object stands for something that has a number already.
     void set(const QPDFObjectHandle& object, int number) { placeOf(object) = number; }
     /// From now on the objects are those of another output, and the numbers go on.
