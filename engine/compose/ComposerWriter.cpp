@@ -100,6 +100,13 @@ void PageComposer::Writer::drawFrom(const std::shared_ptr<const ParsedFile>& fil
         m_page = begun;
         draw();
     }
+    numberStandIns();
+}
+
+/// Before anybody asks for their numbers.
+void PageComposer::Writer::numberStandIns() {
+    for (const auto& [object, number] : m_part->copier.takeStandIns())
+        m_file.numbers().set(object, number);
 }
 
 void PageComposer::Writer::drawParts(const ParsedFile& source, const ParsedPage& page, DisplayBox box) {
@@ -338,8 +345,7 @@ void PageComposer::Writer::fillPart() {
     m_part->appearances.finish();
     m_part->replacedProfiles = prepareStreams(m_part->output, m_part->copier.carriedStreams());
     ObjectNumbers& numbers = m_file.numbers();
-    for (const auto& [object, number] : m_part->copier.standIns())
-        numbers.set(object, number);
+    numberStandIns();
     for (PictureInWork& picture : m_pictures) {
         if (picture.isUsed && picture.number == 0)
             picture.number = numbers.reserve();

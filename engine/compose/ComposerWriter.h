@@ -58,6 +58,7 @@ private:
 
     bool drawInWords(const ParsedDocument& document, qsizetype index, DisplayBox box);
     void drawByLibrary(const std::shared_ptr<const ParsedFile>& file, qsizetype index, DisplayBox box);
+    void numberStandIns();
     void drawFrom(const std::shared_ptr<const ParsedFile>& file, const std::function<void()>& draw);
     void usePlainFile(const ParsedDocument& document, qsizetype index, const PlainFile& file);
     void useSource(const std::shared_ptr<const ParsedFile>& file);

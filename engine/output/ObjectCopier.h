@@ -52,8 +52,8 @@ public:
     /// How many objects were copied, without those that were written already.
     size_t count() const { return m_count; }
     /// The counterparts of objects that were written already, and the numbers that they have. What they hold
-    /// does not matter.
-    const std::vector<std::pair<QPDFObjectHandle, int>>& standIns() const { return m_standIns; }
+    /// does not matter. Each is answered once.
+    std::vector<std::pair<QPDFObjectHandle, int>> takeStandIns() { return std::exchange(m_standIns, {}); }
     /// Notes the numbers that the copied objects have been written with. Those of which a copy may look
     /// different when it is met again are left out, and those of the output that are `except`ed.
     void tellWritten(const ObjectNumbers& numbers, const std::set<QPDFObjGen>& except,

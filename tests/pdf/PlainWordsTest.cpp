@@ -202,11 +202,14 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
         {"/Contents @0 /Resources<</Font<</F @1>>/XObject<</I @2>>>>",
          {stream("", "(uncompressed) Tj"), "<</Type/Font>>",
           stream("/Subtype/Form/BBox[0 0 9 9]/Resources<</XObject<</I @3>>>>", "uncompressed"),
-          stream("/Subtype/Form/BBox[0 0 9 9]/StructParents 7/Filter null", "uncompressed")}},
+          stream("/Subtype/Form/BBox[0 0 9 9]/StructParents 7", "uncompressed")}},
         {"/Contents @0", {stream("/DecodeParms<</Predictor 1>>", "uncompressed")}},
         {"/Contents @0", {stream("/DecodeParms null/Filter/FlateDecode", "x\x9c\x03")}},
         {"/Contents @0 /Resources @1", {"<<>>", stream("", "no resources")}},
         {"/Resources<</XObject<</I @0>>>>", {stream("/Subtype/Form/DecodeParms[null]", "uncompressed")}},
+        {"/Resources<</XObject<</I @0>>>>", {stream("/Subtype/Form/Filter null", "uncompressed")}},
+        {"/Resources @0", {stream("/Font<</F 1>>", "no dictionary")}},
+        {"/Resources @0 /UserUnit 02", {"<</Font<</A 1/B 1/C 1/D 1/E 1/F 1/G 1/H 1/I 1/J 1/K 1/L 1/M 1>>>>"}},
         {"/Annots @0", {"[]"}},
         {"/Annots @0",
          {"[<</Subtype/Square/Rect[0 0 9 9]/C[1 0 0]/Popup @1>>]", "<</Subtype/Popup/Rect[0 0 9 9]>>"}},
@@ -250,11 +253,13 @@ TEST(PlainWordsTest, PagesInWordsAndByTheLibraryStandSideBySide) {
         return std::to_string(PdfBuilder::firstExtraObject + index) + " 0 R";
     };
     const std::string common = "/Font<</F " + object(0) + ">>/XObject<</L " + object(1) + ">>";
-    for (const char* more : {"", "/Odd(\\101)", "", "/Odd(\\102)", ""})
-        source.page("/Resources<<" + common + "/ExtGState<</G " + object(2) + ">>" + more + ">>");
+    for (const bool isOdd : {true, false, true, false, false})
+        source.page("/Resources<<" + common + "/ExtGState<</G " + object(2) +
+                    (isOdd ? "/Odd " + object(3) : "") + ">>>>");
     source.object("<</Type/Font/Self " + object(0) + ">>");
     source.object(stream("/Subtype/Form/BBox[0 0 9 9]/Resources<</Font<</F " + object(0) + ">>>>", "form"));
     source.object("<</Type/ExtGState/CA 1>>");
+    source.object("<</Type/ExtGState/Name(\\101)>>");
     const QByteArray bytes = source.bytes();
     QByteArray saved = allPagesOf(*documentOf(bytes));
     Output output(saved);
@@ -309,4 +314,24 @@ TEST(PlainWordsTest, DamageThatIsMetLateIsMended) {
     EXPECT_EQ(everythingIn(output.page(4)), whole);
     EXPECT_NE(everythingIn(output.page(5)).find("/A 2147483647"), std::string::npos)
         << everythingIn(output.page(5));
+}
+
+TEST(PlainWordsTest, AnAppearanceWhoseDamageIsMetLateIsPaintedOnce) {
+    PdfBuilder source;
+    for (int page = 0; page < 3; ++page) {
+        const int first = PdfBuilder::firstExtraObject + 2 * page;
+        source.page("/Annots[" + std::to_string(first) + " 0 R]");
+        source.object("<</Subtype/Stamp/Rect[0 0 9 9]/AP<</N " + std::to_string(first + 1) + " 0 R>>>>");
+        source.object(stream("/Subtype/Form/BBox[0 0 9 9]/A 1", "f"));
+    }
+    QByteArray bytes = source.bytes();
+    bytes.replace(bytes.lastIndexOf("/A 1"), 4, "/A 99999999999999999999");
+    Output output(allPagesOf(*documentOf(bytes)));
+    const auto contentOf = [&output](size_t page) {
+        return text(output.page(page).getKey("/Contents").getStreamData());
+    };
+    EXPECT_NE(contentOf(1).find("/A0 Do"), std::string::npos);
+    EXPECT_EQ(contentOf(2), contentOf(1));
+    QPDFObjectHandle painted = output.page(2).getKey("/Resources").getKey("/XObject").getKey("/A0");
+    EXPECT_EQ(text(painted.getStreamData()), "f");
 }
