@@ -92,13 +92,17 @@ bool hasSeal(int page) {
     return page >= 2000 && page % 3 > 0;
 }
 
-/// The PDF library reads such pages.
+/// The PDF library reads such pages, and those with an odd state.
 bool hasFilterElsewhere(int page) {
-    return page / 1000 == 1;
+    return page / 500 == 2;
+}
+
+bool hasOddState(int page) {
+    return page / 500 == 3;
 }
 
 bool hasLetterhead(int page) {
-    return page >= 1000;
+    return page >= 1500;
 }
 
 /// More objects than are written at once: pages that share whatever can be shared.
@@ -119,7 +123,8 @@ PlainPdf longDocument(int pageCount) {
         const int stream =
             file.addStream("/Filter " + (hasFilterElsewhere(i) ? reference(filter) : "/ASCIIHexDecode"),
                            QByteArray::fromStdString(content).toHex().toStdString() + '>');
-        const int state = file.add("<< /Type /ExtGState /CA 1 >>");
+        const int state = file.add(hasOddState(i) ? "<< /Type /ExtGState /CA 1.0 /Odd (\\101) >>"
+                                                  : "<< /Type /ExtGState /CA 1 >>");
         pages.push_back(file.add("<< /Type /Page /MediaBox [0 0 99 99] /Contents " + reference(stream) +
                                  (hasSeal(i) ? " /Annots [" + reference(annotation) + "]" : "") +
                                  " /Resources << /Font << /F " + reference(font) + " >> /ExtGState << /G " +

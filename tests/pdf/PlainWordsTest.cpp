@@ -209,7 +209,8 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
         {"/Resources<</XObject<</I @0>>>>", {stream("/Subtype/Form/DecodeParms[null]", "uncompressed")}},
         {"/Resources<</XObject<</I @0>>>>", {stream("/Subtype/Form/Filter null", "uncompressed")}},
         {"/Resources @0", {stream("/Font<</F 1>>", "no dictionary")}},
-        {"/Resources @0 /UserUnit 02", {"<</Font<</A 1/B 1/C 1/D 1/E 1/F 1/G 1/H 1/I 1/J 1/K 1/L 1/M 1>>>>"}},
+        {"/UserUnit 02", {"1"}},
+        {"/Resources @0", {"<</Font<</A 1/B 1/C 1/D 1/E 1/F 1/G 1/H 1/I 1/J 1/K 1/L 1/M 1>>>>"}},
         {"/Annots @0", {"[]"}},
         {"/Annots @0",
          {"[<</Subtype/Square/Rect[0 0 9 9]/C[1 0 0]/Popup @1>>]", "<</Subtype/Popup/Rect[0 0 9 9]>>"}},
@@ -243,6 +244,23 @@ TEST(PlainWordsTest, AnAppearanceIsWhatItWasAmongThePagesResources) {
     QPDFObjectHandle resources = output.drawn("/P").getDict().getKey("/Resources");
     EXPECT_FALSE(resources.getKey("/XObject").getKey("/F").getDict().hasKey("/Subtype"));
     EXPECT_TRUE(output.drawn("/A0").getDict().getKey("/Subtype").isNameAndEquals("/Form"));
+}
+
+/// The library carries over what all pages have in common; a page in words has the same layer.
+TEST(PlainWordsTest, PagesInWordsAreOnTheDocumentsLayers) {
+    const auto object = [](int index) {
+        return std::to_string(PdfBuilder::firstExtraObject + index) + " 0 R";
+    };
+    PdfBuilder source;
+    source.page("/Resources<</Properties<</L " + object(0) + ">>>>");
+    source.object("<</Type/OCG/Name(Ebene)>>");
+    source.catalog("/OCProperties<</OCGs[" + object(0) + "]/D<<>>>>/OutputIntents[<</S/GTS_PDFX>>]");
+    Output output(allPagesOf(*source.document()));
+    QPDFObjectHandle layer = output.root().getKey("/OCProperties").getKey("/OCGs").getArrayItem(0);
+    QPDFObjectHandle resources = output.drawn("/P").getDict().getKey("/Resources");
+    EXPECT_EQ(layer.unparseResolved(), "<< /Name (Ebene) /Type /OCG >>");
+    EXPECT_EQ(resources.getKey("/Properties").getKey("/L").getObjGen(), layer.getObjGen());
+    EXPECT_TRUE(output.root().getKey("/OutputIntents").isArray());
 }
 
 /// Where one page is left to the library, what was read of it is forgotten, and the pages share what they
