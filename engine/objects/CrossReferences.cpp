@@ -11,7 +11,7 @@ struct Widths {
     int position;  ///< or the object stream's number
     int detail;
 
-    size_t entry() const { return static_cast<size_t>(1 + position + detail); }
+    size_t entry() const { return 1 + static_cast<size_t>(position) + static_cast<size_t>(detail); }
 };
 
 /// Positions up to a million million.
