@@ -84,6 +84,23 @@ std::string_view SnapshotReader::range(size_t offset, size_t length) const {
     return {m_bytes + offset, length};
 }
 
+/// Gives whole pages of the content memory of their own. Without that the system would keep an empty page of
+/// the snapshot beneath each that is written to, as it does where it gives none.
+void SnapshotReader::own(size_t begin, size_t end) const {
+    const auto pageSize = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
+    if (begin % pageSize != 0 || (end % pageSize != 0 && end != m_size))
+        return;
+    static_cast<void>(::mmap(m_bytes + begin, end - begin, PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0));
+}
+
+/// Has all of the content show the snapshot.
+void SnapshotReader::disown() {
+    if (::mmap(m_bytes, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE | MAP_FIXED,
+               m_memory.get(), snapshotContentOffset) == MAP_FAILED)
+        throw std::bad_alloc();
+}
+
 /// Reads what is missing of the blocks, as many as lie side by side at once.
 void SnapshotReader::fetch(size_t begin, size_t end) const {
     for (size_t block = begin; block < end;) {
@@ -92,6 +109,8 @@ void SnapshotReader::fetch(size_t begin, size_t end) const {
             ++behind;
         size_t at = block * blockSize;
         const size_t stop = std::min(behind * blockSize, m_size);
+        if (at < stop)
+            own(at, stop);
         while (at < stop) {
             const ssize_t count = readAt(m_file, m_bytes + at, stop - at, at);
             if (count <= 0) {
@@ -127,7 +146,7 @@ bool SnapshotReader::agreesWithSnapshot() {
     }
     // What was read from the file goes; the same bytes show in its place, those that everybody shares.
     if (!m_fetched.empty())
-        ::madvise(m_bytes, m_size, MADV_DONTNEED);
+        disown();
     m_fetched.clear();
     m_copied = m_size;
     return true;

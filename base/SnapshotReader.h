@@ -51,13 +51,15 @@ public:
 
 private:
     void fetch(size_t begin, size_t end) const;
+    void own(size_t begin, size_t end) const;
+    void disown();
 
     QByteArray m_given;
     FileDescriptor m_memory;
     FileDescriptor m_file;
     size_t m_size;
     const void* m_header = nullptr;
-    /// Private: a page shows the snapshot until it is written to.
+    /// A page shows the snapshot until it is read from the file.
     char* m_bytes = nullptr;
     const char* m_shown = nullptr;  ///< the file; none where all is copied, or it cannot be mapped
     bool m_isFileShown = false;

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -113,12 +114,20 @@ qint64 ownMemory() {
     return figures.sliced(start, figures.indexOf("kB", start) - start).trimmed().toLongLong() << 10;
 }
 
+/// What the system keeps of the snapshot, in bytes.
+qint64 memoryOf(const FileSnapshot& content) {
+    struct stat state {};
+    ::fstat(content.memory(), &state);
+    return qint64{state.st_blocks} * 512;
+}
+
 TEST_F(FileSnapshotTest, WhatAReaderReadItselfTakesNoMemoryOnceItIsInTheSnapshot) {
     const QByteArray bytes(64 * megabyte, 'x');
     writeFile(path, bytes);
     const auto content = FileSnapshot::open(path);
     SnapshotReader reader = readerOf(*content);
     const std::string_view all = reader.all();
+    EXPECT_LT(memoryOf(*content), megabyte) << "nothing is copied yet";
     content->requireWhole();
     const qint64 before = ownMemory();
     ASSERT_TRUE(reader.agreesWithSnapshot());
