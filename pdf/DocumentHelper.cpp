@@ -47,7 +47,7 @@ DocumentHelper::Reply DocumentHelper::receive(const Patience& patience, const Wo
 std::string_view DocumentHelper::take(size_t length, const Patience& patience, Clock::time_point& silentUntil,
                                       const WorkProgress* progress) {
     if (m_end - m_begin < length) {
-        std::memmove(m_received.data(), m_received.data() + m_begin, m_end - m_begin);
+        m_received.erase(m_received.begin(), m_received.begin() + static_cast<ptrdiff_t>(m_begin));
         m_end -= std::exchange(m_begin, 0);
         m_received.resize(std::max({m_received.size(), length, usualLength}));
     }
