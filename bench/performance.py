@@ -118,6 +118,8 @@ on the screen. Saving is timed from the start of a process that opens, stamps an
 the file has its name, without the final sync to the disk, which no other program does); "that are open" is the part of it
 that the program's user waits for, who opened the document before. Programs, libraries and documents are in the system's memory
 when the clock starts: some systems drop what was not used for a minute or two, and would add 0 to 40 ms of the disk to a start.
+Before each save twice the memory of the source is used and freed: a virtual machine gives free memory back after a second or two,
+and getting it again takes 10 µs for each page, ten times as long as copying a file into it.
 
 Memory is what the program and its helpers have for themselves and what they share, counted once. A silence is the time
 that the window takes to answer the desktop when it asks whether the window is alive, without that for which others had the
