@@ -1,7 +1,6 @@
 #include "app/ContentWindow.h"
 #include "app/Handbook.h"
 #include "app/VellmoraApp.h"
-#include "base/FreeMemory.h"
 #include "desktop/DialogFilePanels.h"
 #include "pdf/DocumentProcesses.h"
 #include "preview/ProcessRenderer.h"
@@ -23,7 +22,6 @@ static int showHandbook() {
 }
 
 int main(int argc, char** argv) {
-    keepLittleFreeMemory();
     VellmoraApp app(argc, argv);
     const auto [document, isForHandbook] = app.request();
     if (isForHandbook)

@@ -1,7 +1,6 @@
 // The renderer process: gets PDFs of single pages from the program and puts their pixels into shared memory.
 // It trusts nothing that it is given, and the program trusts nothing that comes back.
 
-#include "base/FreeMemory.h"
 #include "base/HelperProcess.h"
 #include "confinement/Confinement.h"
 #include "preview/RenderMessages.h"
@@ -48,7 +47,6 @@ bool answer(RenderReply content) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    keepLittleFreeMemory();
     if (!leaveDescriptors(helperSocket))
         return 1;
     const QCoreApplication app(argc, argv);
