@@ -3,10 +3,10 @@
 //   export_pdf IN.pdf OUT.pdf [--png FILE --page N|all --rect X,Y,W,H]... [--repeat K] [--look N]
 //
 // Page numbers are 1-based, rectangles in page points. With `--look` that page is looked at before saving, as
-// in the window, and a line on standard input is waited for. One JSON line for each run; of the export's time,
-// `sync_ms` was spent on waiting for the disk. What the new file lacks of the source is told on standard error.
-// Exit codes: 0 done, 1 wrong arguments, 2 the PDF could not be opened, 3 the export failed (message on
-// standard error).
+// in the window, and a line on standard input is waited for. One JSON line for each run; of the export's
+// time, `sync_ms` was spent on waiting for the disk. What the new file lacks of the source is told on
+// standard error. Exit codes: 0 done, 1 wrong arguments, 2 the PDF could not be opened, 3 the export failed
+// (message on standard error).
 
 #include "base/Error.h"
 #include "base/Files.h"
