@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <ctime>
 #include <fcntl.h>
+#include <optional>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
@@ -43,11 +44,15 @@ QByteArray holder() {
            QUuid::createUuid().toRfc4122().toHex();
 }
 
-QByteArray contentOf(const QByteArray& path, struct stat& info) {
+/// Nothing where there is no such file any more. One that must not be read counts as empty.
+std::optional<QByteArray> contentOf(const QByteArray& path, struct stat& info) {
     const FileDescriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const int found = file.isValid() ? ::fstat(file.get(), &info) : ::lstat(path.constData(), &info);
+    if (found != 0)
+        return std::nullopt;
+    if (!file.isValid())
+        return QByteArray();
     QByteArray content(256, '\0');
-    if (!file.isValid() || ::fstat(file.get(), &info) != 0)
-        return {};
     content.truncate(
         std::max<qsizetype>(0, ::read(file.get(), content.data(), static_cast<size_t>(content.size()))));
     return content;
@@ -129,11 +134,12 @@ bool FileLock::tryHoldingFile() {
 }
 
 /// Two programs may find the same one abandoned. The later one must not take away what the earlier one holds
-/// by now: what it has taken is looked at again, and given back.
+/// by now: what it has taken is looked at again, and given back. One that is gone was given up by its holder,
+/// and what stands there next is another one's.
 void FileLock::clearHoldingFile() {
     struct stat info {};
-    const QByteArray found = contentOf(m_holdingFile, info);
-    if (!isAbandoned(found, info.st_mtim.tv_sec, clockOfFileSystem(m_file)))
+    const std::optional<QByteArray> found = contentOf(m_holdingFile, info);
+    if (!found || !isAbandoned(*found, info.st_mtim.tv_sec, clockOfFileSystem(m_file)))
         return;
     const QByteArray taken = m_holdingFile + '-' + QUuid::createUuid().toRfc4122().toHex();
     if (std::rename(m_holdingFile.constData(), taken.constData()) != 0)
