@@ -11,6 +11,7 @@
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
@@ -22,8 +23,6 @@ namespace {
 
 /// Below this size a thread costs more than it spares.
 constexpr qint64 largeSize = 4 << 20;
-/// The same for a file that the system has in its memory: who reads along would read most of it twice.
-constexpr qint64 largeSizeInMemory = 16 << 20;
 /// How much of a file is read or compared at a time.
 constexpr size_t pieceSize = size_t{256} << 10;
 /// So often a small file that changes is read again.
@@ -115,25 +114,29 @@ public:
     /// For who keeps all others from copying meanwhile.
     std::unique_lock<std::mutex> takeTurn() { return std::unique_lock(m_mutex); }
 
-    /// Whether the system has in its memory what is not copied yet, as far as a few samples tell.
+    /// Whether the system has in its memory most of what is not copied yet, as far as a few samples tell.
+    /// Hardly ever for a file on a share: few of their file systems answer such a question.
     bool isAtHand() const {
         constexpr size_t samples = 16;
         const size_t copied = m_target.m_memory.copied();
         const size_t left = m_target.size() - copied;
+        size_t found = 0;
         for (size_t i = 0; i < samples && left > 0; ++i) {
             char byte = 0;
-            if (readAt(m_file, copied + (left - 1) / (samples - 1) * i, &byte, 1, RWF_NOWAIT) != 0)
-                return false;
+            if (readAt(m_file, copied + (left - 1) / (samples - 1) * i, &byte, 1, RWF_NOWAIT) == 0)
+                ++found;
         }
-        return true;
+        return found > samples / 2;
     }
 
     bool isUntouched() const {
-        try {
-            return isUntouched(FileState::of(m_file, m_path));
-        } catch (const Error&) {
-            return false;
-        }
+        const std::optional<FileState> now = state();
+        return now && isUntouched(*now);
+    }
+
+    bool isAsLong() const {
+        const std::optional<FileState> now = state();
+        return now && now->size == m_opened.size;
     }
 
     void readFile(size_t offset, char* target, size_t length) const {
@@ -148,6 +151,14 @@ public:
     }
 
 private:
+    std::optional<FileState> state() const {
+        try {
+            return FileState::of(m_file, m_path);
+        } catch (const Error&) {
+            return std::nullopt;
+        }
+    }
+
     /// False where nothing is left, or nothing can be read any more.
     bool copyNext() {
         const std::scoped_lock lock(m_mutex);
@@ -195,17 +206,16 @@ private:
     std::once_flag m_compared;
 };
 
-/// Nothing where the file has changed meanwhile, or where it cannot be read in the way that `flags` ask for.
+/// Nothing where the file has changed meanwhile.
 std::shared_ptr<const FileSnapshot> FileSnapshot::readAtOnce(const files::OpenedFile& opened,
-                                                             const FileState& before, const QString& path,
-                                                             int flags) {
+                                                             const FileState& before, const QString& path) {
     const std::shared_ptr<FileSnapshot> content(new FileSnapshot(static_cast<size_t>(before.size)));
     SnapshotMemory& memory = content->m_memory;
     std::vector<char> piece(std::min(pieceSize, memory.size()));
     while (memory.copied() < memory.size()) {
         const size_t length = std::min(pieceSize, memory.size() - memory.copied());
-        const int error = readAt(opened.file, memory.copied(), piece.data(), length, flags);
-        if (error == changedMeanwhile || (error != 0 && flags != 0))
+        const int error = readAt(opened.file, memory.copied(), piece.data(), length);
+        if (error == changedMeanwhile)
             return nullptr;
         if (error != 0)
             throw readingFailure(error, path);
@@ -220,17 +230,14 @@ std::shared_ptr<const FileSnapshot> FileSnapshot::open(const QString& path) {
     try {
         for (int attempt = 0; attempt < maxAttempts; ++attempt) {
             const FileState state = FileState::of(opened.file, path);
-            const bool isLarge = state.size >= largeSize;
-            if (state.size < largeSizeInMemory) {
-                if (auto content = readAtOnce(opened, state, path, isLarge ? RWF_NOWAIT : 0))
-                    return content;
-            }
-            if (isLarge) {
+            if (state.size >= largeSize) {
                 const std::shared_ptr<FileSnapshot> content(
                     new FileSnapshot(static_cast<size_t>(state.size)));
                 content->m_copying = std::make_unique<Copying>(std::move(opened.file), path, *content);
                 return content;
             }
+            if (auto content = readAtOnce(opened, state, path))
+                return content;
         }
     } catch (const std::bad_alloc&) {
         throw fileError(FileAction::read, path, ENOMEM);
@@ -283,6 +290,10 @@ void FileSnapshot::requireWhole() const {
 
 bool FileSnapshot::canBeReadDirectly() const {
     return m_copying && m_memory.copied() < size() && m_copying->isUntouched() && m_copying->isAtHand();
+}
+
+bool FileSnapshot::canBeShown() const {
+    return m_copying && m_memory.copied() < size() && m_copying->isAsLong() && m_copying->isAtHand();
 }
 
 std::unique_ptr<const FileSnapshot::DirectReading> FileSnapshot::readDirectly() const {

@@ -21,9 +21,9 @@ struct OpenedFile;
 }
 
 /// The bytes of a file, in memory that this program alone can write to. A small file is there at once, a
-/// larger one too where the system has it in memory, a large one is copied by whoever needs it, or has the
-/// time for it (`copyAll`). Once it is copied, the file itself is not needed any more. A file that changed
-/// while it was copied is noticed: its bytes may be of two versions.
+/// large one is copied by whoever needs it, or has the time for it (`copyAll`). Once it is copied, the file
+/// itself is not needed any more. A file that changed while it was copied is noticed: its bytes may be of two
+/// versions.
 ///
 /// Another process can read along (`SnapshotReader`). May be used by several threads at a time.
 class FileSnapshot {
@@ -57,14 +57,18 @@ public:
 
     /// Reads the content for a save that does not wait until all is copied.
     class DirectReading;
-    /// Nothing where all is copied already, and where it is better to wait: the system does not have the rest
-    /// of the file in memory, or the file's times would not tell that somebody changes it.
+    /// Nothing where all is copied already, and where it is better to wait: the system does not have most of
+    /// the rest of the file in memory, or the file's times would not tell that somebody changes it.
     std::unique_ptr<const DirectReading> readDirectly() const;
     /// Whether `readDirectly` would answer something now.
     bool canBeReadDirectly() const;
 
     /// True where the open file holds these bytes and no others; `path` is what an error names.
     bool isHeldBy(const FileDescriptor& file, const QString& path) const;
+
+    /// Whether another process may look at the file where it lies, for what is not copied yet: the system has
+    /// most of that in memory, and the file is as long as it was.
+    bool canBeShown() const;
 
     /// What to say of an error that another process met when it read along.
     Error readingError(int error) const;
@@ -78,8 +82,7 @@ private:
     class Copying;
     explicit FileSnapshot(size_t size);
     static std::shared_ptr<const FileSnapshot> readAtOnce(const files::OpenedFile& opened,
-                                                          const FileState& before, const QString& path,
-                                                          int flags);
+                                                          const FileState& before, const QString& path);
     bool isContentOf(const FileDescriptor& file, const QString& path) const;
 
     SnapshotMemory m_memory;

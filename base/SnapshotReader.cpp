@@ -10,15 +10,26 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <QHashFunctions>
+
 namespace vellmora {
 
 namespace {
 
 /// Small, since a document is opened with little from many places.
 constexpr size_t blockSize = 1 << 13;
-constexpr unsigned rangesUntilReport = 1024;
-/// From this size on a range is shown rather than read. Less is mostly looked at.
-constexpr size_t largeRange = 1 << 14;
+/// So often somebody hears that there is work.
+constexpr unsigned reportInterval = 1 << 10;
+constexpr size_t blocksUntilReport = 64;
+/// So often the file that is shown is taken out of the process's memory: who goes through all of it needs
+/// little of it at a time.
+constexpr unsigned restInterval = 1 << 16;
+static_assert(restInterval % reportInterval == 0);
+
+/// Zero for none.
+size_t checksum(const char* bytes, size_t length) {
+    return qHashBits(bytes, length, length) | 1;
+}
 
 void* map(size_t length, int protection, int kind, const FileDescriptor& memory, size_t offset) {
     void* mapped = ::mmap(nullptr, length, protection, kind, memory.get(), static_cast<off_t>(offset));
@@ -49,7 +60,7 @@ SnapshotReader::SnapshotReader(FileDescriptor memory, FileDescriptor file, size_
     }
     m_fetched.resize((size + blockSize - 1) / blockSize);
     void* shown = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, m_file.get(), 0);
-    m_shown = shown == MAP_FAILED ? nullptr : static_cast<const char*>(shown);
+    m_shown = shown == MAP_FAILED ? nullptr : static_cast<char*>(shown);
 }
 
 SnapshotReader::SnapshotReader(QByteArray bytes)
@@ -65,20 +76,35 @@ SnapshotReader::~SnapshotReader() {
     if (m_bytes)
         ::munmap(m_bytes, m_size);
     if (m_shown)
-        ::munmap(const_cast<char*>(m_shown), m_size);
+        ::munmap(m_shown, m_size);
+}
+
+SnapshotReader::Block SnapshotReader::block(size_t index) const {
+    const size_t offset = index * blockSize;
+    return {offset, std::min(blockSize, m_size - offset)};
+}
+
+void SnapshotReader::tellOfWork() const {
+    if (m_report)
+        m_report();
+    if (m_shown && m_rangeCount % restInterval == 0)
+        ::madvise(m_shown, m_size, MADV_DONTNEED);
 }
 
 std::string_view SnapshotReader::range(size_t offset, size_t length) const {
     const size_t end = offset + length;
-    if (++m_unreported >= rangesUntilReport && m_report) {
-        m_unreported = 0;
-        m_report();
-    }
-    if (end > m_copied)
-        m_copied = std::min<std::uint64_t>(
-            static_cast<const SnapshotHeader*>(m_header)->copied.load(std::memory_order_acquire), m_size);
-    if (end > m_copied && m_isFileShown && length >= largeRange)
+    if (++m_rangeCount % reportInterval == 0)
+        tellOfWork();
+    if (end <= m_copied || length == 0)
+        return {m_bytes + offset, length};
+    if (m_uncopied == UncopiedRange::isTold)
         return {m_shown + offset, length};
+    if (m_uncopied == UncopiedRange::isShown) {
+        check(offset / blockSize, (end - 1) / blockSize + 1);
+        return {m_shown + offset, length};
+    }
+    m_copied = std::min<std::uint64_t>(
+        static_cast<const SnapshotHeader*>(m_header)->copied.load(std::memory_order_acquire), m_size);
     if (end > m_copied)
         fetch(std::max<size_t>(offset, m_copied) / blockSize, (end - 1) / blockSize + 1);
     return {m_bytes + offset, length};
@@ -86,18 +112,18 @@ std::string_view SnapshotReader::range(size_t offset, size_t length) const {
 
 /// Gives whole pages of the content memory of their own. Without that the system would keep an empty page of
 /// the snapshot beneath each that is written to, as it does where it gives none.
-void SnapshotReader::own(size_t begin, size_t end) const {
+bool SnapshotReader::own(size_t begin, size_t end) const {
     const auto pageSize = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
     if (begin % pageSize != 0 || (end % pageSize != 0 && end != m_size))
-        return;
-    static_cast<void>(::mmap(m_bytes + begin, end - begin, PROT_READ | PROT_WRITE,
-                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0));
+        return false;
+    return ::mmap(m_bytes + begin, end - begin, PROT_READ | PROT_WRITE,
+                  MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0) != MAP_FAILED;
 }
 
-/// Has all of the content show the snapshot.
-void SnapshotReader::disown() {
-    if (::mmap(m_bytes, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE | MAP_FIXED,
-               m_memory.get(), snapshotContentOffset) == MAP_FAILED)
+/// Has whole pages of the content, in one of the places where it lies, be those of the snapshot.
+void SnapshotReader::showSnapshot(char* content, size_t begin, size_t end) const {
+    if (::mmap(content + begin, end - begin, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_NORESERVE | MAP_FIXED,
+               m_memory.get(), static_cast<off_t>(snapshotContentOffset + begin)) == MAP_FAILED)
         throw std::bad_alloc();
 }
 
@@ -109,12 +135,14 @@ void SnapshotReader::fetch(size_t begin, size_t end) const {
             ++behind;
         size_t at = block * blockSize;
         const size_t stop = std::min(behind * blockSize, m_size);
-        if (at < stop)
-            own(at, stop);
+        const bool isOwn = at < stop && own(at, stop);
         while (at < stop) {
             const ssize_t count = readAt(m_file, m_bytes + at, stop - at, at);
             if (count <= 0) {
                 m_error = count < 0 ? errno : EIO;
+                // Nobody may take what was not read for empty.
+                if (isOwn)
+                    showSnapshot(m_bytes, block * blockSize, stop);
                 requireReadable();
             }
             at += static_cast<size_t>(count);
@@ -127,28 +155,54 @@ void SnapshotReader::fetch(size_t begin, size_t end) const {
     }
 }
 
+/// Remembers what blocks hold when they are looked at for the first time.
+void SnapshotReader::check(size_t begin, size_t end) const {
+    if (m_checksums.empty())
+        m_checksums.resize(m_fetched.size());
+    for (size_t index = begin; index < end; ++index) {
+        if (m_checksums[index] != 0)
+            continue;
+        const Block looked = block(index);
+        m_checksums[index] = checksum(m_shown + looked.offset, looked.length);
+        if (index % blocksUntilReport == 0 && m_report)
+            m_report();
+    }
+}
+
 void SnapshotReader::requireReadable() const {
     if (m_error != 0)
         throw fileError(FileAction::read, {}, m_error);
 }
 
+/// Whether the block was not taken from the file, or the snapshot has the same.
+bool SnapshotReader::isInSnapshot(size_t index, std::vector<char>& buffer) const {
+    const size_t looked = m_checksums.empty() ? 0 : m_checksums[index];
+    if (!m_fetched[index] && looked == 0)
+        return true;
+    const Block taken = block(index);
+    const ssize_t count = readAt(m_memory, buffer.data(), taken.length, snapshotContentOffset + taken.offset);
+    return count == static_cast<ssize_t>(taken.length) &&
+           (!m_fetched[index] || std::memcmp(buffer.data(), m_bytes + taken.offset, taken.length) == 0) &&
+           (looked == 0 || checksum(buffer.data(), taken.length) == looked);
+}
+
 bool SnapshotReader::agreesWithSnapshot() {
-    std::vector<char> copied(blockSize);
-    for (size_t block = 0; block < m_fetched.size(); ++block) {
-        if (!m_fetched[block])
-            continue;
-        const size_t offset = block * blockSize;
-        const size_t length = std::min(blockSize, m_size - offset);
-        const ssize_t count = readAt(m_memory, copied.data(), length, snapshotContentOffset + offset);
-        if (count != static_cast<ssize_t>(length) ||
-            std::memcmp(copied.data(), m_bytes + offset, length) != 0)
+    if (!m_file.isValid())
+        return true;
+    std::vector<char> buffer(blockSize);
+    for (size_t index = 0; index < m_fetched.size(); ++index) {
+        if (!isInSnapshot(index, buffer))
             return false;
     }
-    // What was read from the file goes; the same bytes show in its place, those that everybody shares.
-    if (!m_fetched.empty())
-        disown();
-    m_fetched.clear();
+    // What was taken from the file goes; the same bytes show in its place, those that everybody shares.
+    for (char* content : {m_bytes, m_shown}) {
+        if (content)
+            showSnapshot(content, 0, m_size);
+    }
     m_copied = m_size;
+    m_fetched.clear();
+    m_checksums.clear();
+    m_file = FileDescriptor();
     return true;
 }
 

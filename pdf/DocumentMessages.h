@@ -37,6 +37,8 @@ struct DocumentRequest {
     std::uint64_t size;    ///< of the snapshot, in bytes; of the commands or pictures, in bytes
     /// Of `open`: the most that the process may take from then on, in bytes of addresses.
     std::uint64_t memory;
+    /// Of `open`: whether it may look at the file where it lies.
+    std::uint64_t isFileShown;
 };
 
 struct ReceivedDocumentRequest {

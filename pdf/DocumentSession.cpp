@@ -86,8 +86,11 @@ DocumentStructure DocumentSession::start(WorkProgress* progress) {
     auto helper = std::make_unique<DocumentHelper>(m_processes.take(), patienceForStart, progress);
     // The process has the snapshot among its addresses, and the file where that is not copied yet.
     const size_t addresses = m_content->size() * (m_content->file() < 0 ? 1 : 2);
-    helper->send({DocumentRequestKind::open, {}, m_content->size(), addresses + limits.memory},
-                 m_content->memory(), m_content->file());
+    // Once only: who looks at a file that is being cut short ends, and could not tell why.
+    const bool isFileShown = std::exchange(m_mayShowFile, false) && m_content->canBeShown();
+    helper->send(
+        {DocumentRequestKind::open, {}, m_content->size(), addresses + limits.memory, isFileShown ? 1U : 0U},
+        m_content->memory(), m_content->file());
     StructureReply structure;
     while (!structure.isComplete()) {
         const DocumentHelper::Reply reply = helper->receive(patience, progress);
@@ -136,7 +139,7 @@ void DocumentSession::settle() {
     m_content->requireReadable();
     const std::unique_lock lock = waitForTurn(&m_keeping);
     if (m_helper)
-        m_helper->send({DocumentRequestKind::settle, {}, 0, 0}, m_content->memory());
+        m_helper->send({DocumentRequestKind::settle, {}, 0, 0, 0}, m_content->memory());
 }
 
 void DocumentSession::restart(WorkProgress* progress) {
@@ -147,7 +150,7 @@ void DocumentSession::restart(WorkProgress* progress) {
 void DocumentSession::sendCommands(const Composition& composition, ComposeSource source) {
     const size_t size = composition.commands.size() * sizeof(ComposeCommand);
     const FileDescriptor commands = memoryWith(composition.commands.data(), size);
-    m_helper->send({DocumentRequestKind::compose, source, size, 0}, commands.get());
+    m_helper->send({DocumentRequestKind::compose, source, size, 0, 0}, commands.get());
 }
 
 /// Where they cannot be sent, nobody is left waiting for them.
@@ -156,7 +159,7 @@ void DocumentSession::sendPictures(const Composition& composition) {
         const QByteArray packed = packedPictures(composition.pictures());
         const auto size = static_cast<size_t>(packed.size());
         const FileDescriptor pictures = memoryWith(packed.constData(), size);
-        m_helper->send({DocumentRequestKind::pictures, {}, size, 0}, pictures.get());
+        m_helper->send({DocumentRequestKind::pictures, {}, size, 0, 0}, pictures.get());
     } catch (...) {
         m_helper->hangUp();
         throw;

@@ -113,6 +113,7 @@ private:
     size_t m_pageCount = 0;
     mutable Turn m_turn;
     std::unique_ptr<DocumentHelper> m_helper;
+    bool m_mayShowFile = true;
     std::once_flag m_isKept;
     WorkProgress m_keeping;
     SerialQueue m_inBackground{SerialQueue::Priority::lowest};  ///< last: it ends first

@@ -154,6 +154,8 @@ void DocumentServer::open(ReceivedDocumentRequest request) {
         throw std::bad_alloc();
     m_content = std::make_shared<SnapshotReader>(std::move(request.memory), std::move(request.file),
                                                  request.message.size);
+    m_uncopied = request.message.isFileShown != 0 ? UncopiedRange::isShown : UncopiedRange::isRead;
+    m_content->setUncopied(m_uncopied);
     m_content->whenRead([this] { m_replies.keepAlive(); });
     m_document = std::make_unique<ParsedDocument>(m_content);
     sendPages();
@@ -183,7 +185,7 @@ void DocumentServer::settle() {
 
 /// False where something else was read than what the snapshot holds.
 bool DocumentServer::prepareFor(ComposeSource source) {
-    m_content->showFile(source == ComposeSource::openFile);
+    m_content->setUncopied(source == ComposeSource::openFile ? UncopiedRange::isTold : m_uncopied);
     m_replies.setShared({});
     if (source != ComposeSource::anyBytes)
         m_replies.setShared({m_content->memory(), m_content->shownFile()});

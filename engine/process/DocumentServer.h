@@ -29,6 +29,7 @@ private:
     ReplyStream m_replies;
     std::shared_ptr<SnapshotReader> m_content;
     std::unique_ptr<ParsedDocument> m_document;
+    UncopiedRange m_uncopied = UncopiedRange::isRead;
     bool m_hasSeenFile = false;  ///< the document may know what no comparison with the snapshot covers
 };
 

@@ -91,6 +91,7 @@ TEST_F(FileSnapshotTest, ManyReadersGetTheSameBytesInAnyOrder) {
     for (const size_t step : {size_t{1} << 20, size_t{777777}, size_t{3} << 20}) {
         threads.emplace_back([&, step] {
             SnapshotReader reader = readerOf(*content);
+            reader.setUncopied(step == 777777 ? UncopiedRange::isShown : UncopiedRange::isRead);
             for (size_t end = content->size(); end > step; end -= step) {
                 const std::string_view part = reader.range(end - step, step);
                 wrong += std::string_view(bytes.constData() + (end - step), step) == part ? 0 : 1;
@@ -135,6 +136,22 @@ TEST_F(FileSnapshotTest, WhatAReaderReadItselfTakesNoMemoryOnceItIsInTheSnapshot
     EXPECT_TRUE(all == std::string_view(bytes.constData(), all.size()));
 }
 
+TEST_F(FileSnapshotTest, WhatAReaderWasShownStaysWhenTheFileIsGone) {
+    const QByteArray bytes(20 * megabyte, 'x');
+    writeFile(path, bytes);
+    const auto content = FileSnapshot::open(path);
+    SnapshotReader reader = readerOf(*content);
+    reader.setUncopied(UncopiedRange::isShown);
+    const qint64 before = ownMemory();
+    const std::string_view all = reader.all();
+    EXPECT_LT(ownMemory(), before + megabyte);
+    content->requireWhole();
+    ASSERT_TRUE(reader.agreesWithSnapshot());
+    QFile::resize(path, 0);
+    EXPECT_TRUE(all == std::string_view(bytes.constData(), all.size()));
+    EXPECT_TRUE(reader.all() == all);
+}
+
 TEST_F(FileSnapshotTest, AReaderTellsThatItIsAtWorkForEachReadOfTheFile) {
     writeFile(path, QByteArray(20 * megabyte, 'x'));
     const auto content = FileSnapshot::open(path);
@@ -144,6 +161,23 @@ TEST_F(FileSnapshotTest, AReaderTellsThatItIsAtWorkForEachReadOfTheFile) {
     for (size_t i = 0; i < 8; ++i)
         reader.range(i * megabyte, 1);
     EXPECT_EQ(reports, 8);
+}
+
+TEST_F(FileSnapshotTest, WhatAReaderCouldNotReadIsNeverTakenForEmpty) {
+    const QByteArray bytes(20 * megabyte, 'x');
+    writeFile(path, bytes);
+    const auto content = FileSnapshot::open(path);
+    const QString shortened = folder.filePath(QStringLiteral("kurz.pdf"));
+    writeFile(shortened, bytes.first(megabyte));
+    const FileDescriptor cut(::open(QFile::encodeName(shortened).constData(), O_RDONLY | O_CLOEXEC));
+    SnapshotReader reader(duplicate(content->memory()), duplicate(cut.get()), content->size());
+    EXPECT_EQ(reader.range(0, 1), "x");
+    EXPECT_THROW(reader.range(megabyte - 5, 10), Error);
+    EXPECT_THROW(reader.range(2 * megabyte, 10), Error);
+    content->requireWhole();
+    EXPECT_EQ(reader.range(megabyte - 5, 10), "xxxxxxxxxx");
+    EXPECT_EQ(reader.range(2 * megabyte, 10), "xxxxxxxxxx");
+    EXPECT_THROW(reader.requireReadable(), Error) << "who asked before may have gone on without it";
 }
 
 TEST_F(FileSnapshotTest, OthersCanNeitherWriteToItNorCutItShort) {
@@ -193,11 +227,16 @@ TEST_F(FileSnapshotTest, AChangeWhileItIsReadIsNoticed) {
         writeFile(path, bytes);
         const auto content = FileSnapshot::open(path);
         SnapshotReader reader = readerOf(*content);
+        SnapshotReader shownReader = readerOf(*content);
+        shownReader.setUncopied(UncopiedRange::isShown);
         reader.range(0, 100);
+        shownReader.range(0, 100);
         whatOthersDo();
         try {
             content->requireWhole();
-            return reader.agreesWithSnapshot();
+            const bool isWhole = reader.agreesWithSnapshot();
+            EXPECT_EQ(shownReader.agreesWithSnapshot(), isWhole);
+            return isWhole;
         } catch (const Error& error) {
             EXPECT_TRUE(error.reason().startsWith(QStringLiteral("Die Datei wurde geändert, während ")));
             return false;

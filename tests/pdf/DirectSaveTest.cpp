@@ -161,11 +161,14 @@ TEST_F(DirectSaveTest, WhatIsNotCopiedIsSavedStraightFromTheFileThatNobodyTouche
     expectPicture(consumer.bytes(), QByteArray(scanSize, 'a'));
 }
 
-/// Of a process, without what it shares with others; in bytes.
+/// Of a process: its own and that of files, without what it shares with others; in bytes.
 qint64 ownMemory(pid_t process) {
     const QByteArray status = readFile(QStringLiteral("/proc/%1/status").arg(process));
-    const qsizetype start = status.indexOf("RssAnon:") + 8;
-    return status.sliced(start, status.indexOf("kB", start) - start).trimmed().toLongLong() << 10;
+    const auto figure = [&](const QByteArray& name) {
+        const qsizetype start = status.indexOf(name) + name.size();
+        return status.sliced(start, status.indexOf("kB", start) - start).trimmed().toLongLong() << 10;
+    };
+    return figure("RssAnon:") + figure("RssFile:");
 }
 
 TEST_F(DirectSaveTest, WhatTheProcessReadOfTheFileItSharesOnceAllIsCopied) {
@@ -181,10 +184,24 @@ TEST_F(DirectSaveTest, WhatTheProcessReadOfTheFileItSharesOnceAllIsCopied) {
     const QDeadlineTimer end(10000);
     while (ownMemory(process) > before - (2 << 20) && !end.hasExpired())
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_LE(ownMemory(process), before - (2 << 20)) << "some 3 MB were read for 400 pages";
+    EXPECT_LE(ownMemory(process), before - (2 << 20)) << "some 3 MB were taken from the file for 400 pages";
+    QFile::resize(path, 0);
+    EXPECT_FALSE(makePagePdf(*open.document, 399).isEmpty());
     MemoryConsumer consumer;
     EXPECT_EQ(open.save(consumer), QString());
     EXPECT_EQ(open.document->processID(), process);
+}
+
+TEST_F(DirectSaveTest, AFileThatIsCutShortBeforeItIsCopiedEndsNoMoreThanTheLookAtIt) {
+    const Victim file = victim(QStringLiteral("scan.pdf"));
+    const OpenDocument open(file.path());
+    QFile::resize(file.path(), 0);
+    EXPECT_TRUE(makePagePdf(*open.document, 0).isEmpty());
+    EXPECT_TRUE(makePagePdf(*open.document, 0).isEmpty());
+    WatchingConsumer consumer(nullptr);
+    EXPECT_EQ(open.save(consumer), changed);
+    EXPECT_FALSE(consumer.isFinished);
+    EXPECT_EQ(documentOf(scannedPage())->pageCount(), 1) << "others are not concerned";
 }
 
 TEST_F(DirectSaveTest, AChangeMeanwhileIsRefusedOrAllOfTheNewVersionIsSaved) {
