@@ -21,10 +21,18 @@ int meanRadius(double deviation) {
     return static_cast<int>(std::lround((width - 1) / 2));
 }
 
-/// Replaces each value by the mean of those up to `radius` before and after it. Beyond both ends is nothing.
-void takeMeans(std::vector<int>& values, int radius) {
+/// The first half of values that are the same from both ends, with the one in the middle.
+int halfOf(int count) {
+    return (count + 1) / 2;
+}
+
+/// Replaces each of `count` values by the mean of those up to `radius` before and after it. Beyond both ends
+/// is nothing. They are the same from both ends, and the first half of them is given.
+void takeMeans(std::vector<int>& values, int count, int radius) {
     const std::vector<int> before = values;
-    const auto at = [&](int i) { return i >= 0 && i < int(before.size()) ? before[size_t(i)] : 0; };
+    const auto at = [&](int i) {
+        return i < 0 || i >= count ? 0 : before[size_t(std::min(i, count - 1 - i))];
+    };
     int sum = 0;
     for (int i = -radius; i < radius; ++i)
         sum += at(i);
@@ -35,24 +43,31 @@ void takeMeans(std::vector<int>& values, int radius) {
     }
 }
 
-/// `count` values, `step` bytes apart. They are summed up finer than a byte holds them.
+/// The first half of `count` values, `step` bytes apart. They are summed up finer than a byte holds them.
 void blurLine(uchar* line, int count, qsizetype step, int radius) {
     constexpr int fineness = 256;
-    std::vector<int> values;
-    values.reserve(size_t(count));
-    for (int i = 0; i < count; ++i)
-        values.push_back(line[i * step] * fineness);
+    std::vector<int> values(size_t(halfOf(count)));
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = line[qsizetype(i) * step] * fineness;
     for (int pass = 0; pass < passes; ++pass)
-        takeMeans(values, radius);
-    for (int i = 0; i < count; ++i)
-        line[i * step] = static_cast<uchar>((values[size_t(i)] + fineness / 2) / fineness);
+        takeMeans(values, count, radius);
+    for (size_t i = 0; i < values.size(); ++i)
+        line[qsizetype(i) * step] = static_cast<uchar>((values[i] + fineness / 2) / fineness);
 }
 
+/// What is the same from all sides is computed for a quarter, and copied.
 void blur(QImage& opacity, int radius) {
-    for (int y = 0; y < opacity.height(); ++y)
-        blurLine(opacity.scanLine(y), opacity.width(), 1, radius);
-    for (int x = 0; x < opacity.width(); ++x)
-        blurLine(opacity.bits() + x, opacity.height(), opacity.bytesPerLine(), radius);
+    const int width = opacity.width();
+    const int height = opacity.height();
+    for (int y = 0; y < halfOf(height); ++y)
+        blurLine(opacity.scanLine(y), width, 1, radius);
+    for (int x = 0; x < halfOf(width); ++x)
+        blurLine(opacity.bits() + x, height, opacity.bytesPerLine(), radius);
+    for (int y = 0; y < halfOf(height); ++y) {
+        uchar* line = opacity.scanLine(y);
+        std::reverse_copy(line, line + width / 2, line + halfOf(width));
+        std::copy(line, line + width, opacity.scanLine(height - 1 - y));
+    }
 }
 
 /// How opaque the shadow is of a rounded rectangle that has `margin` pixels around it.
