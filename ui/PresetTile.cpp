@@ -84,15 +84,14 @@ PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
       m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()),
       m_buttons(Button::heightOf(Button::Size::small, theme)) {}
 
-/// Qt takes twenty times as long to measure a text as to look up the widths of its glyphs. The widths are
-/// enough for most names. They lack the kerning, and characters that the font does not have.
+/// Qt takes longer to measure a text than to look up the widths of its glyphs. These are enough for most
+/// names, but for characters that the font does not have.
 bool PresetTile::Heights::fitsOneLine(const QString& name) const {
-    constexpr double largestKerning = 0.1;  // share of a text's width
     const QList<quint32> glyphs = m_nameGlyphs.glyphIndexesForString(name);
     double width = 0;
     for (const QPointF& advance : m_nameGlyphs.advancesForGlyphIndexes(glyphs))
         width += advance.x();
-    if (glyphs.contains(0U) || std::abs(width - m_nameWidth) < largestKerning * m_nameWidth)
+    if (glyphs.contains(0U) || std::abs(width - m_nameWidth) < 1)
         width = m_nameMetrics.horizontalAdvance(name);
     return width <= m_nameWidth;
 }

@@ -57,9 +57,10 @@ QStringList elidedLines(const QString& text, const QFont& font, double width, in
 }  // namespace
 
 TextLabel::TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent)
-    : QLabel(text, parent), m_color(std::move(color)) {
+    : QLabel(parent), m_color(std::move(color)) {
     setTextFormat(Qt::PlainText);
     setFont(font);
+    setText(text);
 }
 
 void TextLabel::setMaximumLines(int lines) {

@@ -17,6 +17,9 @@ public:
 
     TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
 
+    /// Letters with accents are put together first, as some systems take them apart in the names of files.
+    void setText(const QString& text) { QLabel::setText(text.normalized(QString::NormalizationForm_C)); }
+
     /// From now on the text has at most this many lines, 1 or 2. An ellipsis ends a text that is longer; all
     /// of it is in a tooltip then. The label takes whatever width its layout gives it. A label on which this
     /// is never called has one line, or with `setWordWrap` as many as its text needs.

@@ -31,8 +31,12 @@ public:
     static constexpr double bodySize = 13;
     static constexpr double titleSize = 15;
 
+    /// Without kerning and ligatures, since to shape all texts of the window takes a part of its start.
+    /// Scripts that need it are shaped. An accent that is a character of its own may stand beside its letter.
     QFont font(double size, QFont::Weight weight = regular) const {
-        return m_fonts.font(size * m_textScale, weight);
+        QFont font = m_fonts.font(size * m_textScale, weight);
+        font.setStyleStrategy(QFont::PreferNoShaping);
+        return font;
     }
     /// A length that grows with the texts, rounded.
     int scaled(double length) const { return qRound(length * m_textScale); }

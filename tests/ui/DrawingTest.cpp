@@ -40,7 +40,7 @@ protected:
         return label.grab().toImage();
     }
 
-    TextLabel label{{}, SystemFonts::load().font(12, QFont::Normal), Theme::text, nullptr};
+    TextLabel label{{}, Theme(SystemFonts::load()).font(12), Theme::text, nullptr};
 };
 
 }  // namespace
@@ -58,6 +58,11 @@ TEST(DropZoneTest, ItsShadowIsAsDarkAndAsSoftAsItShould) {
         EXPECT_NEAR(darkness(250, frame.bottom() + below), shadowAt(below - 0.5 - 8), 0.008) << below;
     EXPECT_NEAR(darkness(250, frame.top() - 2), shadowAt(1.5 + 8), 0.008);
     EXPECT_NEAR(darkness(DropZone::sidePadding - 4, 148), shadowAt(3.5), 0.008);
+}
+
+TEST_F(LabelTest, AccentsThatASystemTookApartStandOnTheirLetters) {
+    EXPECT_EQ(painted("Gepru\u0308ft a\u0300 la carte"), painted("Geprüft à la carte"));
+    EXPECT_NE(painted("Gepruft a la carte"), painted("Geprüft à la carte"));
 }
 
 TEST_F(LabelTest, ATextThatIsCutIsInATooltipAsItIs) {
