@@ -92,9 +92,12 @@ public:
         const double end = now() + timeLimit;
         double last = 0;
         while (now() < end) {
-            const double drawn = nextDrawing(last > 0 ? now() + quiet : end);
+            double drawn = nextDrawing(last > 0 ? now() + quiet : end);
             if (drawn == 0)
                 return last;
+            // One look at all that was drawn: looking takes the processor from the program.
+            while (const double next = nextDrawing(now()))
+                drawn = next;
             if (hasChanged())
                 last = drawn;
         }

@@ -78,6 +78,7 @@ class SaveRows:
         """Of the program and its helpers; what they share, as the one copy of the source, is counted once. In a run of its
         own, since looking takes time."""
         peak = 0
+        self.prepare(source)
         process = self.start(source)
         while process.poll() is None:
             peak = max(peak, memory_of(process.pid))
