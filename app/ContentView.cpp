@@ -10,6 +10,7 @@
 #include <utility>
 
 #include <QFileInfo>
+#include <QScopeGuard>
 
 namespace vellmora {
 
@@ -123,13 +124,26 @@ void ContentView::loadDroppedFile(const QUrl& url) {
         report(QStringLiteral("Nur PDF-Dateien werden unterstützt."), Outcome::problem);
 }
 
+/// Its first look is shown until all of it is there. What was shown before stays, as far as nobody sees it.
+std::shared_ptr<const PDFDocument> ContentView::documentAt(const QUrl& url, WorkScope& work) {
+    const auto show = [this](const std::shared_ptr<const PDFDocument>& look) {
+        const auto take = [this, look] {
+            if (isWorking())
+                firstLook = look;
+        };
+        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+    };
+    const auto end = qScopeGuard([this] { firstLook = nullptr; });
+    return work.await(
+        [&](WorkProgress* progress) { return PDFDocument::open(url, m_processes, progress, show); });
+}
+
 void ContentView::loadPDF(const QUrl& url) {
     if (isWorking())
         return;
     WorkScope work(*this, QStringLiteral("PDF wird geladen…"), WorkScope::AtEnd::cancel);
     try {
-        const auto document =
-            work.await([&](WorkProgress* progress) { return PDFDocument::open(url, m_processes, progress); });
+        const auto document = documentAt(url, work);
         m_versions = FileVersions(document->content());
         pdfDocument = document;
         pdfSourceURL = url;

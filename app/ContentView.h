@@ -43,6 +43,9 @@ public:
     const StampLibrary& stampLibrary() const { return *m_stampLibrary; }
 
     QProperty<std::shared_ptr<const PDFDocument>> pdfDocument;
+    /// A look at the document that is being loaded, where that takes long. Nothing else of the workspace is
+    /// of it, and it may come to nothing.
+    QProperty<std::shared_ptr<const PDFDocument>> firstLook;
     QProperty<StampsByPage> stampsByPage;
     QProperty<qsizetype> currentPageIndex{0};  ///< 0-based
     QProperty<std::optional<QUuid>> selectedStampID;
@@ -119,6 +122,7 @@ private:
     void reportWithRemark(const QString& message, const QString& remark);
     SavedStamps stampsNow() const { return {m_stampsRevision, totalStampCount()}; }
     void loadDroppedFile(const QUrl& url);
+    std::shared_ptr<const PDFDocument> documentAt(const QUrl& url, WorkScope& work);
     void addStampToCurrentPage(const Image& image, const QUuid& presetID);
     QByteArray sharedWithPlacedStamps(const QByteArray& imageData) const;
     void performSave(SaveMode mode);

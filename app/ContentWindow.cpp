@@ -27,6 +27,7 @@ ContentWindow::ContentWindow(std::unique_ptr<ContentView> content, PageRenderer&
       m_bridge{m_content->pdfDocument, m_content->stampsByPage, m_content->currentPageIndex,
                m_content->selectedStampID} {
     observe(m_content->pdfDocument);
+    observe(m_content->firstLook);
     observe(m_content->stampsByPage);
     observe(m_content->currentPageIndex);
     observe(m_content->selectedStampID);
@@ -198,11 +199,14 @@ bool ContentWindow::event(QEvent* event) {
 }
 
 void ContentWindow::refresh() {
-    const bool hasDocument = m_content->pdfDocument.value() != nullptr;
+    const auto firstLook = m_content->firstLook.value();
+    const bool hasDocument = firstLook || m_content->pdfDocument.value();
     if (hasDocument && !m_editor)
         makeEditor();
     m_window->editorArea().setData({hasDocument, m_content->isPDFDropTargeted});
-    if (m_editor)
+    if (firstLook)
+        m_editor->showFirstLook(firstLook);
+    else if (m_editor)
         m_bridge.updateView(*m_editor);
     // Before the control that has the focus is disabled or goes away, and Qt moves it.
     moveFocus();

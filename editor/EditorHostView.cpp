@@ -52,8 +52,17 @@ void EditorHostView::resizeEvent(QResizeEvent* event) {
 }
 
 void EditorHostView::setDocument(const std::shared_ptr<const PDFDocument>& document) {
+    showPagesOf(document, false);
+}
+
+void EditorHostView::showFirstLook(const std::shared_ptr<const PDFDocument>& firstLook) {
+    showPagesOf(firstLook, true);
+}
+
+void EditorHostView::showPagesOf(const std::shared_ptr<const PDFDocument>& document, bool isFirstLook) {
     if (document == m_pdfView->document())
         return;
+    m_isFirstLook = isFirstLook;
     m_pdfView->setDocument(document);
     m_pdfView->setAutoScales(true);
 }
@@ -70,13 +79,13 @@ void EditorHostView::displayPage(qsizetype index) {
 void EditorHostView::pdfPageChanged() {
     syncStampViews();
     const auto index = m_pdfView->currentPageIndex();
-    if (index && onPageChanged)
+    if (index && onPageChanged && !m_isFirstLook)
         onPageChanged(*index);
 }
 
 void EditorHostView::syncStampViews() {
     const std::optional<PageGeometry> page = m_pdfView->geometryOfPage();
-    const bool hasStamps = stampsByPage && page;
+    const bool hasStamps = stampsByPage && page && !m_isFirstLook;
     const QList<StampItem> stamps = hasStamps ? stampsByPage().value(currentPageIndex()) : QList<StampItem>();
     removeStaleViews(stamps);
     const qsizetype before = m_stampViews.size();

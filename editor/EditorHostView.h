@@ -36,6 +36,9 @@ public:
     /// Shows another document from its first page, scaled to fit. Does nothing for the document that is shown
     /// already.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
+    /// Shows a first look at a document until another is shown. It has no stamps, and its page is not
+    /// reported.
+    void showFirstLook(const std::shared_ptr<const PDFDocument>& firstLook);
     /// Makes the stamp views match the stamps of the page on screen. To be called after the stamps changed;
     /// the host calls it itself when page, scale or size change.
     void syncStampViews();
@@ -74,6 +77,7 @@ protected:
 
 private:
     void setup();
+    void showPagesOf(const std::shared_ptr<const PDFDocument>& document, bool isFirstLook);
     void pdfPageChanged();
     void removeStaleViews(const QList<StampItem>& stamps);
     void syncStampView(const StampItem& stamp, const PageGeometry& page);
@@ -92,6 +96,7 @@ private:
     StampPictures m_pictures;
     PDFView* m_pdfView;
     EditorOverlayView* m_overlayContainer;
+    bool m_isFirstLook = false;
     std::optional<QUuid> m_selectedStampID;
     QHash<QUuid, InteractiveStampView*> m_stampViews;
 };

@@ -2,9 +2,11 @@
 
 #include "engine/file/FileInput.h"
 #include "engine/file/OpenFailure.h"
+#include "engine/file/OutlineReader.h"
 #include "engine/file/ParsedFile.h"
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -15,6 +17,10 @@ namespace {
 /// Who asks for page after page gets ever more of them at once.
 constexpr qsizetype mostPagesAtOnce = 256;
 
+/// A document with more pages is long: to look at so many takes two milliseconds where the file is in memory.
+constexpr qsizetype mostPagesOfShort = 2000;
+constexpr qsizetype allOfThem = std::numeric_limits<qsizetype>::max();
+
 PDFPage pageWith(const PageOrientation& orientation, const Rect& cropBox) {
     return {orientation.uprightMediaBox(), mapRect(orientation.toPageSpace(), cropBox)};
 }
@@ -22,23 +28,48 @@ PDFPage pageWith(const PageOrientation& orientation, const Rect& cropBox) {
 }  // namespace
 
 struct ParsedDocument::Outlined {
+    explicit Outlined(PlainFile plain) : file(std::move(plain)) {}
+
     PlainFile file;
     PageOutline outline;
+    std::optional<OutlineReader> reader{std::in_place, file, outline};  ///< until all pages are known
     std::shared_ptr<const ParsedFile> lastPart;
     qsizetype lastIndex = -2;
     qsizetype pagesAtOnce = 1;
 };
 
-ParsedDocument::ParsedDocument(const std::shared_ptr<const SnapshotReader>& content) : m_content(content) {
-    if (const std::optional<PlainFile> file = PlainFile::open(*content)) {
-        if (std::optional<PageOutline> outline = PageOutline::read(*file))
-            m_outlined = std::make_unique<Outlined>(Outlined{*file, std::move(*outline), {}});
+ParsedDocument::ParsedDocument(const std::shared_ptr<const SnapshotReader>& content, Extent extent)
+    : m_content(content) {
+    if (std::optional<PlainFile> file = PlainFile::open(*content)) {
+        m_outlined = std::make_unique<Outlined>(std::move(*file));
+        const bool isFirstRead = readOutline(1);
+        if (isFirstRead && extent == Extent::firstPage &&
+            m_outlined->reader->statedCount() > mostPagesOfShort)
+            return;
     }
-    if (!m_outlined)
-        openWhole();
+    complete();
 }
 
 ParsedDocument::~ParsedDocument() = default;
+
+bool ParsedDocument::isComplete() const {
+    return m_whole || !m_outlined->reader;
+}
+
+void ParsedDocument::complete() {
+    if (m_outlined && readOutline(allOfThem))
+        m_outlined->reader.reset();
+    else
+        openWhole();
+}
+
+/// What turns out not to be plain is forgotten.
+bool ParsedDocument::readOutline(qsizetype pageCount) {
+    if (m_outlined->reader->readUpTo(pageCount))
+        return true;
+    m_outlined.reset();
+    return false;
+}
 
 void ParsedDocument::openWhole() const {
     m_whole = ParsedFile::open(m_content);
@@ -75,6 +106,8 @@ std::shared_ptr<const ParsedFile> ParsedDocument::fileOf(qsizetype index) const 
         return m_whole;
     if (auto part = partOf(index))
         return part;
+    if (!isComplete())
+        throw std::runtime_error("not known yet");
     openWhole();
     if (m_whole->pageCount() != pageCount() || !m_whole->damage().lostPages.isEmpty()) {
         m_whole.reset();

@@ -24,11 +24,25 @@ struct Unparsable : std::exception {
 /// with the PDF library, and not all of them at once: a document of any length takes little memory.
 class ParsedDocument {
 public:
+    enum class Extent {
+        firstPage,  ///< the first page is enough, where reading all of them takes long
+        allPages,
+    };
+
     /// Throws `Unparsable`, the `Error` of content that cannot be read, or `std::bad_alloc`.
-    explicit ParsedDocument(const std::shared_ptr<const SnapshotReader>& content);
+    explicit ParsedDocument(const std::shared_ptr<const SnapshotReader>& content,
+                            Extent extent = Extent::allPages);
     ~ParsedDocument();
     ParsedDocument(const ParsedDocument&) = delete;
     ParsedDocument& operator=(const ParsedDocument&) = delete;
+
+    /// False where only the first page is known; the document is one of a single page until `complete`.
+    bool isComplete() const;
+    /// Reads the other pages. Throws what the constructor throws; the document is of no use then.
+    void complete();
+    /// All that is known of the document is what its file says in plain words. So is what was known before it
+    /// was complete.
+    bool isPlain() const { return m_outlined != nullptr; }
 
     qsizetype pageCount() const;
     /// `index` is one of 0 … pageCount − 1.
@@ -47,6 +61,7 @@ public:
 private:
     struct Outlined;
 
+    bool readOutline(qsizetype pageCount);
     void openWhole() const;
     std::shared_ptr<const ParsedFile> partOf(qsizetype index) const;
 

@@ -19,6 +19,7 @@ namespace vellmora {
 
 enum class DocumentRequestKind : std::uint32_t {
     open,      ///< comes with the snapshot's memory and, where it is not all there, the file
+    complete,  ///< after an answer that the document is begun: asks for all pages
     compose,   ///< a new file; comes with memory that holds its `ComposeCommand`s
     settle,    ///< the snapshot is whole: what was read from the file need not be kept; not answered
     pictures,  ///< comes after `compose` where that adds pictures, with memory that holds them
@@ -39,6 +40,8 @@ struct DocumentRequest {
     std::uint64_t memory;
     /// Of `open`: whether it may look at the file where it lies.
     std::uint64_t isFileShown;
+    /// Of `open`: whether the answer may end with the first page of a long document.
+    std::uint64_t isFirstPageEnough;
 };
 
 struct ReceivedDocumentRequest {
@@ -64,13 +67,14 @@ struct ComposeCommand {
 
 /// What an answer consists of.
 enum class DocumentReplyKind : std::uint32_t {
-    ready,       ///< said once, by a process that has confined itself
-    progress,    ///< `DocumentProgress`
-    pages,       ///< `PageBoxes` of the next pages
-    lostPages,   ///< 64-bit indices of the next lost pages
-    opened,      ///< `OpenedDocument`: the end of a successful answer to `open`
-    data,        ///< the next bytes of the new file
-    source,      ///< `SourceRange`: they are the same as in the source; not of `anyBytes`
+    ready,      ///< said once, by a process that has confined itself
+    progress,   ///< `DocumentProgress`
+    pages,      ///< `PageBoxes` of the next pages
+    lostPages,  ///< 64-bit indices of the next lost pages
+    begun,   ///< the end of a successful answer to `open`: the page before it is the first of a long document
+    opened,  ///< `OpenedDocument`: the end of a successful answer to `open` or `complete`
+    data,    ///< the next bytes of the new file
+    source,  ///< `SourceRange`: they are the same as in the source; not of `anyBytes`
     incomplete,  ///< 64-bit indices of the next incomplete pages
     composed,    ///< the end of a successful answer to `compose`
     failed,      ///< `FailedRequest`: the end of another one
@@ -97,6 +101,7 @@ struct OpenedDocument {
     std::uint32_t isRepaired;
     std::uint32_t isCutOff;
     std::int64_t uncountedPages;
+    std::uint64_t isPlain;  ///< a first page that was told before is that of the document
 };
 
 struct SourceRange {

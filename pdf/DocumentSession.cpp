@@ -79,21 +79,32 @@ void DocumentSession::fail(const FailedRequest& failed) {
     throw documentError(reason);
 }
 
-DocumentStructure DocumentSession::start(WorkProgress* progress) {
+DocumentStructure DocumentSession::start(WorkProgress* progress, bool isFirstPageEnough) {
     const DocumentLimits& limits = m_processes.limits();
-    const DocumentHelper::Patience patience{limits.silence, std::nullopt};
     const DocumentHelper::Patience patienceForStart{limits.start, std::nullopt};
     auto helper = std::make_unique<DocumentHelper>(m_processes.take(), patienceForStart, progress);
     // The process has the snapshot among its addresses, and the file where that is not copied yet.
     const size_t addresses = m_content->size() * (m_content->file() < 0 ? 1 : 2);
     // Once only: who looks at a file that is being cut short ends, and could not tell why.
     const bool isFileShown = std::exchange(m_mayShowFile, false) && m_content->canBeShown();
-    helper->send(
-        {DocumentRequestKind::open, {}, m_content->size(), addresses + limits.memory, isFileShown ? 1U : 0U},
-        m_content->memory(), m_content->file());
-    StructureReply structure;
-    while (!structure.isComplete()) {
-        const DocumentHelper::Reply reply = helper->receive(patience, progress);
+    helper->send({DocumentRequestKind::open,
+                  {},
+                  m_content->size(),
+                  addresses + limits.memory,
+                  isFileShown ? 1U : 0U,
+                  isFirstPageEnough ? 1U : 0U},
+                 m_content->memory(), m_content->file());
+    DocumentStructure structure = receiveStructure(*helper, progress, isFirstPageEnough);
+    m_helper = std::move(helper);
+    return structure;
+}
+
+DocumentStructure DocumentSession::receiveStructure(DocumentHelper& helper, WorkProgress* progress,
+                                                    bool isFirstPageEnough) {
+    const DocumentHelper::Patience patience{m_processes.limits().silence, std::nullopt};
+    StructureReply structure(isFirstPageEnough);
+    while (!structure.isAnswered()) {
+        const DocumentHelper::Reply reply = helper.receive(patience, progress);
         if (reply.kind == Kind::progress)
             report(reply, progress);
         else if (reply.kind == Kind::failed)
@@ -101,13 +112,28 @@ DocumentStructure DocumentSession::start(WorkProgress* progress) {
         else
             structure.add(reply);
     }
-    m_helper = std::move(helper);
     return structure.take();
 }
 
-DocumentStructure DocumentSession::open(WorkProgress* progress) {
-    const std::scoped_lock lock(m_turn);
-    DocumentStructure structure = attempt([&] { return start(progress); }, 0);
+/// What has become of the process since the first page does not matter to the others.
+DocumentStructure DocumentSession::complete(WorkProgress* progress) {
+    if (!m_helper)
+        return start(progress);
+    m_helper->send({DocumentRequestKind::complete, {}, 0, 0, 0, 0}, m_content->memory());
+    return receiveStructure(*m_helper, progress, false);
+}
+
+DocumentStructure DocumentSession::open(WorkProgress* progress, const FirstPageHandler& onFirstPage) {
+    std::unique_lock lock(m_turn);
+    DocumentStructure structure = attempt([&] { return start(progress, onFirstPage != nullptr); }, 0);
+    if (!structure.isComplete) {
+        const PDFPage firstPage = structure.pages.front();
+        lock.unlock();
+        onFirstPage(firstPage);
+        lock.lock();
+        structure = attempt([&] { return complete(progress); }, 0);
+        structure.isContinued = structure.isContinued && structure.pages.front() == firstPage;
+    }
     m_pageCount = structure.pages.size();
     return structure;
 }
@@ -122,9 +148,10 @@ std::unique_lock<DocumentSession::Turn> DocumentSession::waitForTurn(const WorkP
 }
 
 /// Who looks at a page will do so for a while: has all that is left of a large file copied. Not before: a
-/// save that is all that is asked for reads the file itself.
+/// save that is all that is asked for reads the file itself. And not while the document is being opened, for
+/// which somebody waits.
 void DocumentSession::keepContent() {
-    if (m_content->file() < 0)
+    if (m_content->file() < 0 || m_pageCount == 0)
         return;
     std::call_once(m_isKept, [this] {
         m_inBackground.run([this] {
@@ -139,7 +166,7 @@ void DocumentSession::settle() {
     m_content->requireReadable();
     const std::unique_lock lock = waitForTurn(&m_keeping);
     if (m_helper)
-        m_helper->send({DocumentRequestKind::settle, {}, 0, 0, 0}, m_content->memory());
+        m_helper->send({DocumentRequestKind::settle, {}, 0, 0, 0, 0}, m_content->memory());
 }
 
 void DocumentSession::restart(WorkProgress* progress) {
@@ -150,7 +177,7 @@ void DocumentSession::restart(WorkProgress* progress) {
 void DocumentSession::sendCommands(const Composition& composition, ComposeSource source) {
     const size_t size = composition.commands.size() * sizeof(ComposeCommand);
     const FileDescriptor commands = memoryWith(composition.commands.data(), size);
-    m_helper->send({DocumentRequestKind::compose, source, size, 0, 0}, commands.get());
+    m_helper->send({DocumentRequestKind::compose, source, size, 0, 0, 0}, commands.get());
 }
 
 /// Where they cannot be sent, nobody is left waiting for them.
@@ -159,7 +186,7 @@ void DocumentSession::sendPictures(const Composition& composition) {
         const QByteArray packed = packedPictures(composition.pictures());
         const auto size = static_cast<size_t>(packed.size());
         const FileDescriptor pictures = memoryWith(packed.constData(), size);
-        m_helper->send({DocumentRequestKind::pictures, {}, size, 0, 0}, pictures.get());
+        m_helper->send({DocumentRequestKind::pictures, {}, size, 0, 0, 0}, pictures.get());
     } catch (...) {
         m_helper->hangUp();
         throw;

@@ -25,6 +25,9 @@ namespace vellmora {
 struct DocumentStructure {
     std::vector<PDFPage> pages;
     DocumentDamage damage;
+    bool isComplete = true;  ///< else the first page is all that is known
+    /// The first page is the one that was known before all of them were.
+    bool isContinued = false;
 };
 
 class Delivery;
@@ -50,8 +53,11 @@ public:
     DocumentSession(const DocumentSession&) = delete;
     DocumentSession& operator=(const DocumentSession&) = delete;
 
+    /// Gets the first page of a long document before the others are looked at; may call `compose` for it.
+    using FirstPageHandler = std::function<void(const PDFPage&)>;
+
     /// To be called first, and once. Throws `Error`.
-    DocumentStructure open(WorkProgress* progress);
+    DocumentStructure open(WorkProgress* progress, const FirstPageHandler& onFirstPage = {});
 
     /// Hands the file's bytes to the consumer, which is not finished. Answers the file's pages on which
     /// something of the source is missing. Throws the consumer's `Error`, or its own. From the first look at
@@ -93,7 +99,10 @@ private:
     void keepContent();
     void settle();
     std::unique_lock<Turn> waitForTurn(const WorkProgress* progress);
-    DocumentStructure start(WorkProgress* progress);
+    DocumentStructure start(WorkProgress* progress, bool isFirstPageEnough = false);
+    DocumentStructure complete(WorkProgress* progress);
+    DocumentStructure receiveStructure(DocumentHelper& helper, WorkProgress* progress,
+                                       bool isFirstPageEnough);
     void restart(WorkProgress* progress);
     std::optional<QList<qsizetype>> composeDirectly(const Composition& composition,
                                                     PDFDataConsumer& consumer);
@@ -110,7 +119,7 @@ private:
 
     DocumentProcesses& m_processes;
     std::shared_ptr<const FileSnapshot> m_content;
-    size_t m_pageCount = 0;
+    size_t m_pageCount = 0;  ///< of a document that is complete
     mutable Turn m_turn;
     std::unique_ptr<DocumentHelper> m_helper;
     bool m_mayShowFile = true;

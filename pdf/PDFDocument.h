@@ -3,6 +3,8 @@
 #include "pdf/DocumentDamage.h"
 #include "pdf/PDFPage.h"
 
+#include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <sys/types.h>
@@ -27,15 +29,24 @@ class WorkProgress;
 /// compared by identity and shared, also among threads.
 class PDFDocument {
 public:
+    /// Gets the first look at a document: its first page as a document of its own, to be shown while the
+    /// other pages are looked at. Whether all of it can be read is not known then. The page is drawn once the
+    /// handler has returned.
+    using FirstLookHandler = std::function<void(const std::shared_ptr<const PDFDocument>&)>;
+
     /// `processes` must outlive the document; `progress` may be null, and is to live until the call returns.
     /// Throws `Error` where the file cannot be read, or its bytes cannot be read as a PDF (damaged beyond
-    /// repair, encrypted with a password that is not empty); its reason says why.
+    /// repair, encrypted with a password that is not empty); its reason says why. `onFirstLook` is called at
+    /// most once, by the same thread, and only for a document that takes long for its length.
     static std::shared_ptr<const PDFDocument> open(const QUrl& url, DocumentProcesses& processes,
-                                                   WorkProgress* progress = nullptr);
+                                                   WorkProgress* progress = nullptr,
+                                                   const FirstLookHandler& onFirstLook = {});
     static std::shared_ptr<const PDFDocument> fromData(const QByteArray& bytes, DocumentProcesses& processes);
 
-    PDFDocument(std::shared_ptr<const FileSnapshot> content, std::unique_ptr<DocumentSession> session,
-                DocumentStructure structure);
+    /// For `open`.
+    PDFDocument(std::shared_ptr<const FileSnapshot> content, std::shared_ptr<DocumentSession> session,
+                DocumentStructure structure, std::shared_ptr<const PDFDocument> firstLook = {},
+                std::shared_future<QByteArray> firstPagePdf = {});
     ~PDFDocument();
     PDFDocument(const PDFDocument&) = delete;
     PDFDocument& operator=(const PDFDocument&) = delete;
@@ -43,6 +54,13 @@ public:
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     /// Nothing for an index outside 0 … pageCount − 1.
     std::optional<PDFPage> page(qsizetype index) const;
+
+    /// The first look that was had at this document, where that has proved right: a picture of its page is
+    /// one of this document's first page. Else null.
+    const std::shared_ptr<const PDFDocument>& firstLook() const { return m_firstLook; }
+    bool isFirstLook() const { return m_firstPagePdf.valid(); }
+    /// Of a first look: what `makePagePdf` answers for its page, for which it waits. Else nothing.
+    std::optional<QByteArray> firstPagePdf() const;
 
     /// What is known to be missing since the document was opened.
     const DocumentDamage& damage() const { return m_damage; }
@@ -59,12 +77,15 @@ public:
 private:
     static std::shared_ptr<const PDFDocument> fromContent(const std::shared_ptr<const FileSnapshot>& content,
                                                           DocumentProcesses& processes,
-                                                          WorkProgress* progress);
+                                                          WorkProgress* progress,
+                                                          const FirstLookHandler& onFirstLook);
 
     std::shared_ptr<const FileSnapshot> m_content;
-    std::unique_ptr<DocumentSession> m_session;
+    std::shared_ptr<DocumentSession> m_session;
     std::vector<PDFPage> m_pages;
     DocumentDamage m_damage;
+    std::shared_ptr<const PDFDocument> m_firstLook;
+    std::shared_future<QByteArray> m_firstPagePdf;  ///< of a first look
 };
 
 }  // namespace vellmora

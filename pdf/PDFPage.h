@@ -18,6 +18,8 @@ public:
     /// In page space. The crop box lies inside the media box.
     const Rect& bounds(DisplayBox box) const { return box == DisplayBox::mediaBox ? m_mediaBox : m_cropBox; }
 
+    bool operator==(const PDFPage&) const = default;
+
 private:
     Rect m_mediaBox;
     Rect m_cropBox;

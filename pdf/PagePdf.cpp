@@ -11,6 +11,8 @@ QByteArray makePagePdf(const PDFDocument& document, qsizetype pageIndex, WorkPro
         return {};
     MemoryConsumer consumer;
     try {
+        if (const auto known = document.firstPagePdf())
+            return *known;
         const auto context = PDFContext::create(consumer, document, progress, PDFContext::Purpose::viewing);
         context->beginPage();
         context->drawPage(pageIndex, DisplayBox::cropBox);

@@ -40,6 +40,8 @@ void StructureReply::add(const DocumentHelper::Reply& reply) {
             return addPages(reply.asMany<PageBoxes>());
         case DocumentReplyKind::lostPages:
             return m_lostPages.add(reply);
+        case DocumentReplyKind::begun:
+            return finishBegun();
         case DocumentReplyKind::opened:
             return finish(reply.as<OpenedDocument>());
         default:
@@ -59,7 +61,14 @@ void StructureReply::finish(const OpenedDocument& opened) {
     require(lost.isEmpty() || lost.last() < pageCount);
     require(opened.uncountedPages >= 0 && opened.uncountedPages <= maxUncountedPages);
     m_structure.damage = {opened.isRepaired != 0, opened.isCutOff != 0, lost, opened.uncountedPages};
-    m_isComplete = true;
+    m_structure.isContinued = opened.isPlain != 0 && pageCount > 0;
+    m_isAnswered = true;
+}
+
+void StructureReply::finishBegun() {
+    require(m_isFirstPageEnough && m_structure.pages.size() == 1 && m_lostPages.indices().isEmpty());
+    m_structure.isComplete = false;
+    m_isAnswered = true;
 }
 
 DocumentStructure StructureReply::take() {

@@ -23,17 +23,20 @@ private:
 /// cannot be true.
 class StructureReply {
 public:
+    explicit StructureReply(bool isFirstPageEnough) : m_isFirstPageEnough(isFirstPageEnough) {}
     void add(const DocumentHelper::Reply& reply);
-    bool isComplete() const { return m_isComplete; }
+    bool isAnswered() const { return m_isAnswered; }
     DocumentStructure take();
 
 private:
     void addPages(const std::vector<PageBoxes>& pages);
     void finish(const OpenedDocument& opened);
+    void finishBegun();
 
+    bool m_isFirstPageEnough;
     DocumentStructure m_structure;
     IndexList m_lostPages{maxPageCount};
-    bool m_isComplete = false;
+    bool m_isAnswered = false;
 };
 
 }  // namespace vellmora

@@ -156,7 +156,9 @@ QString PDFView::pageDescription() const {
     if (!m_currentPage)
         return {};
     const QString place =
-        QStringLiteral("Seite %1 von %2").arg(*m_currentPage + 1).arg(m_document->pageCount());
+        m_document->isFirstLook()
+            ? QStringLiteral("Seite 1")
+            : QStringLiteral("Seite %1 von %2").arg(*m_currentPage + 1).arg(m_document->pageCount());
     const PageCache::Picture picture = m_pictures.picture(*m_currentPage);
     return picture.isUnavailable ? place + QStringLiteral(". ") + noticeFor(picture) : place;
 }

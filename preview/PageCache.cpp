@@ -12,6 +12,8 @@ PageCache::PageCache(PageRenderer& renderer) : m_renderer(renderer) {
 }
 
 void PageCache::setDocument(const std::shared_ptr<const PDFDocument>& document) {
+    if (document && document->firstLook() && document->firstLook() == m_pdfs.document())
+        return continueWith(document);
     m_pdfs.setDocument(document);
     m_renderer.beginDocument();
     m_pages.clear();
@@ -19,6 +21,15 @@ void PageCache::setDocument(const std::shared_ptr<const PDFDocument>& document) 
     if (document && document->pageCount() > 0) {
         m_pages.insert(0, {});
         m_pdfs.request(0);
+    }
+}
+
+/// What was being drawn of the first look has ended with it.
+void PageCache::continueWith(const std::shared_ptr<const PDFDocument>& document) {
+    m_pdfs.setDocument(document);
+    for (auto page = m_pages.cbegin(); page != m_pages.cend(); ++page) {
+        if (!page->pagePdf)
+            m_pdfs.request(page.key());
     }
 }
 

@@ -36,8 +36,8 @@ public:
     /// `renderer` must outlive the object.
     explicit PageCache(PageRenderer& renderer);
 
-    /// Forgets all pictures. The first page is drawn from now on, while nobody knows yet how large it will
-    /// be.
+    /// Forgets all pictures, but those of the first look at this document. The first page is drawn from now
+    /// on, while nobody knows yet how large it will be.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
 
     /// The newest picture of a page; it may show another part or size than was asked for last.
@@ -56,6 +56,7 @@ private:
         Picture picture;
         Wish wanted;
     };
+    void continueWith(const std::shared_ptr<const PDFDocument>& document);
     void takePdf(qsizetype pageIndex, const QByteArray& pagePdf);
     void render(qsizetype pageIndex, const Page& page);
     void take(qsizetype pageIndex, const Wish& wish, const QImage& image);

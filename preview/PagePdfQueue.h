@@ -23,6 +23,7 @@ public:
     /// Ends the making of a PDF, as far as it is not done.
     ~PagePdfQueue() override;
 
+    const std::shared_ptr<const PDFDocument>& document() const { return m_document; }
     /// Forgets all requests, and ends what is being drawn: the document's process is lost with it.
     void setDocument(const std::shared_ptr<const PDFDocument>& document);
     /// The newest request is served first, and one that many newer ones have overtaken is dropped.

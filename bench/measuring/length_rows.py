@@ -1,5 +1,6 @@
 """What is measured of documents of very many pages: whether length alone costs anything, and that what it costs is linear."""
 from .samples import Row, in_turn
+from .screen import WHOLE_SCREEN
 from .save_rows import ALLOWED_GROWTH, ALLOWED_MEMORY, MEGABYTE, SaveRows, peer_commands
 from .window_rows import OPENING, WindowRows
 
@@ -17,27 +18,30 @@ class LengthRows:
         self.saving = SaveRows(screen.programs, inputs, rounds)
         self.rounds = rounds
 
-    def opened_and_turned(self, name):
-        """Opens the document and turns to its last page, which nothing of the window has seen before."""
+    def loaded_and_turned(self, name):
+        """Opens the document until all its pages are known and the window says so, and turns to its last page, which
+        nothing of the window has seen before."""
         screen = self.window.screen
         with screen.running("vellmora", home=self.window.home):
-            opened = screen.open_document(self.window.inputs / name, self.window.area)
+            opened = screen.open_document(self.window.inputs / name, WHOLE_SCREEN)
             return opened, screen.use("key", self.window.area, "End")
 
     def windows(self):
-        engine = self.window.engine
-        times = in_turn({"long": lambda: self.opened_and_turned(LONG), "half": lambda: self.opened_and_turned(HALF),
-                         "engine": lambda: engine("page", self.window.inputs / LONG, *self.window.page_size)["render_ms"]},
+        engine, path = self.window.engine, self.window.inputs / LONG
+        times = in_turn({"first": lambda: self.window.opened(path),
+                         "long": lambda: self.loaded_and_turned(LONG), "half": lambda: self.loaded_and_turned(HALF),
+                         "engine": lambda: engine("page", path, *self.window.page_size)["render_ms"]},
                         self.rounds)
-        opened, turned = map(list, zip(*times["long"]))
-        opened_half, _ = map(list, zip(*times["half"]))
-        painted = Row(f"open: {NAME}", opened, f"the engine's time + {OPENING} ms", 0, "the engine, that page",
+        loaded, turned = map(list, zip(*times["long"]))
+        loaded_half, _ = map(list, zip(*times["half"]))
+        painted = Row(f"open: {NAME}", times["first"], f"the engine's time + {OPENING} ms", 0, "the engine, that page",
                       times["engine"])
         painted.limit = painted.other_figure + OPENING
         return [
             painted,
-            Row(f"open: {NAME}", opened, "at most 1 s", OPEN_LIMIT),
-            Row(f"open: {NAME}", opened, "linear: at most 2.2 times", TWICE, "half of them", opened_half, True),
+            Row(f"open, until all pages are known: {NAME}", loaded, "at most 1 s", OPEN_LIMIT),
+            Row(f"open, until all pages are known: {NAME}", loaded, "linear: at most 2.2 times", TWICE, "half of them",
+                loaded_half, True),
             Row(f"turn to the last page: {NAME}", turned, "at most 50 ms", TURN_LIMIT),
         ]
 

@@ -4,7 +4,6 @@
 #include "engine/file/PageOrientation.h"
 #include "engine/file/PlainFile.h"
 
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -25,10 +24,6 @@ public:
         std::string_view outerResources;
     };
 
-    /// Nothing where anything about the tree is odd, or may be damaged: a kid is missing, or stands there
-    /// twice, or /Count is wrong. Throws `Error` where the file cannot be read.
-    static std::optional<PageOutline> read(const PlainFile& file);
-
     qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
     /// The number of the page's object.
     int number(qsizetype index) const { return m_pages[static_cast<size_t>(index)].number; }
@@ -37,7 +32,7 @@ public:
     }
 
 private:
-    friend class OutlineWalk;
+    friend class OutlineReader;
     struct Page {
         int number;
         int attributes;

@@ -141,6 +141,8 @@ void DocumentServer::serve(ReceivedDocumentRequest request) {
     m_replies.setProgress(0, 0);
     if (request.message.kind == DocumentRequestKind::open && !m_content)
         open(std::move(request));
+    else if (request.message.kind == DocumentRequestKind::complete && m_document)
+        complete();
     else if (request.message.kind == DocumentRequestKind::compose && m_document)
         compose(request);
     else if (request.message.kind == DocumentRequestKind::settle && m_content)
@@ -157,12 +159,29 @@ void DocumentServer::open(ReceivedDocumentRequest request) {
     m_uncopied = request.message.isFileShown != 0 ? UncopiedRange::isShown : UncopiedRange::isRead;
     m_content->setUncopied(m_uncopied);
     m_content->whenRead([this] { m_replies.keepAlive(); });
-    m_document = std::make_unique<ParsedDocument>(m_content);
+    const bool isFirstPageEnough = request.message.isFirstPageEnough != 0;
+    m_document = std::make_unique<ParsedDocument>(
+        m_content, isFirstPageEnough ? ParsedDocument::Extent::firstPage : ParsedDocument::Extent::allPages);
+    if (m_document->isComplete())
+        return sendStructure();
+    sendPages();
+    m_replies.send(DocumentReplyKind::begun);
+}
+
+void DocumentServer::complete() {
+    auto document = std::move(m_document);
+    if (!document->isComplete())
+        document->complete();
+    m_document = std::move(document);
+    sendStructure();
+}
+
+void DocumentServer::sendStructure() {
     sendPages();
     const DocumentDamage& damage = m_document->damage();
     m_replies.sendIndices(DocumentReplyKind::lostPages, damage.lostPages);
-    m_replies.send(DocumentReplyKind::opened,
-                   OpenedDocument{damage.isRepaired, damage.isCutOff, damage.uncountedPages});
+    m_replies.send(DocumentReplyKind::opened, OpenedDocument{damage.isRepaired, damage.isCutOff,
+                                                             damage.uncountedPages, m_document->isPlain()});
 }
 
 void DocumentServer::sendPages() {

@@ -20,7 +20,9 @@ public:
 private:
     void serve(ReceivedDocumentRequest request);
     void open(ReceivedDocumentRequest request);
+    void complete();
     void sendPages();
+    void sendStructure();
     void settle();
     bool prepareFor(ComposeSource source);
     void compose(const ReceivedDocumentRequest& request);

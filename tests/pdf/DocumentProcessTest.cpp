@@ -234,7 +234,7 @@ INSTANTIATE_TEST_SUITE_P(, LyingWhileOpening,
                                          "lost page that is not there", "lost page twice", "data too early",
                                          "unknown reply", "unknown failure", "a failure of the program's own",
                                          "endless reply", "progress beyond the end", "ends while opening",
-                                         "half a reply", "fewer than none"));
+                                         "half a reply", "fewer than none", "begun unasked"));
 
 TEST_P(LyingWhileWriting, WritesNothing) {
     const auto document = PDFDocument::fromData(bytes, processes);

@@ -121,7 +121,8 @@ TEST(FileRepairTest, ReadsObjectStreamsWithoutTheirTable) {
 
 TEST(FileRepairTest, BringsBackPagesThatTheTableLacks) {
     QByteArray bytes = pages(3).bytes();
-    const auto entry = bytes.indexOf("\n5 1\n", bytes.indexOf("xref\n0 1")) + 5;
+    constexpr qsizetype ofFifth = 4 * 20;
+    const auto entry = bytes.indexOf("\n1 8\n", bytes.indexOf("xref\n0 1")) + 5 + ofFifth;
     bytes.replace(entry, 18, "0000000000 65535 f");
     EXPECT_EQ(readablePages(bytes), 3);
     EXPECT_EQ(readablePages(bytes.replace("/Count 3", "/Count 2")), 2) << "that one was deleted";

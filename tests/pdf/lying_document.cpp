@@ -57,6 +57,10 @@ void sayIndices(Kind kind, const std::vector<std::int64_t>& indices) {
 constexpr PageBoxes page{{0, 0, 100, 200}, {0, 0, 100, 200}};
 
 void openAs(const std::string& lie) {
+    if (lie == "begun unasked" || lie == "begun again" || lie == "silent after the first page") {
+        sayValue(Kind::pages, page);
+        return say(Kind::begun);
+    }
     PageBoxes odd = page;
     if (lie == "no number")
         odd.cropBox[1] = std::nan("");
@@ -70,6 +74,8 @@ void openAs(const std::string& lie) {
         sayValue(Kind::pages, page);
     sayValue(Kind::pages, page);
     sayValue(Kind::pages, odd);
+    if (lie == "begun with two pages")
+        return say(Kind::begun);
     if (lie == "half a page")
         say(Kind::pages, &page, sizeof page / 2);
     if (lie == "lost page that is not there")
@@ -94,7 +100,7 @@ void openAs(const std::string& lie) {
         sendHeader(static_cast<std::uint32_t>(Kind::opened), 100);
         sayNothing();
     }
-    sayValue(Kind::opened, OpenedDocument{0, 0, lie == "fewer than none" ? -1 : 0});
+    sayValue(Kind::opened, OpenedDocument{0, 0, lie == "fewer than none" ? -1 : 0, 0});
 }
 
 void composeAs(const std::string& lie, std::uint64_t sourceSize) {
@@ -141,6 +147,9 @@ int main() {
         if (request->message.kind == DocumentRequestKind::open) {
             sourceSize = request->message.size;
             openAs(lie);
+        } else if (request->message.kind == DocumentRequestKind::complete) {
+            if (lie == "begun again")
+                openAs(lie);
         } else if (request->message.kind == DocumentRequestKind::compose) {
             composeAs(lie, sourceSize);
         }

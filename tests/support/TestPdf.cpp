@@ -17,7 +17,7 @@ std::string reference(int number) {
     return std::to_string(number) + " 0 R";
 }
 
-/// Puts numbered objects into a file with a cross-reference table of one section for each object.
+/// Puts numbered objects into a file with a cross-reference table, a section for consecutive numbers each.
 std::string fileOf(const std::map<int, std::string>& objects) {
     std::string file = "%PDF-1.7\n";
     std::map<int, size_t> offsets;
@@ -27,10 +27,15 @@ std::string fileOf(const std::map<int, std::string>& objects) {
     }
     const size_t table = file.size();
     file += "xref\n0 1\n0000000000 65535 f \n";
-    for (const auto& [number, offset] : offsets) {
-        std::string digits = std::to_string(offset);
-        digits.insert(0, 10 - digits.size(), '0');
-        file += std::to_string(number) + " 1\n" + digits + " 00000 n \n";
+    for (auto from = offsets.begin(); from != offsets.end();) {
+        const int first = from->first;
+        std::string entries;
+        int number = first;
+        for (; from != offsets.end() && from->first == number; ++from, ++number) {
+            const std::string digits = std::to_string(from->second);
+            entries += std::string(10 - digits.size(), '0') + digits + " 00000 n \n";
+        }
+        file += std::to_string(first) + ' ' + std::to_string(number - first) + '\n' + entries;
     }
     file += "trailer\n<< /Root 1 0 R /Size " + std::to_string(objects.rbegin()->first + 1) +
             " >>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
