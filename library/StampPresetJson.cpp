@@ -56,7 +56,10 @@ public:
     }
     QUuid identifier(const QString& key) { return required(parseIdentifier(string(key))); }
     QDateTime date(const QString& key) { return required(parseInternetDateTime(string(key))); }
-    bool has(const QString& key) const { return !m_object.value(key).isNull() && m_object.contains(key); }
+    bool has(const QString& key) const {
+        const QJsonValue value = m_object.value(key);
+        return !value.isNull() && !value.isUndefined();
+    }
 
 private:
     template <typename T>
