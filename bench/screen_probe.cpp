@@ -92,12 +92,15 @@ public:
         const double end = now() + timeLimit;
         double last = 0;
         while (now() < end) {
-            double drawn = nextDrawing(last > 0 ? now() + quiet : end);
-            if (drawn == 0)
+            double drawn = 0;
+            double next = nextDrawing(last > 0 ? now() + quiet : end);
+            if (next == 0)
                 return last;
             // One look at all that was drawn: looking takes the processor from the program.
-            while (const double next = nextDrawing(now()))
+            while (next > 0) {
                 drawn = next;
+                next = nextDrawing(now());
+            }
             if (hasChanged())
                 last = drawn;
         }

@@ -16,7 +16,7 @@ namespace {
 
 /// The real window, whose documents are read by a process that says what it is told to.
 class FirstLookWindowTest : public testing::Test {
-protected:
+public:
     FirstLookWindowTest() {
         writeFile(path, pages(2).bytes());
         shown->window().show();
@@ -24,6 +24,7 @@ protected:
     }
     ~FirstLookWindowTest() override { qunsetenv("VELLMORA_LIE"); }
 
+protected:
     void load(const char* lie) {
         qputenv("VELLMORA_LIE", lie);
         processes.take();  // the spare one, which was told something else

@@ -121,7 +121,7 @@ TEST(FileRepairTest, ReadsObjectStreamsWithoutTheirTable) {
 
 TEST(FileRepairTest, BringsBackPagesThatTheTableLacks) {
     QByteArray bytes = pages(3).bytes();
-    constexpr qsizetype ofFifth = 4 * 20;
+    constexpr int ofFifth = 4 * 20;
     const auto entry = bytes.indexOf("\n1 8\n", bytes.indexOf("xref\n0 1")) + 5 + ofFifth;
     bytes.replace(entry, 18, "0000000000 65535 f");
     EXPECT_EQ(readablePages(bytes), 3);
