@@ -6,6 +6,7 @@
 #include "preview/RenderMessages.h"
 #include "preview/renderer/PageEngine.h"
 
+#include <malloc.h>
 #include <optional>
 #include <sys/mman.h>
 #include <sys/socket.h>
@@ -63,6 +64,9 @@ int main(int argc, char** argv) {
         if (!request)
             break;
         isHeard = answer(serve(engine, *request) ? RenderReply::rendered : RenderReply::notRendered);
+        // What the engine has freed, while nobody waits: else it lies here for as long as the document is
+        // open.
+        ::malloc_trim(0);
     }
     // Without destructors: they might call what is not permitted any more.
     ::_exit(0);
