@@ -9,9 +9,10 @@ static QMimeType typeByName(const QFileInfo& file) {
     return QMimeDatabase().mimeTypesForFileName(file.fileName()).value(0);
 }
 
+/// Asked of a provider that is gone afterwards: each keeps what it was asked for, in all sizes.
 FileIcons::FileIcons()
-    : m_file(inSmallSizes(QFileIconProvider::icon(File))),
-      m_folder(inSmallSizes(QFileIconProvider::icon(Folder))) {}
+    : m_file(inSmallSizes(QFileIconProvider().icon(File))),
+      m_folder(inSmallSizes(QFileIconProvider().icon(Folder))) {}
 
 QIcon FileIcons::inSmallSizes(const QIcon& icon) {
     constexpr int largest = 48;  // also on screens with twice as many pixels
