@@ -164,8 +164,10 @@ private:
         const std::scoped_lock lock(m_mutex);
         SnapshotMemory& memory = m_target.m_memory;
         const size_t length = std::min(pieceSize, memory.size() - memory.copied());
-        if (length == 0 || m_error != 0)
+        if (length == 0 || m_error != 0) {
+            m_piece = std::vector<char>();
             return false;
+        }
         m_piece.resize(length);
         m_error = readAt(m_file, memory.copied(), m_piece.data(), length);
         if (m_error == 0)

@@ -43,6 +43,13 @@ DocumentHelper::Reply DocumentHelper::receive(const Patience& patience, const Wo
             take(header.length, patience, silentUntil, progress)};
 }
 
+void DocumentHelper::rest() {
+    if (m_begin < m_end)
+        return;  // it said more than it was asked for
+    m_received = std::vector<char>();
+    m_begin = m_end = 0;
+}
+
 /// The next bytes that the process says. They are valid until the next ones are taken.
 std::string_view DocumentHelper::take(size_t length, const Patience& patience, Clock::time_point& silentUntil,
                                       const WorkProgress* progress) {

@@ -58,6 +58,9 @@ public:
     void hangUp();
     /// Waits for the next reply. Throws `HelperLost`, or the `Error` of work that was cancelled.
     Reply receive(const Patience& patience, const WorkProgress* progress);
+    /// Nothing more comes before the next request: keeps no room for it. The last reply is not valid any
+    /// more.
+    void rest();
 
 private:
     std::string_view take(size_t length, const Patience& patience, Clock::time_point& silentUntil,

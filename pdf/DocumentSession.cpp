@@ -112,6 +112,7 @@ DocumentStructure DocumentSession::receiveStructure(DocumentHelper& helper, Work
         else
             structure.add(reply);
     }
+    helper.rest();
     return structure.take();
 }
 
@@ -246,6 +247,7 @@ QList<qsizetype> DocumentSession::takeFile(const Composition& composition, Deliv
                 break;
             case Kind::composed:
                 delivery.requireBegun();
+                m_helper->rest();
                 return incomplete.indices();
             case Kind::failed:
                 fail(reply.as<FailedRequest>());
