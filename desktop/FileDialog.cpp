@@ -1,5 +1,7 @@
 #include "desktop/FileDialog.h"
 
+#include <malloc.h>
+
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
@@ -9,6 +11,7 @@
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QLineEdit>
+#include <QPixmapCache>
 #include <QToolTip>
 
 namespace vellmora {
@@ -153,7 +156,7 @@ void FileDialog::closeCompletions() {
 }
 
 /// Qt lists a folder anew at each change in it, also where nobody sees the dialog, and keeps what was
-/// painted.
+/// painted. That was in many small pieces, which the allocator would keep.
 void FileDialog::rest() {
     if (isVisible())
         return;  // it has been opened again
@@ -161,6 +164,8 @@ void FileDialog::rest() {
         painted->resize({1, 1});
     if (auto* folder = findChild<QFileSystemModel*>())
         folder->setRootPath({});
+    QPixmapCache::clear();
+    ::malloc_trim(0);
 }
 
 bool FileDialog::isDesktops() const {
