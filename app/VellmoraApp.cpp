@@ -6,11 +6,13 @@
 #include "ui/Accessibility.h"
 
 #include <clocale>
+#include <malloc.h>
 
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLocale>
+#include <QThreadPool>
 
 namespace vellmora {
 
@@ -35,12 +37,25 @@ static QIcon programIcon() {
     return icon;
 }
 
+/// Large pieces of memory go back to the system when they are freed. Unless it is told a size, the C library
+/// keeps pieces as large as the largest one that was freed so far: each thread those of the pictures it has
+/// decoded, scaled or compressed.
+static void giveBackLargePieces() {
+    constexpr int size = 128 << 10;
+    ::mallopt(M_MMAP_THRESHOLD, size);
+    ::mallopt(M_TRIM_THRESHOLD, size);
+}
+
 /// What must be done before Qt is started, which starts threads. Hands the argument on, for an initializer.
 static int& prepared(int& argc) {
+    giveBackLargePieces();
     files::makeFileSizeLimitAnError();
     setGermanFormats();
     return argc;
 }
+
+/// A thread keeps all fonts that it has drawn with, for as long as it waits for more work. Milliseconds.
+constexpr int longestWaitForWork = 1000;
 
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc), argv) {
     // Qt has set it from the environment. Libraries read and write the numbers in files with it.
@@ -53,6 +68,7 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc),
     installAccessibility();
     installStampViewAccessibility();
     installPageViewAccessibility();
+    QThreadPool::globalInstance()->setExpiryTimeout(longestWaitForWork);
     QGuiApplication::setWindowIcon(programIcon());
     if (m_qtTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_qtTexts);

@@ -9,8 +9,9 @@ namespace {
 /// In pixels. No copies are made of a picture with a side this small.
 constexpr int smallestLevel = 64;
 
-/// The rows that are converted at a time. They are still in the processor's cache when they are read again.
-constexpr int rowsInBand = 16;
+/// Of the rows that are converted at a time. They are still in the processor's cache when they are read
+/// again, and the memory that one band had is at hand for the next.
+constexpr int bytesInBand = 64 << 10;
 
 /// Mean of four pixels, each channel rounded to the nearest. Two channels are added at a time; the bits
 /// between them hold the carry.
@@ -33,12 +34,18 @@ const QRgb* rowOf(const QImage& image, int y) {
     return reinterpret_cast<const QRgb*>(image.constScanLine(y));
 }
 
+/// An even number.
+int rowsInBand(int width) {
+    return std::max(1, bytesInBand / static_cast<int>(sizeof(QRgb)) / width / 2) * 2;
+}
+
 /// Half as wide and as high, rounded up. The last column or row of an odd size counts twice.
 QImage halved(const QImage& image) {
     constexpr auto format = QImage::Format_ARGB32_Premultiplied;
     QImage result((image.width() + 1) / 2, (image.height() + 1) / 2, format);
-    for (int first = 0; first < image.height(); first += rowsInBand) {
-        const int count = std::min(rowsInBand, image.height() - first);
+    const int rows = rowsInBand(image.width());
+    for (int first = 0; first < image.height(); first += rows) {
+        const int count = std::min(rows, image.height() - first);
         const QImage band =
             QImage(image.constScanLine(first), image.width(), count, image.bytesPerLine(), image.format())
                 .convertToFormat(format);
