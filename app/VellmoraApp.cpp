@@ -39,16 +39,17 @@ static QIcon programIcon() {
 
 /// Large pieces of memory go back to the system when they are freed. Unless it is told a size, the C library
 /// keeps pieces as large as the largest one that was freed so far: each thread those of the pictures it has
-/// decoded, scaled or compressed.
-static void giveBackLargePieces() {
+/// decoded, scaled or compressed. And it has a heap for each thread, of which most lie still.
+static void keepLittleFreeMemory() {
     constexpr int size = 128 << 10;
     ::mallopt(M_MMAP_THRESHOLD, size);
     ::mallopt(M_TRIM_THRESHOLD, size);
+    ::mallopt(M_ARENA_MAX, 2);
 }
 
 /// What must be done before Qt is started, which starts threads. Hands the argument on, for an initializer.
 static int& prepared(int& argc) {
-    giveBackLargePieces();
+    keepLittleFreeMemory();
     files::makeFileSizeLimitAnError();
     setGermanFormats();
     return argc;
