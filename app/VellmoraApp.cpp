@@ -56,7 +56,7 @@ static int& prepared(int& argc) {
 }
 
 /// A thread keeps all fonts that it has drawn with, for as long as it waits for more work. Milliseconds.
-constexpr int longestWaitForWork = 1000;
+constexpr int longestWaitForWork = 200;
 
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc), argv) {
     // Qt has set it from the environment. Libraries read and write the numbers in files with it.
