@@ -8,22 +8,26 @@
 // The last change is known once nothing was drawn for QUIET milliseconds. Prints "ready" as soon as it
 // watches, then one line of JSON, in milliseconds: `last` and `sent` of the clock CLOCK_MONOTONIC, or for a
 // drag for each step the time from the motion of the mouse until the last drawing that follows from it.
+//
+// VELLMORA_FRAMEBUFFER names the file in which Xvfb keeps the screen (its option -fbdir): to ask Xvfb for
+// pictures would keep it from serving the program that is watched.
 
+#include <X11/XWDFile.h>
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
-#include <X11/extensions/XShm.h>
 #include <X11/extensions/XTest.h>
 #include <X11/extensions/Xdamage.h>
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <endian.h>
+#include <fcntl.h>
 #include <poll.h>
 #include <string_view>
-#include <sys/ipc.h>
-#include <sys/shm.h>
-#include <utility>
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -49,6 +53,40 @@ double now() {
     std::exit(1);
 }
 
+/// What is on the screen, where the X server keeps it.
+class Framebuffer {
+public:
+    Framebuffer() {
+        const char* path = std::getenv("VELLMORA_FRAMEBUFFER");
+        const int file = path ? ::open(path, O_RDONLY | O_CLOEXEC) : -1;
+        struct stat status {};
+        if (file < 0 || ::fstat(file, &status) < 0)
+            fail("VELLMORA_FRAMEBUFFER names no file that can be read");
+        const void* content =
+            ::mmap(nullptr, static_cast<size_t>(status.st_size), PROT_READ, MAP_SHARED, file, 0);
+        if (content == MAP_FAILED)
+            fail("the screen's memory cannot be read");
+        // As of xwd: a header of big-endian numbers, then colours, then the rows.
+        XWDFileHeader header{};
+        std::memcpy(&header, content, sizeof header);
+        m_bytesPerRow = be32toh(header.bytes_per_line);
+        m_bytesPerPixel = be32toh(header.bits_per_pixel) / 8;
+        m_pixels = static_cast<const char*>(content) + be32toh(header.header_size) +
+                   size_t{be32toh(header.ncolors)} * sizeof(XWDColor);
+    }
+
+    /// The pixels of a row from `x` on.
+    const char* row(int x, int y) const {
+        return m_pixels + static_cast<size_t>(y) * m_bytesPerRow + bytesOf(x);
+    }
+    size_t bytesOf(int pixels) const { return static_cast<size_t>(pixels) * m_bytesPerPixel; }
+
+private:
+    size_t m_bytesPerRow = 0;
+    size_t m_bytesPerPixel = 0;
+    const char* m_pixels = nullptr;
+};
+
 class Watcher {
 public:
     explicit Watcher(Rectangle watched) : m_watched(watched) {
@@ -56,8 +94,8 @@ public:
         if (!m_display || !XDamageQueryExtension(m_display, &m_damageEvent, &error))
             fail("no display, or one that does not tell what is drawn");
         XDamageCreate(m_display, DefaultRootWindow(m_display), XDamageReportRawRectangles);
-        makeImage();
-        takePicture(m_before);
+        m_seen.resize(m_screen.bytesOf(watched.width) * static_cast<size_t>(watched.height));
+        hasChanged();
     }
 
     Display* display() const { return m_display; }
@@ -82,9 +120,17 @@ public:
 
     /// True where the watched rectangle looks other than when this was called last.
     bool hasChanged() {
-        takePicture(m_after);
-        std::swap(m_before, m_after);
-        return m_before != m_after;
+        const size_t length = m_screen.bytesOf(m_watched.width);
+        bool result = false;
+        for (int y = 0; y < m_watched.height; ++y) {
+            const char* row = m_screen.row(m_watched.x, m_watched.y + y);
+            char* seen = m_seen.data() + static_cast<size_t>(y) * length;
+            if (std::memcmp(seen, row, length) == 0)
+                continue;
+            std::memcpy(seen, row, length);
+            result = true;
+        }
+        return result;
     }
 
     /// The time of the last change, once nothing was drawn for `quiet`.
@@ -113,34 +159,11 @@ private:
                area.y < m_watched.y + m_watched.height && area.y + area.height > m_watched.y;
     }
 
-    void makeImage() {
-        m_image =
-            XShmCreateImage(m_display, DefaultVisual(m_display, 0),
-                            static_cast<unsigned>(DefaultDepth(m_display, 0)), ZPixmap, nullptr, &m_segment,
-                            static_cast<unsigned>(m_watched.width), static_cast<unsigned>(m_watched.height));
-        m_segment.shmid = ::shmget(IPC_PRIVATE, imageBytes(), IPC_CREAT | 0600);
-        m_segment.shmaddr = m_image->data = static_cast<char*>(::shmat(m_segment.shmid, nullptr, 0));
-        XShmAttach(m_display, &m_segment);
-        XSync(m_display, False);
-        ::shmctl(m_segment.shmid, IPC_RMID, nullptr);
-    }
-
-    size_t imageBytes() const {
-        return static_cast<size_t>(m_image->bytes_per_line) * static_cast<size_t>(m_image->height);
-    }
-
-    void takePicture(std::vector<char>& picture) {
-        XShmGetImage(m_display, DefaultRootWindow(m_display), m_image, m_watched.x, m_watched.y, AllPlanes);
-        picture.assign(m_image->data, m_image->data + imageBytes());
-    }
-
     Rectangle m_watched;
     Display* m_display = XOpenDisplay(nullptr);
     int m_damageEvent = 0;
-    XShmSegmentInfo m_segment{};
-    XImage* m_image = nullptr;
-    std::vector<char> m_before;
-    std::vector<char> m_after;
+    Framebuffer m_screen;
+    std::vector<char> m_seen;  ///< its rows, one after the other
 };
 
 void moveMouse(const Watcher& watcher, int x, int y) {

@@ -1,6 +1,9 @@
 """The program on a virtual display, used with real events and watched from outside."""
 import json
+import os
+import shutil
 import subprocess
+import tempfile
 import time
 from contextlib import contextmanager
 from pathlib import Path
@@ -19,7 +22,10 @@ class Screen:
     """Starts programs and tells, in milliseconds, when the screen shows what is to be seen."""
 
     def __init__(self, folder, programs):
-        self.desktop = VirtualDesktop(folder)
+        # In memory, so that nothing is written to the disk for it.
+        self.framebuffer = Path(tempfile.mkdtemp(prefix="vellmora-screen-",
+                                                 dir="/dev/shm" if os.access("/dev/shm", os.W_OK) else None))
+        self.desktop = VirtualDesktop(folder, self.framebuffer)
         self.programs = programs
         self.folders = 0
         self.files = {}  # of each program that was started before
@@ -34,6 +40,7 @@ class Screen:
 
     def __exit__(self, *_):
         self.desktop.stop()
+        shutil.rmtree(self.framebuffer, ignore_errors=True)
 
     def new_home(self):
         """A home folder without anything in it: environment variables that lead to it."""
@@ -49,7 +56,8 @@ class Screen:
     def probe(self, command, area, *words, rest=REST):
         process = subprocess.Popen(
             [str(word) for word in (self.programs / "bench/screen_probe", command, *area, rest, *words)],
-            env=self.desktop.env, stdout=subprocess.PIPE, text=True)
+            env={**self.desktop.env, "VELLMORA_FRAMEBUFFER": str(self.framebuffer / "Xvfb_screen0")},
+            stdout=subprocess.PIPE, text=True)
         assert process.stdout.readline() == "ready\n", "the screen cannot be watched"
         return process
 

@@ -33,8 +33,10 @@ def wait_for(check, what):
 class VirtualDesktop:
     """A display, a window manager, a message bus and a home folder that nothing else uses."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, framebuffer_folder=None):
+        """framebuffer_folder is where the display keeps what is on its screen, for those that watch it."""
         self.folder = folder
+        self.framebuffer_folder = framebuffer_folder
         self.processes = []
         self.env = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "QT_QPA_PLATFORM": "xcb",
                     "QT_ACCESSIBILITY": "1", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "GSETTINGS_BACKEND": "memory"}
@@ -43,8 +45,9 @@ class VirtualDesktop:
             self.env[name] = str(folder / name)
 
     def start(self):
+        framebuffer = ["-fbdir", str(self.framebuffer_folder)] if self.framebuffer_folder else []
         self.env["DISPLAY"] = ":" + self.spawn_telling(
-            lambda fd: ["Xvfb", "-displayfd", fd, "-screen", "0", SCREEN, "-nolisten", "tcp"])
+            lambda fd: ["Xvfb", "-displayfd", fd, "-screen", "0", SCREEN, "-nolisten", "tcp", *framebuffer])
         self.env["DBUS_SESSION_BUS_ADDRESS"] = self.spawn_telling(
             lambda fd: ["dbus-daemon", "--session", "--nofork", "--print-address=" + fd])
         self.spawn(["openbox", "--sm-disable"])
