@@ -19,7 +19,7 @@ package_packages=(dpkg-dev file)
 fuzz_packages=(clang libclang-rt-dev)
 lint_packages=(clang-tidy)
 # For the program that ./benchmark watches the screen with.
-probe_packages=(libx11-dev libxext-dev libxtst-dev libxdamage-dev)
+probe_packages=(libx11-dev libxtst-dev libxdamage-dev)
 
 say() {
     printf '== %s\n' "$*"
