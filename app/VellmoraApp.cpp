@@ -12,7 +12,6 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QLocale>
-#include <QThreadPool>
 
 namespace vellmora {
 
@@ -55,9 +54,6 @@ static int& prepared(int& argc) {
     return argc;
 }
 
-/// A thread keeps all fonts that it has drawn with, for as long as it waits for more work. Milliseconds.
-constexpr int longestWaitForWork = 200;
-
 VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc), argv) {
     // Qt has set it from the environment. Libraries read and write the numbers in files with it.
     std::setlocale(LC_NUMERIC, "C");
@@ -69,7 +65,6 @@ VellmoraApp::VellmoraApp(int& argc, char** argv) : m_application(prepared(argc),
     installAccessibility();
     installStampViewAccessibility();
     installPageViewAccessibility();
-    QThreadPool::globalInstance()->setExpiryTimeout(longestWaitForWork);
     QGuiApplication::setWindowIcon(programIcon());
     if (m_qtTexts.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&m_qtTexts);

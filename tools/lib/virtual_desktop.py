@@ -34,7 +34,8 @@ class VirtualDesktop:
     """A display, a window manager, a message bus and a home folder that nothing else uses."""
 
     def __init__(self, folder, framebuffer_folder=None):
-        """framebuffer_folder is where the display keeps what is on its screen, for those that watch it."""
+        """framebuffer_folder is where the display keeps what is on its screen, for those that watch it; it has no
+        mouse pointer then, which would be a part of that."""
         self.folder = folder
         self.framebuffer_folder = framebuffer_folder
         self.processes = []
@@ -45,7 +46,7 @@ class VirtualDesktop:
             self.env[name] = str(folder / name)
 
     def start(self):
-        framebuffer = ["-fbdir", str(self.framebuffer_folder)] if self.framebuffer_folder else []
+        framebuffer = ["-fbdir", str(self.framebuffer_folder), "-nocursor"] if self.framebuffer_folder else []
         self.env["DISPLAY"] = ":" + self.spawn_telling(
             lambda fd: ["Xvfb", "-displayfd", fd, "-screen", "0", SCREEN, "-nolisten", "tcp", *framebuffer])
         self.env["DBUS_SESSION_BUS_ADDRESS"] = self.spawn_telling(
