@@ -5,6 +5,7 @@
 #include "pdf/DocumentProcesses.h"
 #include "preview/ProcessRenderer.h"
 #include "ui/FirstPaint.h"
+#include "ui/KeptThumbnails.h"
 
 #include <cstdio>
 
@@ -30,11 +31,12 @@ int main(int argc, char** argv) {
     if (document)
         processes.prepare();
     const SystemFonts fonts = SystemFonts::load();
+    const Folders folders = Folders::ofUser();
     DialogFilePanels panels;
     ProcessRenderer renderer(ProcessRenderer::installedProgram());
 
-    auto library = std::make_unique<StampLibrary>(
-        StampLibrary::Environment{Folders::ofUser(), systemClock(), panels, fonts});
+    auto library =
+        std::make_unique<StampLibrary>(StampLibrary::Environment{folders, systemClock(), panels, fonts});
     auto content = std::make_unique<ContentView>(std::move(library), panels, processes);
     const QScreen& screen = *QGuiApplication::primaryScreen();
     const Theme theme(fonts, Theme::textScaleFor(QGuiApplication::font(), screen.logicalDotsPerInchY(),
@@ -42,7 +44,11 @@ int main(int argc, char** argv) {
     ContentWindow window(std::move(content), renderer, theme);
     handbook::showOnHelpKey(window, handbook::installedFile());
     window.window().fitInto(window.window().screen()->availableSize());
+    KeptThumbnails thumbnails(window.window().sidebar().thumbnails(), folders.thumbnailsFile);
+    QObject::connect(&window.content().stampLibrary(), &StampLibrary::presetRemoved, &window,
+                     [&] { thumbnails.forget(); });
     const FirstPaint firstPaint(window.window());
+    QObject::connect(&firstPaint, &FirstPaint::completed, &window, [&] { thumbnails.keep(); });
     const auto prepareForDocument = [&] {
         renderer.prepare();
         processes.prepare();

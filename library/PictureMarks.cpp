@@ -73,12 +73,14 @@ QString PictureMarks::version(const QString& path) {
     const std::optional<FileState> state = path.isEmpty() ? std::nullopt : FileState::of(path);
     if (!state)
         return {};
-    return QStringLiteral("%1 %2 %3 %4 %5")
+    return QStringLiteral("%1 %2 %3 %4 %5 %6 %7")
         .arg(path)
         .arg(state->number)
         .arg(state->size)
         .arg(state->modified.tv_sec)
-        .arg(state->modified.tv_nsec);
+        .arg(state->modified.tv_nsec)
+        .arg(state->changed.tv_sec)
+        .arg(state->changed.tv_nsec);
 }
 
 std::optional<Image> PictureMarks::decode(const QString& path, Caution caution) const {

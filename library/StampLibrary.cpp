@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <utility>
 
+#include <QCryptographicHash>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 
 namespace vellmora {
 
@@ -70,12 +72,23 @@ void StampLibrary::showOthersChanges(const QString& folder) {
         adopt(*news);
 }
 
+static QSet<QUuid> idsOf(const QList<StampPreset>& presets) {
+    QSet<QUuid> ids;
+    for (const StampPreset& preset : presets)
+        ids.insert(preset.id);
+    return ids;
+}
+
 /// A selection that another window has removed is handed on here, but not in the settings: they name what
 /// somebody has chosen.
 void StampLibrary::adopt(const QList<StampPreset>& presets) {
+    QSet<QUuid> gone = idsOf(this->presets());
+    gone.subtract(idsOf(presets));
     m_store.adopt(presets);
     if (!preset(m_selectedPresetID))
         m_selectedPresetID = firstPresetID();
+    if (!gone.isEmpty())
+        Q_EMIT presetRemoved();
 }
 
 void StampLibrary::add(const LibraryStore::Change& change) {
@@ -155,6 +168,7 @@ void StampLibrary::removePreset(const QUuid& id) {
     m_recents.remove(id);
     if (m_selectedPresetID == id)
         setSelectedPresetID(firstPresetID());
+    Q_EMIT presetRemoved();
     save();
 }
 
@@ -245,9 +259,14 @@ std::optional<Image> StampLibrary::image(const StampPreset& preset) {
     return m_marks.decode(m_folder.filePath(preset), PictureMarks::Caution::dare);
 }
 
+/// Of a picture that is in no file.
+static QString versionOf(const QByteArray& png) {
+    return QString::fromLatin1(QCryptographicHash::hash(png, QCryptographicHash::Sha256).toHex());
+}
+
 DeferredPicture StampLibrary::deferredPicture(const StampPreset& preset) const {
     if (const auto png = m_builtins.unplaced(preset))
-        return {preset.fileName + preset.displayName, [png] { return Image::fromData(*png); }};
+        return {versionOf(*png), [png] { return Image::fromData(*png); }};
     const QString path = m_folder.filePath(preset);
     const auto load = [path, marks = m_marks] { return marks.decode(path, PictureMarks::Caution::passOver); };
     return {PictureMarks::version(path), load};

@@ -94,6 +94,8 @@ Q_SIGNALS:
     /// Emitted with each change of `presets`, `selectedPresetID`, `recentPresets` or a picture. All of it is
     /// as it will be on the next turn of the event loop.
     void objectWillChange();
+    /// An entry is gone, and its picture with it, here or in another window.
+    void presetRemoved();
 
 private:
     void loadLibrary();

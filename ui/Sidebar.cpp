@@ -123,6 +123,9 @@ bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
 /// Scrolls by as much as the box moved. A click may make a box above grow, and the second click of a double
 /// click must meet the same tile as the first.
 void Sidebar::keepUnderMouse(const QWidget& box, const QMoveEvent& move) {
+    // Where the mouse is the display is asked for, which has much else to do while the window comes.
+    if (!window()->underMouse())
+        return;
     const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
     const QRect before(m_column->mapTo(viewport(), move.oldPos()), box.size());
     if (viewport()->rect().contains(mouse) && before.contains(mouse))

@@ -107,13 +107,28 @@ void Thumbnails::prepare(const DeferredPicture& source, QSize pixels) {
         m_loader.prepare({key, source, pixels});
 }
 
+QHash<QString, QImage> Thumbnails::pictures() const {
+    QHash<QString, QImage> pictures;
+    for (const QString& key : m_thumbnails.keys())
+        pictures.insert(key, m_thumbnails.object(key)->picture.toImage());
+    return pictures;
+}
+
+void Thumbnails::add(const QHash<QString, QImage>& pictures) {
+    for (auto entry = pictures.cbegin(); entry != pictures.cend(); ++entry)
+        insert(entry.key(), entry.value());
+}
+
+void Thumbnails::insert(const QString& key, const QImage& picture) {
+    const auto kilobytes = static_cast<int>(picture.sizeInBytes() / 1024 + 1);
+    m_thumbnails.insert(key, new Thumbnail{State::ready, QPixmap::fromImage(picture)}, kilobytes);
+}
+
 void Thumbnails::take(const ThumbnailLoader::Request& request, const QImage& picture) {
-    if (picture.isNull()) {
+    if (picture.isNull())
         m_missing.insert(request.source.version);
-    } else {
-        const auto kilobytes = static_cast<int>(picture.sizeInBytes() / 1024 + 1);
-        m_thumbnails.insert(request.key, new Thumbnail{State::ready, QPixmap::fromImage(picture)}, kilobytes);
-    }
+    else
+        insert(request.key, picture);
     Q_EMIT changed(request.source.version);
     if (!isLoading())
         Q_EMIT settled();

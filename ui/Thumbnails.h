@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <QCache>
+#include <QHash>
 #include <QImage>
 #include <QObject>
 #include <QPixmap>
@@ -85,6 +86,12 @@ public:
         return m_missing.contains(source.version);
     }
 
+    /// All that are there, by what tells pictures and sizes apart, also from one start of the program to the
+    /// next.
+    QHash<QString, QImage> pictures() const;
+    /// Such pictures need not be loaded any more.
+    void add(const QHash<QString, QImage>& pictures);
+
     bool isLoading() { return m_loader.isAtWork(); }
 
 Q_SIGNALS:
@@ -94,6 +101,7 @@ Q_SIGNALS:
 
 private:
     void take(const ThumbnailLoader::Request& request, const QImage& picture);
+    void insert(const QString& key, const QImage& picture);
 
     static constexpr int budgetKilobytes = 64 * 1024;
 

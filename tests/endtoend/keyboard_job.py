@@ -6,6 +6,7 @@
 Nothing is clicked, and the mouse lies where no part of the window is. Ends with 77 where there is no virtual display.
 """
 import re
+from pathlib import Path
 
 from gi.repository import GLib
 
@@ -35,7 +36,7 @@ class KeyboardJob:
         self.window.wait_for_keyboard()
         self.frame = self.screen.find("frame", "")
         for step in self.open, self.import_stamp, self.insert, self.move, self.resize, self.save, self.turn_pages, \
-                self.delete, self.deselect, self.save_as:
+                self.delete, self.deselect, self.save_as, self.remove_from_library:
             print(f"{step.__name__} …", flush=True)
             step()
 
@@ -112,6 +113,19 @@ class KeyboardJob:
         self.window.expect("PDF gespeichert: Kopie.pdf")
         assert self.copy.read_bytes().startswith(b"%PDF")
         self.expect_focus(PAGE)
+
+    def remove_from_library(self):
+        """Nothing of the picture stays, neither its file nor what is kept of it for the next start."""
+        home = self.window.desktop.env
+        kept = Path(home["XDG_CACHE_HOME"]) / "Vellmora/thumbnails"
+        wait_for(kept.exists, "the pictures that are kept for the next start")
+        pictures = Path(home["XDG_DATA_HOME"]) / "Vellmora/Stamps"
+        count = len(list(pictures.iterdir()))
+        for _ in "the recent one", "its button", "that of the library":
+            self.tab_to("Siegel")
+        self.window.keys("Delete")
+        wait_for(lambda: len(list(pictures.iterdir())) == count - 1, "the picture to be gone")
+        wait_for(lambda: not kept.exists(), "the kept pictures to be gone")
 
     def answer_dialog(self, keys, title, path):
         self.window.keys(keys)

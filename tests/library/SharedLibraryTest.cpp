@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include <QDir>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace vellmora;
@@ -83,11 +84,15 @@ TEST_F(SharedLibraryTest, ASelectionThatAnotherWindowRemovesIsHandedOnButNotStor
     await([&] { return has(*two, mine.id); });
     two->selectPreset(mine.id);
     const QUuid chosen = one->presets().at(3).id;
+    QSignalSpy removedHere(one.get(), &StampLibrary::presetRemoved);
+    QSignalSpy removedThere(two.get(), &StampLibrary::presetRemoved);
     one->removePreset(mine.id);
     one->selectPreset(chosen);
     await([&] { return !has(*two, mine.id); });
     EXPECT_EQ(two->selectedPresetID(), two->presets().first().id);
     EXPECT_EQ(workspace.makeLibrary()->selectedPresetID(), chosen) << "the last one that was chosen";
+    EXPECT_EQ(removedHere.size(), 1);
+    EXPECT_EQ(removedThere.size(), 1);
 }
 
 TEST_F(SharedLibraryTest, RecentsOfBothWindowsAreKept) {
