@@ -118,7 +118,9 @@ QList<StampPreset> LibraryStore::listed() const {
     QList<StampPreset> presets = m_folder.withPictures(m_stored);
     for (const Change& change : m_unsaved)
         change(presets);
-    std::stable_sort(presets.begin(), presets.end(), comesBefore);
+    // Mostly the file has them in this order.
+    if (!std::is_sorted(presets.cbegin(), presets.cend(), comesBefore))
+        std::stable_sort(presets.begin(), presets.end(), comesBefore);
     return presets;
 }
 

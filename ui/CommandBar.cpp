@@ -25,6 +25,7 @@ CommandBar::CommandBar(const QList<QAction*>& commands, const Theme& theme, QWid
     m_lines->setContentsMargins(padding, padding, padding, padding);
     m_lines->setSpacing(buttonSpacing);
     QHBoxLayout* buttons = makeButtons(commands, theme);
+    setAttribute(Qt::WA_OpaquePaintEvent);
     m_status->raise();  // last for screen readers, too
     m_oneLineWidth = buttons->sizeHint().width() + theme.scaled(leastStatusWidth) + 2 * padding;
     m_lines->addLayout(buttons);

@@ -38,6 +38,8 @@ void EmptyState::resizeEvent(QResizeEvent*) {
 
 EditorArea::EditorArea(const Theme& theme, QWidget* parent)
     : QWidget(parent), m_emptyState(new EmptyState(theme, this)), m_overlay(new DropZone(theme, this)) {
+    // What lies under it need not be painted.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     m_overlay->hide();
 }
 
@@ -75,7 +77,7 @@ void EditorArea::resizeEvent(QResizeEvent*) {
 }
 
 void EditorArea::paintEvent(QPaintEvent*) {
-    QPainter(this).fillRect(rect(), Theme::editorBackground());
+    QPainter(this).fillRect(rect(), Theme::editorBackground(palette()));
 }
 
 }  // namespace vellmora

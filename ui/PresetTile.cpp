@@ -1,6 +1,7 @@
 #include "ui/PresetTile.h"
 
 #include <cmath>
+#include <optional>
 
 #include <QHBoxLayout>
 #include <QMouseEvent>
@@ -84,16 +85,30 @@ PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
       m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()),
       m_buttons(Button::heightOf(Button::Size::small, theme)) {}
 
-/// Qt takes longer to measure a text than to look up the widths of its glyphs. These are enough for most
-/// names, but for characters that the font does not have.
+/// Without a width where the font does not have the character, or it is half of one.
+std::optional<double> PresetTile::Heights::widthOf(QChar character) const {
+    const auto known = m_widths.constFind(character);
+    if (known != m_widths.constEnd())
+        return *known;
+    const QList<quint32> glyphs = m_nameGlyphs.glyphIndexesForString(QString(character));
+    const bool isThere = !character.isSurrogate() && glyphs.size() == 1 && glyphs.first() != 0;
+    return *m_widths.insert(
+        character,
+        isThere ? std::optional(m_nameGlyphs.advancesForGlyphIndexes(glyphs).first().x()) : std::nullopt);
+}
+
+/// Qt takes much longer to measure a text than to add up the widths of its characters. These are enough for
+/// most names.
 bool PresetTile::Heights::fitsOneLine(const QString& name) const {
-    const QList<quint32> glyphs = m_nameGlyphs.glyphIndexesForString(name);
-    double width = 0;
-    for (const QPointF& advance : m_nameGlyphs.advancesForGlyphIndexes(glyphs))
-        width += advance.x();
-    if (glyphs.contains(0U) || std::abs(width - m_nameWidth) < 1)
-        width = m_nameMetrics.horizontalAdvance(name);
-    return width <= m_nameWidth;
+    double sum = 0;
+    for (const QChar character : name) {
+        const std::optional<double> width = widthOf(character);
+        if (!width)
+            return m_nameMetrics.horizontalAdvance(name) <= m_nameWidth;
+        sum += *width;
+    }
+    const bool isClose = std::abs(sum - m_nameWidth) < 1;
+    return (isClose ? m_nameMetrics.horizontalAdvance(name) : sum) <= m_nameWidth;
 }
 
 int PresetTile::Heights::of(const StampPreset& preset) const {

@@ -5,7 +5,10 @@
 #include "ui/PresetItem.h"
 #include "ui/TextLabel.h"
 
+#include <optional>
+
 #include <QFontMetricsF>
+#include <QHash>
 #include <QRawFont>
 
 namespace vellmora {
@@ -27,8 +30,10 @@ public:
 
     private:
         bool fitsOneLine(const QString& name) const;
+        std::optional<double> widthOf(QChar character) const;
 
         QRawFont m_nameGlyphs;
+        mutable QHash<QChar, std::optional<double>> m_widths;
         QFontMetricsF m_nameMetrics;
         double m_nameWidth;
         int m_nameLine;

@@ -95,8 +95,8 @@ QColor Theme::buttonBackground(const QPalette& palette) {
     return textOver(palette, QPalette::Base, 0.11);
 }
 
-QColor Theme::editorBackground() {
-    return black(0.92);
+QColor Theme::editorBackground(const QPalette& palette) {
+    return mixed(Qt::black, palette.color(QPalette::Active, QPalette::Window), 0.92);
 }
 
 QColor Theme::dropZoneMaterial() {

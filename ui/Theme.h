@@ -72,7 +72,7 @@ public:
     static std::optional<QColor> paperUnderPictures(const QPalette& palette);
 
     /// The editor area is black and drop zones are dark, on light and dark desktops alike.
-    static QColor editorBackground();
+    static QColor editorBackground(const QPalette& palette);
     static QColor dropZoneMaterial();
     static QColor onDark(double opacity);
 

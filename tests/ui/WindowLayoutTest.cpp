@@ -166,6 +166,7 @@ TEST_F(WindowLayoutTest, ATileIsAsHighAsItsNameAndBadgeNeed) {
     for (int length = 8; length < 24; ++length) {
         names.append(QStringLiteral("AVAVAVAVAVAVAVAVAVAVAVAVAVAV").left(length));
         names.append(QStringLiteral("Unterschrift Müller-Lüdens").left(length));
+        names.append(QStringLiteral("Genehmigt \U0001F44D\U0001F44D e\u0301e\u0301 ja").left(length));
     }
     std::array<QSet<int>, 2> seen;  // without the badge, with it
     for (const QString& name : names) {
