@@ -48,6 +48,7 @@ QList<PresetGrid::Row> PresetGrid::layOutRows() const {
 
 void PresetGrid::updateRows() {
     m_rows = layOutRows();
+    m_widthOfRows = width();
     setFixedHeight(m_rows.isEmpty() ? 0 : m_rows.last().top + m_rows.last().height);
     showTiles(Refresh::allTiles);
     if (!QAccessible::isActive())
@@ -56,8 +57,9 @@ void PresetGrid::updateRows() {
     QAccessible::updateAccessibility(&event);
 }
 
-void PresetGrid::resizeEvent(QResizeEvent* event) {
-    if (event->oldSize().width() != event->size().width())
+/// Qt tells of the first size, too, for which the rows may be there.
+void PresetGrid::resizeEvent(QResizeEvent*) {
+    if (width() != m_widthOfRows)
         updateRows();
 }
 

@@ -91,6 +91,7 @@ private:
     Data m_data;
     std::optional<Data> m_awaited;  ///< shown when the pointer has left the grid
     QList<Row> m_rows;
+    int m_widthOfRows = -1;
     int m_visibleTop = 0;
     int m_visibleBottom = 0;
     QHash<QUuid, PresetTile*> m_tiles;
