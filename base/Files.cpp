@@ -102,15 +102,15 @@ bool exists(const QString& path) {
 }
 
 QSet<QString> regularFileNames(const QString& folder) {
-    QSet<QString> names;
+    QStringList names;
     if (DIR* entries = ::opendir(QFile::encodeName(folder).constData())) {
         while (const dirent* entry = ::readdir(entries)) {
             if (entry->d_type == DT_REG)
-                names.insert(QFile::decodeName(entry->d_name));
+                names.append(QFile::decodeName(entry->d_name));
         }
         ::closedir(entries);
     }
-    return names;
+    return {names.cbegin(), names.cend()};
 }
 
 bool isGone(const QString& path) {

@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QSet>
@@ -69,8 +70,12 @@ void LibraryFolder::ensureDirectories() const {
 
 QList<StampPreset> LibraryFolder::withPictures(QList<StampPreset> presets) const {
     const QSet<QString> names = files::regularFileNames(stampsDirectory());
-    presets.removeIf(
-        [&](const StampPreset& p) { return !names.contains(p.fileName) && files::isGone(filePath(p)); });
+    const auto isGone = [&](const StampPreset& p) {
+        return !names.contains(p.fileName) && files::isGone(filePath(p));
+    };
+    // The list is not copied where it stays as it is.
+    if (std::any_of(presets.cbegin(), presets.cend(), isGone))
+        presets.removeIf(isGone);
     return presets;
 }
 

@@ -34,6 +34,7 @@ bool comesBefore(const StampPreset& a, const StampPreset& b) {
 /// is the same one at each reading.
 void makeIDsUnique(QList<StampPreset>& presets) {
     QSet<QUuid> seen;
+    seen.reserve(presets.size());
     for (StampPreset& preset : presets) {
         while (seen.contains(preset.id))
             preset.id = QUuid::createUuidV5(preset.id, preset.fileName);
@@ -44,14 +45,18 @@ void makeIDsUnique(QList<StampPreset>& presets) {
 /// A picture that the user has imported, or that an entry of the user's shows, is never drawn over: an entry
 /// that calls it built-in is the user's, too. The names of the built-in pictures are the program's own.
 void returnPicturesOfUsers(QList<StampPreset>& presets) {
+    const auto mayBeOfUser = [](const StampPreset& preset) {
+        return preset.isBuiltin() && preset.fileName != builtinFileName(*preset.builtinKey);
+    };
+    if (std::none_of(presets.cbegin(), presets.cend(), mayBeOfUser))
+        return;
     QSet<QString> pictures;
     for (const StampPreset& preset : presets) {
         if (!preset.isBuiltin() || isImportedFileName(preset.fileName))
             pictures.insert(preset.fileName);
     }
     for (StampPreset& preset : presets) {
-        if (preset.isBuiltin() && pictures.contains(preset.fileName) &&
-            preset.fileName != builtinFileName(*preset.builtinKey))
+        if (mayBeOfUser(preset) && pictures.contains(preset.fileName))
             preset.builtinKey.reset();
     }
 }
