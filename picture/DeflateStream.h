@@ -41,7 +41,7 @@ private:
 /// The zlib stream (RFC 1950) of consecutive parts.
 std::string zlibStream(const std::vector<DeflatedPart>& parts);
 
-/// The bytes as a zlib stream, compressed at zlib's usual level.
+/// Text, as of objects and page contents, as a zlib stream.
 std::string deflated(std::string_view bytes);
 
 /// Whether the bytes are one whole zlib stream that unpacks to `length` bytes.
