@@ -95,10 +95,11 @@ KeptThumbnails::KeptThumbnails(Thumbnails& thumbnails, QString path)
     } catch (const Error&) {
         return;
     }
-    m_thumbnails.add(m_kept);
+    m_thumbnails.offer(m_kept);
 }
 
 void KeptThumbnails::keep() {
+    m_thumbnails.offer({});
     QHash<QString, QImage> pictures = m_thumbnails.pictures();
     if (m_path.isEmpty() || pictures == m_kept)
         return;

@@ -17,7 +17,8 @@ public:
     /// Hands `thumbnails`, which must outlive this, what `path` holds. Without a path nothing is kept.
     KeptThumbnails(Thumbnails& thumbnails, QString path);
 
-    /// Writes the pictures that there are now, where they are others than those of the file. Does not wait.
+    /// Writes the pictures that were asked for so far, where they are others than those of the file: what is
+    /// not shown any more goes. Does not wait.
     void keep();
     /// Takes the file away, since a picture in it is not to be seen any more. Does not wait.
     void forget();

@@ -93,7 +93,7 @@ Thumbnails::Thumbnail Thumbnails::thumbnail(const DeferredPicture& source, QSize
     if (source.version.isEmpty() || isKnownToBeMissing(source))
         return {State::missing, {}};
     const QString key = keyOf(source, pixels);
-    if (const Thumbnail* known = m_thumbnails.object(key))
+    if (const Thumbnail* known = find(key))
         return *known;
     m_loader.load({key, source, pixels});
     return {};
@@ -103,7 +103,7 @@ void Thumbnails::prepare(const DeferredPicture& source, QSize pixels) {
     if (source.version.isEmpty() || isKnownToBeMissing(source))
         return;
     const QString key = keyOf(source, pixels);
-    if (!m_thumbnails.contains(key))
+    if (!find(key))
         m_loader.prepare({key, source, pixels});
 }
 
@@ -114,9 +114,10 @@ QHash<QString, QImage> Thumbnails::pictures() const {
     return pictures;
 }
 
-void Thumbnails::add(const QHash<QString, QImage>& pictures) {
-    for (auto entry = pictures.cbegin(); entry != pictures.cend(); ++entry)
-        insert(entry.key(), entry.value());
+const Thumbnails::Thumbnail* Thumbnails::find(const QString& key) {
+    if (m_offered.contains(key))
+        insert(key, m_offered.take(key));
+    return m_thumbnails.object(key);
 }
 
 void Thumbnails::insert(const QString& key, const QImage& picture) {

@@ -86,11 +86,12 @@ public:
         return m_missing.contains(source.version);
     }
 
-    /// All that are there, by what tells pictures and sizes apart, also from one start of the program to the
-    /// next.
+    /// All that were asked for and are there, by what tells pictures and sizes apart, also from one start of
+    /// the program to the next.
     QHash<QString, QImage> pictures() const;
-    /// Such pictures need not be loaded any more.
-    void add(const QHash<QString, QImage>& pictures);
+    /// Such pictures, which need not be loaded where they are asked for. They take the place of those that
+    /// were offered before.
+    void offer(const QHash<QString, QImage>& pictures) { m_offered = pictures; }
 
     bool isLoading() { return m_loader.isAtWork(); }
 
@@ -102,10 +103,13 @@ Q_SIGNALS:
 private:
     void take(const ThumbnailLoader::Request& request, const QImage& picture);
     void insert(const QString& key, const QImage& picture);
+    /// The picture; null where it is neither there nor offered.
+    const Thumbnail* find(const QString& key);
 
     static constexpr int budgetKilobytes = 64 * 1024;
 
     QCache<QString, Thumbnail> m_thumbnails{budgetKilobytes};
+    QHash<QString, QImage> m_offered;
     QSet<QString> m_missing;  ///< versions
     ThumbnailLoader m_loader;
 };

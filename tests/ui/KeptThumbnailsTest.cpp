@@ -67,17 +67,30 @@ TEST_F(KeptThumbnailsTest, ThePicturesOfTheLastStartAreThereAtOnceAndTheSame) {
     EXPECT_EQ(next.thumbnails.thumbnail(opaque, {30, 30}).state, Thumbnails::State::loading);
 }
 
-TEST_F(KeptThumbnailsTest, NothingIsWrittenWhereNothingIsNew) {
+TEST_F(KeptThumbnailsTest, TheFileIsWrittenAnewWhereOtherPicturesAreShownAndHoldsNoOthers) {
     keepBoth();
     ASSERT_TRUE(QFile::setPermissions(file, QFile::ReadOwner));
-    { Start(file).kept.keep(); }
-    EXPECT_EQ(QFile::permissions(file) & QFile::WriteOwner, QFile::Permissions()) << "the same file";
+    const auto isSameFile = [this] { return !(QFile::permissions(file) & QFile::WriteOwner); };
+    {
+        Start same(file);
+        same.picture(opaque);
+        same.thumbnails.prepare(clear, shownSize);
+        same.kept.keep();
+    }
+    EXPECT_TRUE(isSameFile());
+    const DeferredPicture another = source(QStringLiteral("another"), Qt::green);
     {
         Start next(file);
-        next.picture(source(QStringLiteral("another"), Qt::green));
+        next.picture(opaque);
+        next.picture(another);
         next.kept.keep();
+        EXPECT_EQ(next.state(clear), Thumbnails::State::loading) << "it was not asked for in time";
     }
-    EXPECT_EQ(Start(file).thumbnails.pictures().size(), 3);
+    EXPECT_FALSE(isSameFile());
+    Start last(file);
+    EXPECT_EQ(last.state(opaque), Thumbnails::State::ready);
+    EXPECT_EQ(last.state(another), Thumbnails::State::ready);
+    EXPECT_EQ(last.state(clear), Thumbnails::State::loading);
 }
 
 TEST_F(KeptThumbnailsTest, APictureThatIsNotToBeSeenAnyMoreIsNotKept) {
@@ -99,14 +112,20 @@ TEST_F(KeptThumbnailsTest, WhateverElseTheFileHoldsIsPassedOverAndReplaced) {
         others.append(QByteArray(good).replace(at, 4, "\x7f\xff\xff\xf0"));
     for (const QByteArray& other : others) {
         files::writeAtomically(file, other);
-        const Start start(file);
-        for (const QImage& picture : start.thumbnails.pictures())
-            EXPECT_EQ(picture.size(), QSize(20, 10));
+        Start start(file);
+        for (const DeferredPicture& each : {opaque, clear}) {
+            const Thumbnails::Thumbnail found = start.thumbnails.thumbnail(each, shownSize);
+            if (found.state == Thumbnails::State::ready) {
+                EXPECT_EQ(found.picture.size(), QSize(20, 10));
+            }
+        }
     }
     files::remove(file);
     files::createDirectory(file);
     keepBoth();
-    EXPECT_EQ(Start(file).thumbnails.pictures().size(), 2);
+    Start next(file);
+    for (const DeferredPicture& each : {opaque, clear})
+        EXPECT_EQ(next.state(each), Thumbnails::State::ready);
 }
 
 TEST_F(KeptThumbnailsTest, WithoutAPlaceForTheFileThePicturesAreDecoded) {
