@@ -200,8 +200,8 @@ bool SnapshotReader::agreesWithSnapshot() {
             showSnapshot(content, 0, m_size);
     }
     m_copied = m_size;
-    m_fetched.clear();
-    m_checksums.clear();
+    m_fetched = std::vector<bool>();
+    m_checksums = std::vector<size_t>();
     m_file = FileDescriptor();
     return true;
 }
