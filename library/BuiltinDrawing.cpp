@@ -26,6 +26,14 @@ BuiltinDrawing::~BuiltinDrawing() {
         m_pictures.wait();
 }
 
+/// The thread goes, and with it the fonts that Qt has loaded for it, unless the pool has other work.
+QList<DrawnBuiltin> BuiltinDrawing::finish() {
+    QList<DrawnBuiltin> pictures = m_pictures.get();
+    constexpr int untilItHasEnded = 1;  // milliseconds: it has done its work
+    QThreadPool::globalInstance()->waitForDone(untilItHasEnded);
+    return pictures;
+}
+
 /// On any thread but those of this pool Qt would hand each shape to them in pieces, and wait for each.
 void BuiltinDrawing::begin(const QList<BuiltinStampDefinition>& definitions) {
     auto task = std::make_shared<std::packaged_task<QList<DrawnBuiltin>()>>([this, definitions] {

@@ -29,7 +29,7 @@ public:
     void begin(const QList<BuiltinStampDefinition>& definitions);
     bool isUnderWay() const { return m_pictures.valid(); }
     /// Waits for the pictures and hands them out. Only where it is under way.
-    QList<DrawnBuiltin> finish() { return m_pictures.get(); }
+    QList<DrawnBuiltin> finish();
 
 Q_SIGNALS:
     /// `finish` need not wait now, or was called already.
