@@ -11,6 +11,7 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QIcon>
+#include <QImageReader>
 #include <QLocale>
 
 namespace vellmora {
@@ -27,12 +28,15 @@ static void setGermanFormats() {
         qputenv(category, "de_DE.UTF-8");
 }
 
-/// Small icons, for window managers that do not look into the installed ones. Qt is told their format, since
-/// it would load all of its decoders to find it out.
+/// Small icons, for window managers that do not look into the installed ones. Qt takes their format as it is
+/// told, since it would load all of its decoders to look for another that knows them.
 static QIcon programIcon() {
     QIcon icon;
-    for (const int size : {16, 48})
-        icon.addPixmap(QPixmap(QStringLiteral(":/icons/vellmora-%1.png").arg(size), "PNG"));
+    for (const int size : {16, 48}) {
+        QImageReader reader(QStringLiteral(":/icons/vellmora-%1.png").arg(size), "png");
+        reader.setAutoDetectImageFormat(false);
+        icon.addPixmap(QPixmap::fromImageReader(&reader));
+    }
     return icon;
 }
 
