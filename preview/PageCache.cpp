@@ -48,8 +48,12 @@ void PageCache::takePdf(qsizetype pageIndex, const QByteArray& pagePdf) {
     const auto page = m_pages.find(pageIndex);
     if (page == m_pages.end())
         return;
+    const bool isRendered = hasPicture(*page);
+    // What has a picture can be drawn, and is asked for again.
+    if (isRendered && pagePdf.isEmpty())
+        return;
     page->pagePdf = pagePdf;
-    if (page->wanted != Wish())
+    if (!isRendered && page->wanted != Wish())
         render(pageIndex, *page);
 }
 
@@ -68,6 +72,7 @@ void PageCache::take(qsizetype pageIndex, const Wish& wish, const QImage& image)
         return;
     page->picture = {QPixmap::fromImage(image), wish, image.isNull(),
                      image.isNull() && m_renderer.isBroken()};
+    keepPdfOfCentre();
     keepWithinBudget();
     Q_EMIT changed(pageIndex);
 }
@@ -82,7 +87,21 @@ void PageCache::setCentre(qsizetype pageIndex) {
         if (page->pagePdf && page->pagePdf->isEmpty())
             page->pagePdf.reset();
     }
+    keepPdfOfCentre();
     keepWithinBudget();
+}
+
+/// Only the page on screen is scaled by its user, and its PDF is at hand for that. A scan's is half as large
+/// as its picture.
+void PageCache::keepPdfOfCentre() {
+    for (auto page = m_pages.begin(); page != m_pages.end(); ++page) {
+        if (!hasPicture(*page))
+            continue;
+        if (page.key() != m_centre)
+            page->pagePdf.reset();
+        else if (!page->pagePdf)
+            m_pdfs.request(m_centre);
+    }
 }
 
 qint64 PageCache::bytesOf(const Page& page) {

@@ -52,14 +52,19 @@ Q_SIGNALS:
 
 private:
     struct Page {
-        std::optional<QByteArray> pagePdf;
+        std::optional<QByteArray> pagePdf;  ///< until it is rendered; the centre's stays
         Picture picture;
         Wish wanted;
     };
+    /// Of what is wanted.
+    static bool hasPicture(const Page& page) {
+        return !page.picture.pixmap.isNull() && page.picture.shows == page.wanted;
+    }
     void continueWith(const std::shared_ptr<const PDFDocument>& document);
     void takePdf(qsizetype pageIndex, const QByteArray& pagePdf);
     void render(qsizetype pageIndex, const Page& page);
     void take(qsizetype pageIndex, const Wish& wish, const QImage& image);
+    void keepPdfOfCentre();
     static qint64 bytesOf(const Page& page);
     void keepWithinBudget();
 

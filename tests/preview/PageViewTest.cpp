@@ -86,6 +86,36 @@ TEST(PageCacheTest, KeepsThePageOnScreenAndItsNeighboursHoweverMuchTheyTake) {
     EXPECT_TRUE(pictures.picture(3).pixmap.isNull());
 }
 
+/// Its PDF may have gone meanwhile, and cannot always be had again at once.
+TEST(PageCacheTest, APageThatHasItsPictureIsShownInOtherSizesWheneverItIsAskedFor) {
+    ProcessRenderer renderer{QStringLiteral(VELLMORA_RENDERER)};
+    DocumentLimits limits;
+    limits.view = std::chrono::milliseconds(500);
+    DocumentProcesses processes(QStringLiteral(VELLMORA_DOCUMENT), limits);
+    const auto document = PDFDocument::fromData(pages(3).bytes(), processes);
+    PageCache pictures(renderer);
+    pictures.setDocument(document);
+    QSignalSpy delivered(&pictures, &PageCache::changed);
+    const auto isShown = [&](qsizetype page, int side) {
+        const PageCache::Wish wish{{side, side}, {0, 0, side, side}};
+        pictures.request(page, wish);
+        return QTest::qWaitFor([&] { return pictures.picture(page).shows == wish; }) &&
+               pictures.picture(page).pixmap.size() == wish.fullSize;
+    };
+    for (const qsizetype page : {0, 1, 2})
+        EXPECT_TRUE(isShown(page, 50)) << page;
+    EXPECT_TRUE(isShown(2, 70));
+    for (const qsizetype page : {1, 0, 1}) {
+        pictures.setCentre(page);
+        EXPECT_TRUE(isShown(page, 90 + 10 * int(delivered.size()))) << page;
+    }
+    ::kill(document->processID().value(), SIGSTOP);
+    pictures.setCentre(2);
+    QTest::qWait(1500);  // its PDF is asked for, in vain
+    EXPECT_TRUE(isShown(2, 70));
+    EXPECT_TRUE(isShown(2, 80));
+}
+
 TEST_F(PDFViewTest, ShowsThePageFittedOnBlack) {
     PdfBuilder source;
     source.page("/MediaBox [0 0 300 300] /CropBox [100 100 200 200]", filledRect("1 0 0", "100 100 50 50"));
