@@ -2,12 +2,21 @@
 
 #include "engine/file/FileInput.h"
 
+#include <dlfcn.h>
 #include <memory>
 #include <utility>
 
 #include <qpdf/QPDFLogger.hh>
 
 namespace vellmora {
+
+/// Where libqpdf deciphers with GnuTLS, and that has not made itself ready (gnutls.h, "gnutls_global_init").
+/// It counts its calls, and does nothing with later ones.
+static void prepareDeciphering() {
+    using Initialize = int (*)();
+    if (const auto initialize = reinterpret_cast<Initialize>(::dlsym(RTLD_DEFAULT, "gnutls_global_init")))
+        initialize();
+}
 
 static void openFile(QPDF& file, const std::shared_ptr<FileInput>& input, Damage damage) {
     const auto silent = QPDFLogger::create();
@@ -22,6 +31,7 @@ static void openFile(QPDF& file, const std::shared_ptr<FileInput>& input, Damage
 }
 
 void openFile(QPDF& file, const SnapshotReader& content, Damage damage) {
+    prepareDeciphering();
     openFile(file, std::make_shared<FileInput>(content), damage);
 }
 
