@@ -34,10 +34,16 @@ std::string nameOf(int picture) {
 PageComposer::Writer::Writer(PDFDataConsumer& consumer)
     : m_consumer(consumer),
       m_file(consumer),
-      m_part(std::make_unique<OutputPart>(m_written)),
       m_plainPages(m_file, m_written),
       m_catalogNumber(m_file.numbers().reserve()),
       m_pagesNumber(m_file.numbers().reserve()) {}
+
+/// Where all pages are plain there is none.
+OutputPart& PageComposer::Writer::part() {
+    if (!m_part)
+        m_part = std::make_unique<OutputPart>(m_written);
+    return *m_part;
+}
 
 void PageComposer::Writer::beginPage() {
     m_page = OpenPage();
@@ -53,7 +59,7 @@ bool PageComposer::Writer::drawInWords(const ParsedDocument& document, qsizetype
     if (!page)
         return false;
     usePlainFile(document, index, *page->file);
-    m_page.words = m_plainPages.draw(*page, box, m_part->copier);
+    m_page.words = m_plainPages.draw(*page, box, m_part ? &m_part->copier : nullptr);
     if (!m_page.words)
         return false;
     m_page.fromPageSpace = page->attributes->orientation.fromPageSpace();
@@ -91,12 +97,12 @@ void PageComposer::Writer::drawByLibrary(const std::shared_ptr<const ParsedFile>
 void PageComposer::Writer::drawFrom(const std::shared_ptr<const ParsedFile>& file,
                                     const std::function<void()>& draw) {
     useSource(file);
-    m_part->copier.beginStep();
+    part().copier.beginStep();
     const OpenPage begun = m_page;
     draw();
     if (file->bringBackObjects()) {
-        m_part->copier.forgetStep();
-        m_part->resources.forget();
+        part().copier.forgetStep();
+        part().resources.forget();
         m_page = begun;
         draw();
     }
@@ -105,7 +111,7 @@ void PageComposer::Writer::drawFrom(const std::shared_ptr<const ParsedFile>& fil
 
 /// Before anybody asks for their numbers.
 void PageComposer::Writer::numberStandIns() {
-    for (const auto& [object, number] : m_part->copier.takeStandIns())
+    for (const auto& [object, number] : part().copier.takeStandIns())
         m_file.numbers().set(object, number);
 }
 
@@ -129,8 +135,8 @@ void PageComposer::Writer::attempt(const std::function<void()>& step) {
 }
 
 void PageComposer::Writer::useSource(const std::shared_ptr<const ParsedFile>& file) {
-    if (m_part->sources.insert(file).second)
-        m_part->copier.addFile(*file);
+    if (part().sources.insert(file).second)
+        part().copier.addFile(*file);
 }
 
 void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBox box) {
@@ -141,10 +147,10 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
         carryInnerBoxes(page);
     QPDFObjectHandle userUnit = page.entry("/UserUnit");
     if (userUnit.isNumber())
-        m_page.entries["/UserUnit"] = m_part->copier.copy(userUnit);
+        m_page.entries["/UserUnit"] = part().copier.copy(userUnit);
     QPDFObjectHandle group = page.entry("/Group");
     if (group.isDictionary())
-        m_page.entries["/Group"] = m_part->copier.copy(group);
+        m_page.entries["/Group"] = part().copier.copy(group);
 }
 
 /// What is shown of the page, and what a printer makes of it. Each box is carried over as it is stated, so
@@ -152,10 +158,10 @@ void PageComposer::Writer::carryPageAttributes(const ParsedPage& page, DisplayBo
 /// stated by a node above the page (ISO 32000-2, table 31).
 void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
     if (page.statedCropBox)
-        m_page.entries["/CropBox"] = m_part->boxes.of(*page.statedCropBox);
+        m_page.entries["/CropBox"] = part().boxes.of(*page.statedCropBox);
     for (const char* key : {"/BleedBox", "/TrimBox", "/ArtBox"}) {
         if (const std::optional<Rect> box = boxOf(page.entry(key)))
-            m_page.entries[key] = m_part->boxes.of(*box);
+            m_page.entries[key] = part().boxes.of(*box);
     }
 }
 
@@ -163,18 +169,18 @@ void PageComposer::Writer::carryInnerBoxes(const ParsedPage& page) {
 void PageComposer::Writer::carryDocumentAttributes(const ParsedFile& source) {
     if (m_hasCatalog)
         return;
-    QPDFObjectHandle root = m_part->output.getRoot();
+    QPDFObjectHandle root = part().output.getRoot();
     for (const char* key : {"/OCProperties", "/OutputIntents"}) {
         QPDFObjectHandle value = source.catalog().getKey(key);
         if (!value.isNull() && !root.hasKey(key))
-            root.replaceKey(key, m_part->copier.copy(value));
+            root.replaceKey(key, part().copier.copy(value));
     }
 }
 
 void PageComposer::Writer::drawContent(const ParsedFile& source, const ParsedPage& page) {
     const qsizetype index = m_pageCount;
     paint("/P",
-          makePageForm(m_part->copier, m_part->boxes, m_part->resources, page, source.plainFile(),
+          makePageForm(part().copier, part().boxes, part().resources, page, source.plainFile(),
                        [this, index] { m_incompletePages.insert(index); }),
           {});
 }
@@ -182,7 +188,7 @@ void PageComposer::Writer::drawContent(const ParsedFile& source, const ParsedPag
 void PageComposer::Writer::drawAnnotations(const ParsedFile& source, const ParsedPage& page) {
     for (const Annotation& annotation : visibleAnnotations(page)) {
         attempt([&] {
-            if (const auto appearance = m_part->appearances.make(annotation, source, page))
+            if (const auto appearance = part().appearances.make(annotation, source, page))
                 paintAnnotation(*appearance, annotation.entry("/OC"));
         });
     }
@@ -195,14 +201,14 @@ void PageComposer::Writer::paintAnnotation(const AnnotationAppearance& appearanc
         paint(name, appearance.form, appearance.matrix);
         return;
     }
-    m_page.layers[name] = m_part->copier.copy(layer);
+    m_page.layers[name] = part().copier.copy(layer);
     m_page.content += "/OC " + name + " BDC\n";
     paint(name, appearance.form, appearance.matrix);
     m_page.content += "EMC\n";
 }
 
 int PageComposer::Writer::addPicture(PictureMaker picture) {
-    m_pictures.push_back({std::move(picture), m_part->output.newStream()});
+    m_pictures.push_back({std::move(picture)});
     return static_cast<int>(m_pictures.size()) - 1;
 }
 
@@ -226,11 +232,11 @@ void PageComposer::Writer::endPage() {
         m_incompletePages.insert(m_pageCount);
     ++m_pageCount;
     m_page = {};
+    if (!m_part)
+        return;
     const size_t objectCount = m_part->copier.count() + objectsOfPage * m_part->pageCount;
-    if (objectCount > mostObjectsInPart || m_part->sources.size() == mostSourcesOfPart) {
+    if (objectCount > mostObjectsInPart || m_part->sources.size() == mostSourcesOfPart)
         writePart();
-        beginPart();
-    }
 }
 
 /// Answers the page's number.
@@ -294,29 +300,26 @@ QPDFObjectHandle PageComposer::Writer::pageObject() {
     QPDFObjectHandle objects = QPDFObjectHandle::newDictionary(m_page.objects);
     for (const int index : m_page.pictures) {
         PictureInWork& picture = m_pictures[static_cast<size_t>(index)];
-        picture.isUsed = true;
-        objects.replaceKey(nameOf(index), picture.object);
+        if (!picture.object)
+            picture.object = part().output.newStream();
+        objects.replaceKey(nameOf(index), *picture.object);
     }
     QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
     resources.replaceKey("/XObject", objects);
     if (!m_page.layers.empty())
         resources.replaceKey("/Properties", QPDFObjectHandle::newDictionary(m_page.layers));
     m_page.entries["/Type"] = QPDFObjectHandle::newName("/Page");
-    m_page.entries["/Parent"] = m_part->pages;
-    m_page.entries["/MediaBox"] = m_part->boxes.of(m_page.mediaBox);
+    m_page.entries["/Parent"] = part().pages;
+    m_page.entries["/MediaBox"] = part().boxes.of(m_page.mediaBox);
     m_page.entries["/Resources"] = resources;
-    m_page.entries["/Contents"] = m_part->output.newStream();
+    m_page.entries["/Contents"] = part().output.newStream();
     m_file.numbers().set(m_page.entries["/Contents"], contentStream(m_page.content));
-    ++m_part->pageCount;
+    ++part().pageCount;
     if (m_page.entries.contains("/Group"))
-        return m_part->output.makeIndirectObject(QPDFObjectHandle::newDictionary(m_page.entries));
+        return part().output.makeIndirectObject(QPDFObjectHandle::newDictionary(m_page.entries));
     ObjectText text;
     text.addDictionary(m_page.entries);
-    return m_part->copier.add(text.take());
-}
-
-void PageComposer::Writer::writeObjects() {
-    m_file.writeObjects(m_part->copier.storedStreams(), m_part->copier.copiedTexts());
+    return part().copier.add(text.take());
 }
 
 /// The catalog comes with the first part, the root of the page tree when all pages are known.
@@ -325,19 +328,8 @@ void PageComposer::Writer::writePart() {
     m_file.numbers().set(m_part->pages, m_pagesNumber);
     if (!std::exchange(m_hasCatalog, true))
         m_file.writeReserved(m_catalogNumber, m_part->output.getRoot());
-    writeObjects();
+    m_file.writeObjects(m_part->copier.storedStreams(), m_part->copier.copiedTexts());
     endPart();
-}
-
-void PageComposer::Writer::beginPart() {
-    const std::set<QPDFObjGen>& replaced = m_part->replacedProfiles;
-    m_part->copier.tellWritten(m_file.numbers(), replaced, m_written);
-    m_file.beginPart();
-    m_part = std::make_unique<OutputPart>(m_written);
-    for (PictureInWork& picture : m_pictures) {
-        picture.object = m_part->output.newStream();
-        picture.isUsed = false;
-    }
 }
 
 /// Objects that are known so far get what they hold when all pages of the part are there.
@@ -347,10 +339,12 @@ void PageComposer::Writer::fillPart() {
     ObjectNumbers& numbers = m_file.numbers();
     numberStandIns();
     for (PictureInWork& picture : m_pictures) {
-        if (picture.isUsed && picture.number == 0)
+        if (!picture.object)
+            continue;
+        if (picture.number == 0)
             picture.number = numbers.reserve();
-        if (picture.number > 0)
-            numbers.set(picture.object, picture.number);
+        numbers.set(*picture.object, picture.number);
+        picture.object.reset();
     }
 }
 
@@ -360,21 +354,25 @@ void PageComposer::Writer::endPart() {
         source->content().requireReadable();
         source->bringBackObjects();
     }
+    m_part->copier.tellWritten(m_file.numbers(), m_part->replacedProfiles, m_written);
+    m_file.beginPart();
+    m_part.reset();
 }
 
 /// At last: whoever makes them has until then all the time that the rest takes.
 void PageComposer::Writer::writePictures() {
     for (const PictureInWork& picture : m_pictures) {
-        if (picture.number == 0)
-            continue;
-        fillPictureObject(m_part->output, picture.object, picture.make());
-        m_file.writeReserved(picture.number, picture.object);
+        if (picture.number > 0)
+            writePicture(m_file, picture.number, picture.make());
     }
-    writeObjects();
 }
 
 void PageComposer::Writer::write() {
-    writePart();
+    if (m_part)
+        writePart();
+    if (!std::exchange(m_hasCatalog, true))
+        m_file.writeReserved(m_catalogNumber,
+                             "<</Pages " + std::to_string(m_pagesNumber) + " 0 R/Type/Catalog>>");
     m_file.writeReserved(
         m_pagesNumber, "<</Count " + std::to_string(m_pageCount) + "/Kids[" + m_kidsText + "]/Type/Pages>>");
     writePictures();

@@ -51,9 +51,8 @@ private:
 
     struct PictureInWork {
         PictureMaker make;
-        QPDFObjectHandle object;  ///< of the part
-        bool isUsed = false;      ///< in the part
-        int number = 0;           ///< that it will have; 0 where nothing has used it yet
+        std::optional<QPDFObjectHandle> object{};  ///< that stands for it in the part, which uses it
+        int number = 0;                            ///< that it will have; 0 where nothing has used it yet
     };
 
     bool drawInWords(const ParsedDocument& document, qsizetype index, DisplayBox box);
@@ -74,10 +73,9 @@ private:
     int pageInWords();
     std::string resourcesInWords();
     QPDFObjectHandle pageObject();
-    void beginPart();
+    OutputPart& part();
     void fillPart();
     void writePart();
-    void writeObjects();
     void writePictures();
     void endPart();
     int contentStream(const std::string& content);

@@ -83,11 +83,8 @@ CopiedText formText(const PlainContent& content, const QPDFObjectHandle& box,
 
 const std::string& BoxArrays::textOf(const Rect& box) {
     std::string& text = m_texts[{box.x, box.y, box.width, box.height}];
-    if (text.empty()) {
-        ObjectText array;
-        array.addContent(arrayOf(box));
-        text = array.text();
-    }
+    if (text.empty())
+        text = vellmora::textOf(box);
     return text;
 }
 

@@ -1,6 +1,7 @@
 #include "engine/compose/PlainPages.h"
 
 #include "engine/appearance/Annotations.h"
+#include "engine/file/PageAttributes.h"
 
 #include <string_view>
 #include <utility>
@@ -12,14 +13,6 @@ namespace {
 void require(bool isPlain) {
     if (!isPlain)
         throw NotPlain();
-}
-
-/// A box that stands in the page itself; nothing where it says nothing.
-std::optional<Rect> plainBox(std::string_view text) {
-    if (text.empty())
-        return std::nullopt;
-    require(text.find_first_not_of("[]+-.0123456789 \t\r\n\f") == std::string_view::npos);
-    return boxOf(QPDFObjectHandle::parse(std::string(text)));
 }
 
 /// Reads a value that is a dictionary, or a reference to one, and adds its words. Answers the dictionary.
@@ -40,7 +33,7 @@ void addDictionary(PlainWords& words, std::string_view value, const PlainFile& f
 }  // namespace
 
 std::optional<PageInWords> PlainPages::draw(const OutlinedPage& page, DisplayBox box,
-                                            const ObjectCopier& copies) {
+                                            const ObjectCopier* copies) {
     const PlainFile& file = *page.file;
     m_copier.begin(file, copies);
     try {

@@ -25,8 +25,8 @@ public:
     PlainPages(FileWriter& file, WrittenObjects& written) : m_file(file), m_copier(file, written) {}
 
     /// Nothing where the page is left to the library, since something that it leads to is not plain. Then
-    /// nothing is written of it. `copies` are the library's, of the part.
-    std::optional<PageInWords> draw(const OutlinedPage& page, DisplayBox box, const ObjectCopier& copies);
+    /// nothing is written of it. `copies` are the library's, of the part; null where it has made none.
+    std::optional<PageInWords> draw(const OutlinedPage& page, DisplayBox box, const ObjectCopier* copies);
     /// A box of a page as text.
     const std::string& textOf(const Rect& box) { return m_boxes.textOf(box); }
 

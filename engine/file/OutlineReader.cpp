@@ -20,14 +20,6 @@ void require(bool isPlain) {
         throw NotPlain();
 }
 
-/// References and whatever else is no plain value are left to others.
-QPDFObjectHandle parsed(std::string_view text) {
-    if (text.empty())
-        return QPDFObjectHandle::newNull();
-    require(text.find_first_not_of("[]+-.0123456789 \t\r\n\f") == std::string_view::npos);
-    return QPDFObjectHandle::parse(std::string(text));
-}
-
 }  // namespace
 
 void OutlineReader::AttributeTexts::takeOwn(const PlainObject& node) {
@@ -50,12 +42,8 @@ void OutlineReader::AttributeTexts::takeResources(const PlainObject& node) {
 }
 
 PageOutline::Attributes OutlineReader::AttributeTexts::attributes() const {
-    InheritedAttributes inherited;
-    inherited.mediaBox = parsed(mediaBox);
-    inherited.cropBox = parsed(cropBox);
-    inherited.rotate = parsed(rotate);
-    const ParsedPage page = makePage(QPDFObjectHandle::newNull(), inherited);
-    return {page.orientation, page.cropBox, page.statedCropBox, resources, outerResources};
+    const PageFrame frame(plainBox(mediaBox), plainBox(cropBox), plainRotation(rotate));
+    return {frame.orientation, frame.cropBox, frame.statedCropBox, resources, outerResources};
 }
 
 OutlineReader::OutlineReader(const PlainFile& file, PageOutline& outline)
@@ -74,8 +62,6 @@ bool OutlineReader::readUpTo(qsizetype pageCount) {
         require(!isComplete() || m_statedCount == m_outline.pageCount());
         return true;
     } catch (const NotPlain&) {
-        return false;
-    } catch (const QPDFExc&) {
         return false;
     }
 }

@@ -1,8 +1,10 @@
 #include "engine/file/PageAttributes.h"
 
+#include "engine/objects/ContentText.h"
 #include "engine/objects/PDFValues.h"
 
-#include <optional>
+#include <algorithm>
+#include <array>
 
 namespace vellmora {
 
@@ -29,15 +31,51 @@ void InheritedAttributes::takeResources(const QPDFObjectHandle& own) {
     resources = own;
 }
 
-ParsedPage makePage(const QPDFObjectHandle& dictionary, const InheritedAttributes& attributes) {
-    const Rect mediaBox = boxOf(attributes.mediaBox).value_or(letterSize);
-    const std::optional<Rect> statedCropBox = boxOf(attributes.cropBox);
-    Rect cropBox = intersection(statedCropBox.value_or(mediaBox), mediaBox);
+PageFrame::PageFrame(const std::optional<Rect>& statedMediaBox, const std::optional<Rect>& cropBoxOfFile,
+                     int rotation)
+    : orientation(statedMediaBox.value_or(letterSize), rotation), statedCropBox(cropBoxOfFile) {
+    const Rect mediaBox = orientation.mediaBox();
+    cropBox = intersection(statedCropBox.value_or(mediaBox), mediaBox);
     if (cropBox.isEmpty())
         cropBox = mediaBox;
-    const PageOrientation orientation(mediaBox, rotationOf(attributes.rotate));
-    return {dictionary, attributes.resources, attributes.outerResources, orientation, cropBox, statedCropBox,
+}
+
+ParsedPage makePage(const QPDFObjectHandle& dictionary, const InheritedAttributes& attributes) {
+    const PageFrame frame(boxOf(attributes.mediaBox), boxOf(attributes.cropBox),
+                          rotationOf(attributes.rotate));
+    return {dictionary,
+            attributes.resources,
+            attributes.outerResources,
+            frame.orientation,
+            frame.cropBox,
+            frame.statedCropBox,
             false};
+}
+
+/// References and whatever else is no plain value are left to others.
+static void requireNumbers(std::string_view text) {
+    if (text.find_first_not_of("[]+-.0123456789 \t\r\n\f") != std::string_view::npos ||
+        text.find('[', 1) != std::string_view::npos)
+        throw NotPlain();
+}
+
+std::optional<Rect> plainBox(std::string_view text) {
+    requireNumbers(text);
+    if (!text.starts_with('['))
+        return std::nullopt;
+    PlainObject array;
+    array.readValue(text);
+    std::array<double, 4> edges{};
+    if (array.items().size() < edges.size())
+        return std::nullopt;
+    std::transform(edges.begin(), edges.end(), array.items().begin(), edges.begin(),
+                   [](double, std::string_view item) { return parsedNumber(item); });
+    return boxOf(edges);
+}
+
+int plainRotation(std::string_view text) {
+    requireNumbers(text);
+    return rotationOf(text.starts_with('[') ? 0 : parsedNumber(text));
 }
 
 }  // namespace vellmora

@@ -3,7 +3,6 @@
 #include "engine/objects/ContentText.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <initializer_list>
 
@@ -19,9 +18,13 @@ double numberOr(const QPDFObjectHandle& object, double fallback) {
     return numberOf(object).value_or(fallback);
 }
 
+int rotationOf(double degrees) {
+    const double turn = std::fmod(degrees, 360);
+    return std::fmod(turn, 90) == 0 ? (static_cast<int>(turn) + 360) % 360 : 0;
+}
+
 int rotationOf(const QPDFObjectHandle& object) {
-    const double degrees = std::fmod(numberOr(object, 0), 360);
-    return std::fmod(degrees, 90) == 0 ? (static_cast<int>(degrees) + 360) % 360 : 0;
+    return rotationOf(numberOr(object, 0));
 }
 
 std::vector<double> numbersOf(QPDFObjectHandle array) {
@@ -52,8 +55,14 @@ std::optional<Rect> boxOf(QPDFObjectHandle array) {
         const std::optional<double> edge = numberOf(array.getArrayItem(static_cast<int>(i)));
         if (!edge)
             return std::nullopt;
-        edges[i] = std::clamp(*edge, -greatestNumber, greatestNumber);
+        edges[i] = *edge;
     }
+    return boxOf(edges);
+}
+
+std::optional<Rect> boxOf(std::array<double, 4> edges) {
+    for (double& edge : edges)
+        edge = std::clamp(edge, -greatestNumber, greatestNumber);
     const Rect box = rectFromCorners({edges[0], edges[1]}, {edges[2], edges[3]});
     return box.isEmpty() ? std::nullopt : std::optional(box);
 }
@@ -67,6 +76,11 @@ static QPDFObjectHandle arrayOf(std::initializer_list<double> numbers) {
 
 QPDFObjectHandle arrayOf(const Rect& rect) {
     return arrayOf({rect.minX(), rect.minY(), rect.maxX(), rect.maxY()});
+}
+
+std::string textOf(const Rect& rect) {
+    return '[' + pdfNumber(rect.minX()) + ' ' + pdfNumber(rect.minY()) + ' ' + pdfNumber(rect.maxX()) + ' ' +
+           pdfNumber(rect.maxY()) + ']';
 }
 
 QPDFObjectHandle arrayOf(const Matrix& matrix) {

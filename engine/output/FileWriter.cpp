@@ -172,14 +172,10 @@ void FileWriter::writePackedObjects() {
         data += std::to_string(m_packedNumbers[i]) + ' ' + std::to_string(m_packedPlaces[i]) + ' ';
         m_places.set(m_packedNumbers[i], {m_position, container, static_cast<int>(i)});
     }
-    const size_t first = data.size();
+    const std::string entries = "/First " + std::to_string(data.size()) + "/N " +
+                                std::to_string(m_packedNumbers.size()) + "/Type/ObjStm";
     data += m_packedText.text();
-    writeStreamObject(container,
-                      {{"/Type", Handle::newName("/ObjStm")},
-                       {"/N", Handle::newInteger(static_cast<long long>(m_packedNumbers.size()))},
-                       {"/First", Handle::newInteger(static_cast<long long>(first))},
-                       {"/Filter", Handle::newName("/FlateDecode")}},
-                      deflated(data));
+    writeReserved(container, entries, data, Packing::compress);
     m_packedNumbers.clear();
     m_packedPlaces.clear();
     m_packedText.clear();

@@ -1,67 +1,77 @@
 #include "engine/output/PictureObject.h"
 
+#include "engine/objects/Characters.h"
+
+#include <string>
+#include <string_view>
+
 namespace vellmora {
 
 namespace {
 
-using Handle = QPDFObjectHandle;
-
 constexpr int pngPredictor = 15;  // each row names its own filter
 constexpr size_t bytesPerColor = 3;
 
-/// An object of its own for the palette's colours, so that it is compressed with the other objects.
-Handle makePalette(QPDF& output, const std::string& colors) {
-    Handle space = Handle::newArray();
-    space.appendItem(Handle::newName("/Indexed"));
-    space.appendItem(Handle::newName("/DeviceRGB"));
-    space.appendItem(Handle::newInteger(static_cast<int>(colors.size() / bytesPerColor) - 1));
-    space.appendItem(output.makeIndirectObject(Handle::newString(colors)));
-    return space;
+std::string entry(std::string_view key, int value) {
+    return std::string(key) + ' ' + std::to_string(value);
 }
 
-Handle makeColorSpace(QPDF& output, const EncodedSamples& samples) {
+/// Bytes as they are, but for those that would end the string or be read as another end of a line.
+std::string stringOf(std::string_view bytes) {
+    std::string text = "(";
+    for (const char c : bytes) {
+        if (isOneOf("()\\", c))
+            text += '\\';
+        text += c == '\r' ? std::string_view("\\r") : std::string_view(&c, 1);
+    }
+    return text + ')';
+}
+
+/// An object of its own for the palette's colours, so that it is compressed with the other objects.
+std::string writePalette(FileWriter& file, const std::string& colors) {
+    const int number = file.numbers().reserve();
+    file.writeReserved(number, stringOf(colors));
+    return entry("[/Indexed/DeviceRGB", static_cast<int>(colors.size() / bytesPerColor) - 1) +
+           entry("", number) + " 0 R]";
+}
+
+std::string writeColorSpace(FileWriter& file, const EncodedSamples& samples) {
     switch (samples.colors) {
         case EncodedSamples::Colors::palette:
-            return makePalette(output, samples.palette);
+            return writePalette(file, samples.palette);
         case EncodedSamples::Colors::rgb:
-            return Handle::newName("/DeviceRGB");
+            return "/DeviceRGB";
         case EncodedSamples::Colors::gray:
             break;
     }
-    return Handle::newName("/DeviceGray");
+    return "/DeviceGray";
 }
 
-Handle makeFilterParameters(const EncodedSamples& samples) {
+std::string filterParameters(const EncodedSamples& samples) {
     if (!samples.hasPredictor)
-        return Handle::newNull();
-    Handle parameters = Handle::newDictionary();
-    parameters.replaceKey("/Predictor", Handle::newInteger(pngPredictor));
-    parameters.replaceKey("/Colors", Handle::newInteger(samples.components()));
-    parameters.replaceKey("/BitsPerComponent", Handle::newInteger(samples.bitsPerComponent));
-    parameters.replaceKey("/Columns", Handle::newInteger(samples.width));
-    return parameters;
+        return {};
+    return entry("/DecodeParms<</BitsPerComponent", samples.bitsPerComponent) +
+           entry("/Colors", samples.components()) + entry("/Columns", samples.width) +
+           entry("/Predictor", pngPredictor) + ">>";
 }
 
-void fillSampleObject(QPDF& output, Handle object, const EncodedSamples& samples) {
-    object.replaceStreamData(samples.data, Handle::newName("/FlateDecode"), makeFilterParameters(samples));
-    Handle dictionary = object.getDict();
-    dictionary.replaceKey("/Type", Handle::newName("/XObject"));
-    dictionary.replaceKey("/Subtype", Handle::newName("/Image"));
-    dictionary.replaceKey("/Width", Handle::newInteger(samples.width));
-    dictionary.replaceKey("/Height", Handle::newInteger(samples.height));
-    dictionary.replaceKey("/ColorSpace", makeColorSpace(output, samples));
-    dictionary.replaceKey("/BitsPerComponent", Handle::newInteger(samples.bitsPerComponent));
+/// `mask` is the number of the soft mask; 0 for none.
+void writeSamples(FileWriter& file, int number, const EncodedSamples& samples, int mask) {
+    const std::string entries = entry("/BitsPerComponent", samples.bitsPerComponent) + "/ColorSpace" +
+                                writeColorSpace(file, samples) + filterParameters(samples) +
+                                "/Filter/FlateDecode" + entry("/Height", samples.height) +
+                                (mask > 0 ? entry("/SMask", mask) + " 0 R" : std::string()) +
+                                "/Subtype/Image/Type/XObject" + entry("/Width", samples.width);
+    file.writeReserved(number, entries, samples.data, Packing::asTheyAre);
 }
 
 }  // namespace
 
-void fillPictureObject(QPDF& output, const QPDFObjectHandle& stream, const EncodedPicture& picture) {
-    fillSampleObject(output, stream, picture.colors);
-    if (!picture.alpha)
-        return;
-    const Handle mask = output.newStream();
-    fillSampleObject(output, mask, *picture.alpha);
-    Handle(stream).getDict().replaceKey("/SMask", mask);
+void writePicture(FileWriter& file, int number, const EncodedPicture& picture) {
+    const int mask = picture.alpha ? file.numbers().reserve() : 0;
+    writeSamples(file, number, picture.colors, mask);
+    if (picture.alpha)
+        writeSamples(file, mask, *picture.alpha, 0);
 }
 
 }  // namespace vellmora

@@ -12,13 +12,13 @@ constexpr size_t mostObjects = 20000;
 
 }  // namespace
 
-void PlainCopier::begin(const PlainFile& file, const ObjectCopier& copies) {
+void PlainCopier::begin(const PlainFile& file, const ObjectCopier* copies) {
     for (const Object& object : m_objects)
         (*m_numbers)[static_cast<size_t>(object.source)] = 0;
     m_objects.clear();
     m_words.clear();
     m_source = &file;
-    m_copies = &copies;
+    m_copies = copies;
     m_numbers = &m_numbersOfFiles[&file.content()];
     m_numbers->resize(static_cast<size_t>(file.size()));
 }
@@ -28,7 +28,7 @@ void PlainCopier::meet(int source) {
         throw NotPlain();
     int& number = (*m_numbers)[static_cast<size_t>(source)];
     const SnapshotReader* content = &m_source->content();
-    if (number != 0 || m_copies->find(content, source))
+    if (number != 0 || (m_copies && m_copies->find(content, source)))
         return;
     number = m_written.find(content, QPDFObjGen(source, 0));
     if (number != 0)

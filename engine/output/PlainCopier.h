@@ -20,8 +20,8 @@ public:
     PlainCopier(FileWriter& file, WrittenObjects& written) : m_file(file), m_written(written) {}
 
     /// From now on the objects are those of this file. `copies` are the library's, which stand for some of
-    /// them. What was read and not written is forgotten.
-    void begin(const PlainFile& file, const ObjectCopier& copies);
+    /// them; null where there are none. What was read and not written is forgotten.
+    void begin(const PlainFile& file, const ObjectCopier* copies);
     /// Reads all objects that the words lead to. Throws `NotPlain` where one of them is left to the library.
     void read(const PlainWords& words);
     /// Writes what was read.

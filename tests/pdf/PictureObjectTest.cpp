@@ -24,9 +24,16 @@ namespace {
 class Written {
 public:
     explicit Written(const Image& image) {
-        m_pdf.emptyPDF();
-        m_object = m_pdf.newStream();
-        fillPictureObject(m_pdf, m_object, encodePicture(image));
+        MemoryConsumer consumer;
+        FileWriter file(consumer);
+        const int number = file.numbers().reserve();
+        const int catalog = file.numbers().reserve();
+        file.writeReserved(catalog, "<</Type/Catalog>>");
+        writePicture(file, number, encodePicture(image));
+        file.finish(catalog);
+        m_bytes = consumer.bytes();
+        m_pdf.processMemoryFile("picture", m_bytes.constData(), static_cast<size_t>(m_bytes.size()));
+        m_object = m_pdf.getObject(number, 0);
     }
     QPDFObjectHandle dictionary() const { return m_object.getDict(); }
     std::string raw() const { return text(m_object.getRawStreamData()); }
@@ -103,6 +110,7 @@ private:
         return samples;
     }
 
+    QByteArray m_bytes;
     QPDF m_pdf;
     mutable QPDFObjectHandle m_object;
 };

@@ -235,6 +235,37 @@ TEST(PlainWordsTest, PagesAreDrawnAsTheLibraryReadsThem) {
     }
 }
 
+TEST(PlainWordsTest, PagesAreAsLargeAndAsTheyAreTurnedAsTheLibraryHasThem) {
+    for (const char* entries : {"/MediaBox[0 0 100.5 +200]",
+                                "/MediaBox[.5 -0.25 100. 200]",
+                                "/MediaBox[100 200 0 -0.0]",
+                                "/MediaBox[0 0 0 100]",
+                                "/MediaBox[0 0 100]",
+                                "/MediaBox[1 2 100 200 300 400]",
+                                "/MediaBox 7",
+                                "/MediaBox[]",
+                                "/MediaBox[[0] 0 100 200]",
+                                "/MediaBox[0 0 (a) 100]",
+                                "/MediaBox[0 0 null 100]",
+                                "/MediaBox[0 0 999999999999999999 100]",
+                                "/MediaBox[1 1 60 70]/Rotate 450",
+                                "/Rotate -90.0",
+                                "/Rotate[90]",
+                                "/Rotate 45",
+                                "/Rotate 90.5",
+                                "/Rotate/A",
+                                "/CropBox[10 10 500 50.125]/TrimBox[20 20 30 30.125]/BleedBox[0 0]/ArtBox 3",
+                                "/CropBox[900 900 950 950]/TrimBox[[20] 20 30 30]"}) {
+        const QByteArray bytes = PdfBuilder().page(entries).bytes();
+        const auto plain = documentOf(bytes);
+        const auto library = documentOf(leftToTheLibrary(bytes));
+        EXPECT_EQ(*plain->page(0), *library->page(0)) << entries;
+        EXPECT_EQ(everythingIn(Output(allPagesOf(*plain)).page()),
+                  everythingIn(Output(allPagesOf(*library)).page()))
+            << entries;
+    }
+}
+
 /// The file's own content draws it as before; readers paint no XObject without a subtype.
 TEST(PlainWordsTest, AnAppearanceIsWhatItWasAmongThePagesResources) {
     const PageWithObjects page{
