@@ -23,15 +23,6 @@ std::optional<files::OpenedFile> openUnlessGone(const QString& path) {
     }
 }
 
-ContentDigest digestOf(const FileDescriptor& file, const QString& path) {
-    ContentDigest digest;
-    forEachPiece(file, path, [&](std::string_view piece, size_t) {
-        digest.add(piece);
-        return true;
-    });
-    return digest;
-}
-
 }  // namespace
 
 FileVersions::Held FileVersions::heldBy(const QString& path) const {
@@ -51,13 +42,10 @@ FileVersions::Held FileVersions::heldBy(const FileDescriptor& file, const QStrin
     if (m_opened && m_opened->isHeldBy(file, path))
         return Held::opened;
     const auto size = static_cast<uint64_t>(FileState::of(file, path).size);
-    const auto mayBe = [&](const auto& content) { return content && content->size() == size; };
-    if (mayBe(m_written) || mayBe(m_expected)) {
-        const ContentDigest held = digestOf(file, path);
-        if (held == m_written || held == m_expected)
-            return Held::written;
-    }
-    return Held::foreign;
+    const auto isHeld = [&](const std::optional<WrittenContent>& content) {
+        return content && content->size() == size && content->isHeldBy(file, path);
+    };
+    return isHeld(m_written) || isHeld(m_expected) ? Held::written : Held::foreign;
 }
 
 }  // namespace vellmora

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/ContentDigest.h"
 #include "base/FileSnapshot.h"
+#include "base/WrittenContent.h"
 
 #include <memory>
 #include <optional>
@@ -24,7 +24,7 @@ public:
 
     /// This content is about to get a name. It counts as written from now on, beside the one before: where
     /// that fails late, nobody knows which of them the file holds.
-    void expect(const ContentDigest& content) { m_expected = content; }
+    void expect(WrittenContent content) { m_expected = std::move(content); }
     /// It has got its name.
     void confirm() { m_written = std::exchange(m_expected, {}); }
 
@@ -36,8 +36,8 @@ private:
     Held heldBy(const FileDescriptor& file, const QString& path) const;
 
     std::shared_ptr<const FileSnapshot> m_opened;
-    std::optional<ContentDigest> m_written;
-    std::optional<ContentDigest> m_expected;
+    std::optional<WrittenContent> m_written;
+    std::optional<WrittenContent> m_expected;
 };
 
 }  // namespace vellmora

@@ -4,6 +4,9 @@
 #include "pdf/DamageText.h"
 #include "pdf/PDFContext.h"
 
+#include <memory>
+#include <utility>
+
 #include <QHash>
 
 namespace vellmora {
@@ -53,34 +56,36 @@ void drawPages(PDFContext& context, const PDFDocument& document, const StampsByP
     }
 }
 
-/// Takes a digest of what it hands on to the file.
+/// Notes what it hands on to the file.
 class WatchedConsumer : public PDFDataConsumer {
 public:
-    WatchedConsumer(PDFDataConsumer& file, FileVersions& versions) : m_file(file), m_versions(versions) {}
+    WatchedConsumer(PDFDataConsumer& file, const PDFDocument& document, FileVersions& versions)
+        : m_file(file), m_source(document.content()), m_versions(versions) {}
 
     void write(const char* bytes, qint64 count) override {
-        m_digest.add({bytes, static_cast<size_t>(count)});
+        m_content.add({bytes, static_cast<size_t>(count)});
         m_file.write(bytes, count);
     }
     bool restart() override {
-        m_digest = {};
+        m_content = WrittenContent(m_source);
         return m_file.restart();
     }
     void finish() override {
-        m_versions.expect(m_digest);
+        m_versions.expect(std::move(m_content));
         m_file.finish();
     }
 
 private:
     PDFDataConsumer& m_file;
-    ContentDigest m_digest;
+    std::shared_ptr<const FileSnapshot> m_source;
+    WrittenContent m_content{m_source};
     FileVersions& m_versions;
 };
 
 /// Answers what the file lacks.
 QString writeTo(PDFDataConsumer& file, const PDFDocument& document, const StampsByPage& stampsByPage,
                 FileVersions& versions, WorkProgress* progress) {
-    WatchedConsumer consumer(file, versions);
+    WatchedConsumer consumer(file, document, versions);
     const auto context = PDFContext::create(consumer, document, progress);
     drawPages(*context, document, stampsByPage);
     context->close();

@@ -1,6 +1,7 @@
 #include "base/Error.h"
 #include "base/FileState.h"
 #include "base/FileVersions.h"
+#include "base/WorkProgress.h"
 #include "tests/support/GTestQt.h"
 #include "tests/support/TestPdf.h"
 
@@ -33,6 +34,12 @@ ContentDigest digestOf(const QByteArray& bytes, size_t piece) {
     for (size_t at = 0; at < all.size(); at += piece)
         digest.add(all.substr(at, piece));
     return digest;
+}
+
+WrittenContent writtenFrom(const QByteArray& bytes) {
+    WrittenContent content;
+    content.add({bytes.constData(), static_cast<size_t>(bytes.size())});
+    return content;
 }
 
 /// As a program may do that knows better: the file looks as if it had not been touched.
@@ -122,16 +129,55 @@ TEST_F(FileVersionsTest, KnowsWhatWasWrittenAndWhatMayHaveBeen) {
         writeFile(path, bytes);
         return versions.heldBy(path);
     };
-    versions.expect(digestOf(first, 4096));
+    versions.expect(writtenFrom(first));
     EXPECT_EQ(whose(first), Held::written) << "its name may be on the disk already";
     versions.confirm();
     EXPECT_EQ(whose(first), Held::written);
     EXPECT_EQ(whose(second), Held::foreign);
-    versions.expect(digestOf(second, 4096));
+    versions.expect(writtenFrom(second));
     EXPECT_EQ(whose(first), Held::written);
     EXPECT_EQ(whose(second), Held::written);
     versions.confirm();
     EXPECT_EQ(whose(first), Held::foreign) << "somebody brought an earlier version back";
+}
+
+TEST_F(FileVersionsTest, KnowsEachByteThatWasWrittenFromTheFileThatIsOpen) {
+    const QByteArray opened = bytesFrom(5, 20 << 20);
+    writeFile(path, opened);
+    const auto source = FileSnapshot::open(path);
+    source->copyAll(WorkProgress());
+    ASSERT_FALSE(source->view(0, source->size()).empty());
+    WrittenContent content(source);
+    QByteArray written;
+    const auto add = [&](std::string_view bytes) {
+        content.add(bytes);
+        written.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    };
+    add("%PDF-1.7 ");
+    add("beginning ");
+    // Long pieces, of which some follow one another in the source, and short ones.
+    add(source->view(0, 300000));
+    add(source->view(300000, 300000));
+    add(source->view(600000, 10));
+    add(source->view(5000000, 100000));
+    add(source->view(4000000, 100000));
+    add(source->view(4100001, 20));
+    add(" end");
+    FileVersions versions(source);
+    versions.expect(std::move(content));
+    const auto whose = [&](const QByteArray& bytes) {
+        writeFile(path, bytes);
+        return versions.heldBy(path);
+    };
+    EXPECT_EQ(whose(written), Held::written);
+    for (const qsizetype place : {0, 12, 19, 300018, 600027, 600029, 700028, 800030, 800040, 800052}) {
+        QByteArray other = written;
+        other[place] = static_cast<char>(other[place] ^ 1);
+        EXPECT_EQ(whose(other), Held::foreign) << place;
+    }
+    for (const QByteArray& bytes : {written.chopped(1), written + "x", QByteArray()})
+        EXPECT_EQ(whose(bytes), Held::foreign) << bytes.size();
+    EXPECT_EQ(whose(written), Held::written);
 }
 
 TEST_F(FileVersionsTest, WhatCannotBeReadIsNobodysWordForIt) {
