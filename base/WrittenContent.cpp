@@ -27,6 +27,8 @@ bool WrittenContent::isOfSource(std::string_view bytes) const {
 }
 
 void WrittenContent::add(std::string_view bytes) {
+    if (bytes.empty())
+        return;
     const char* source = isOfSource(bytes) ? bytes.data() : nullptr;
     if (!source)
         m_others.add(bytes);

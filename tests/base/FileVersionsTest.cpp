@@ -1,3 +1,4 @@
+#include "base/ContentDigest.h"
 #include "base/Error.h"
 #include "base/FileState.h"
 #include "base/FileVersions.h"
@@ -163,6 +164,7 @@ TEST_F(FileVersionsTest, KnowsEachByteThatWasWrittenFromTheFileThatIsOpen) {
     add(source->view(4000000, 100000));
     add(source->view(4100001, 20));
     add(" end");
+    add(source->view(4000000, 0));
     FileVersions versions(source);
     versions.expect(std::move(content));
     const auto whose = [&](const QByteArray& bytes) {

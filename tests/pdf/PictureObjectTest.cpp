@@ -28,7 +28,9 @@ public:
         FileWriter file(consumer);
         const int number = file.numbers().reserve();
         const int catalog = file.numbers().reserve();
-        file.writeReserved(catalog, "<</Type/Catalog>>");
+        const int pages = file.numbers().reserve();
+        file.writeReserved(catalog, "<</Pages " + std::to_string(pages) + " 0 R/Type/Catalog>>");
+        file.writeReserved(pages, "<</Count 0/Kids[]/Type/Pages>>");
         writePicture(file, number, encodePicture(image));
         file.finish(catalog);
         m_bytes = consumer.bytes();
