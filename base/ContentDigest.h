@@ -12,7 +12,6 @@ namespace vellmora {
 class ContentDigest {
 public:
     void add(std::string_view bytes);
-    uint64_t size() const { return m_size; }
     friend bool operator==(const ContentDigest& a, const ContentDigest& b);
 
 private:

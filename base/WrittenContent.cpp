@@ -1,6 +1,5 @@
 #include "base/WrittenContent.h"
 
-#include <algorithm>
 #include <functional>
 #include <utility>
 

@@ -3,7 +3,6 @@
 #include "engine/objects/ContentText.h"
 #include "engine/objects/PDFValues.h"
 
-#include <algorithm>
 #include <array>
 
 namespace vellmora {
@@ -68,8 +67,8 @@ std::optional<Rect> plainBox(std::string_view text) {
     std::array<double, 4> edges{};
     if (array.items().size() < edges.size())
         return std::nullopt;
-    std::transform(edges.begin(), edges.end(), array.items().begin(), edges.begin(),
-                   [](double, std::string_view item) { return parsedNumber(item); });
+    for (size_t i = 0; i < edges.size(); ++i)
+        edges[i] = parsedNumber(array.items()[i]);
     return boxOf(edges);
 }
 
