@@ -20,8 +20,11 @@ Button::Metrics Button::metricsOf(Size size, const Theme& theme) {
 }
 
 Button::Button(const QString& text, Look look, Size size, const Theme& theme, QWidget* parent)
-    : QPushButton(text, parent), m_look(look), m_metrics(metricsOf(size, theme)) {
-    setFont(theme.font(m_metrics.textSize, Theme::medium));
+    : QPushButton(text, parent),
+      m_look(look),
+      m_metrics(metricsOf(size, theme)),
+      m_font(theme.font(m_metrics.textSize, Theme::medium)) {
+    setFont(m_font.font());
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     // The Tab key moves the focus here; a click does not.
     setFocusPolicy(Qt::TabFocus);
@@ -51,7 +54,7 @@ void Button::showShortcut(const QKeySequence& shortcut) {
 }
 
 QSize Button::sizeHint() const {
-    const double content = m_symbol ? m_metrics.symbolSize : m_measures.widthInOneLine(text(), font());
+    const double content = m_symbol ? m_metrics.symbolSize : m_font.width(text());
     return {qRound(content) + 2 * m_metrics.padding, m_metrics.height};
 }
 
@@ -93,9 +96,8 @@ void Button::paintEvent(QPaintEvent*) {
         drawSymbol(painter, *m_symbol, square, foreground());
         return;
     }
-    painter.setFont(font());
     painter.setPen(foreground());
-    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+    m_font.paint(painter, rect(), Qt::AlignCenter, text());
 }
 
 void Button::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -2,7 +2,7 @@
 
 #include "ui/FocusRing.h"
 #include "ui/Symbols.h"
-#include "ui/TextMeasures.h"
+#include "ui/TextFont.h"
 #include "ui/Theme.h"
 
 #include <optional>
@@ -67,7 +67,7 @@ private:
     bool m_ignoresSecondClick = false;
     std::optional<Symbol> m_symbol;
     FocusRing m_focusRing;
-    mutable TextMeasures m_measures;
+    TextFont m_font;
 };
 
 }  // namespace vellmora

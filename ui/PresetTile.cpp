@@ -1,8 +1,5 @@
 #include "ui/PresetTile.h"
 
-#include <cmath>
-#include <optional>
-
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QVBoxLayout>
@@ -22,11 +19,11 @@ constexpr double badgeSize = 10;
 constexpr PresetItem::Look look{14, 0.16, 0.035, 1.5};
 constexpr PictureView::Style pictureStyle{8, 84, 12, 0.06, 24};
 
-QFont nameFont(const Theme& theme) {
+TextFont nameFont(const Theme& theme) {
     return theme.font(nameSize, Theme::semibold);
 }
 
-QFont badgeFont(const Theme& theme) {
+TextFont badgeFont(const Theme& theme) {
     return theme.font(badgeSize, Theme::medium);
 }
 
@@ -78,42 +75,14 @@ void PresetTile::setData(const Data& newData) {
 }
 
 PresetTile::Heights::Heights(int tileWidth, const Theme& theme)
-    : m_nameGlyphs(QRawFont::fromFont(nameFont(theme))),
-      m_nameMetrics(nameFont(theme)),
+    : m_nameFont(nameFont(theme)),
       m_nameWidth(tileWidth - 2 * padding),
-      m_nameLine(QFontMetrics(nameFont(theme)).height()),
-      m_badge(lineSpacing + QFontMetrics(badgeFont(theme)).height()),
+      m_badge(lineSpacing + badgeFont(theme).lineHeight()),
       m_buttons(Button::heightOf(Button::Size::small, theme)) {}
 
-/// Without a width where the font does not have the character, or it is half of one.
-std::optional<double> PresetTile::Heights::widthOf(QChar character) const {
-    const auto known = m_widths.constFind(character);
-    if (known != m_widths.constEnd())
-        return *known;
-    const QList<quint32> glyphs = m_nameGlyphs.glyphIndexesForString(QString(character));
-    const bool isThere = !character.isSurrogate() && glyphs.size() == 1 && glyphs.first() != 0;
-    return *m_widths.insert(
-        character,
-        isThere ? std::optional(m_nameGlyphs.advancesForGlyphIndexes(glyphs).first().x()) : std::nullopt);
-}
-
-/// Qt takes much longer to measure a text than to add up the widths of its characters. These are enough for
-/// most names.
-bool PresetTile::Heights::fitsOneLine(const QString& name) const {
-    double sum = 0;
-    for (const QChar character : name) {
-        const std::optional<double> width = widthOf(character);
-        if (!width)
-            return m_nameMetrics.horizontalAdvance(name) <= m_nameWidth;
-        sum += *width;
-    }
-    const bool isClose = std::abs(sum - m_nameWidth) < 1;
-    return (isClose ? m_nameMetrics.horizontalAdvance(name) : sum) <= m_nameWidth;
-}
-
 int PresetTile::Heights::of(const StampPreset& preset) const {
-    const int nameLines = fitsOneLine(preset.displayName) ? 1 : maximumNameLines;
-    const int texts = nameLines * m_nameLine + (preset.isBuiltin() ? m_badge : 0);
+    const int nameLines = m_nameFont.width(preset.displayName) <= m_nameWidth ? 1 : maximumNameLines;
+    const int texts = nameLines * m_nameFont.lineHeight() + (preset.isBuiltin() ? m_badge : 0);
     return 2 * padding + pictureStyle.frameHeight + 2 * pictureStyle.padding + spacing + texts + spacing +
            m_buttons;
 }

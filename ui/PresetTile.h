@@ -5,12 +5,6 @@
 #include "ui/PresetItem.h"
 #include "ui/TextLabel.h"
 
-#include <optional>
-
-#include <QFontMetricsF>
-#include <QHash>
-#include <QRawFont>
-
 namespace vellmora {
 
 /// One cell of the library grid: picture, name, and buttons to insert and to delete. A double click inserts.
@@ -29,14 +23,8 @@ public:
         int of(const StampPreset& preset) const;
 
     private:
-        bool fitsOneLine(const QString& name) const;
-        std::optional<double> widthOf(QChar character) const;
-
-        QRawFont m_nameGlyphs;
-        mutable QHash<QChar, std::optional<double>> m_widths;
-        QFontMetricsF m_nameMetrics;
-        double m_nameWidth;
-        int m_nameLine;
+        TextFont m_nameFont;
+        int m_nameWidth;
         int m_badge;
         int m_buttons;
     };

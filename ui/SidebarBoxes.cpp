@@ -38,9 +38,9 @@ GroupBox::GroupBox(QString title, const Theme& theme, QWidget* parent)
 void GroupBox::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(m_titleFont);
     painter.setPen(Theme::text(palette()));
-    painter.drawText(QRect(2, 0, width(), m_titleHeight), Qt::AlignLeft | Qt::AlignVCenter, m_title);
+    m_titleFont.paint(painter, QRect(2, 0, width(), m_titleHeight), Qt::AlignLeft | Qt::AlignVCenter,
+                      m_title);
     painter.setPen(QPen(Theme::divider(palette()), 1));
     painter.setBrush(Theme::boxBackground(palette()));
     const int top = m_titleHeight + titleGap;
@@ -60,7 +60,7 @@ StatisticsBox::StatisticsBox(const Theme& theme, QWidget* parent)
 /// The title on the left and the value on the right. The font's figures are all of one width. A screen reader
 /// says which title belongs to which value.
 TextLabel* StatisticsBox::addRow(const QString& title, const Theme& theme) {
-    const QFont font = theme.font(textSize, Theme::medium);
+    const TextFont font = theme.font(textSize, Theme::medium);
     auto* row = new QHBoxLayout;
     auto* name = new TextLabel(title, font, Theme::secondaryText, this);
     auto* value = new TextLabel({}, font, Theme::text, this);

@@ -61,7 +61,7 @@ protected:
 
 private:
     QString m_title;
-    QFont m_titleFont;
+    TextFont m_titleFont;
     int m_titleHeight;
     QVBoxLayout* m_content;
 };

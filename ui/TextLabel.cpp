@@ -56,11 +56,16 @@ QStringList elidedLines(const QString& text, const QFont& font, double width, in
 
 }  // namespace
 
-TextLabel::TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent)
-    : QLabel(parent), m_color(std::move(color)) {
+TextLabel::TextLabel(const QString& text, const TextFont& font, Color color, QWidget* parent)
+    : QLabel(parent), m_font(font), m_color(std::move(color)) {
     setTextFormat(Qt::PlainText);
-    setFont(font);
+    setFont(font.font());
     setText(text);
+}
+
+void TextLabel::setText(const QString& text) {
+    m_heights.clear();
+    QLabel::setText(text.normalized(QString::NormalizationForm_C));
 }
 
 void TextLabel::setMaximumLines(int lines) {
@@ -73,18 +78,17 @@ void TextLabel::setMaximumLines(int lines) {
 QSize TextLabel::sizeHint() const {
     if (wordWrap())
         return QLabel::sizeHint();
-    return {qCeil(widthInOneLine()), fontMetrics().height()};
+    return {qCeil(m_font.width(text())), m_font.lineHeight()};
 }
 
 int TextLabel::heightForWidth(int width) const {
-    if (wordWrap()) {
-        const auto measure = [this](int w) { return QLabel::heightForWidth(w); };
-        return m_measures.heightFor(width, text(), font(), measure);
+    if (m_maximumLines == 0) {
+        if (!m_heights.contains(width))
+            m_heights.insert(width, QLabel::heightForWidth(width));
+        return m_heights.value(width);
     }
-    if (m_maximumLines == 0)
-        return QLabel::heightForWidth(width);
-    const bool fitsOneLine = widthInOneLine() <= width;
-    return (fitsOneLine ? 1 : m_maximumLines) * fontMetrics().height();
+    const bool fitsOneLine = m_font.width(text()) <= width;
+    return (fitsOneLine ? 1 : m_maximumLines) * m_font.lineHeight();
 }
 
 QSize TextLabel::minimumSizeHint() const {
@@ -94,7 +98,10 @@ QSize TextLabel::minimumSizeHint() const {
 }
 
 QStringList TextLabel::shownLines() const {
-    return elidedLines(onOneLine(text()), font(), width(), m_maximumLines);
+    const QString line = onOneLine(text());
+    if (m_font.width(line) <= width())
+        return {line};
+    return elidedLines(line, m_font.font(), width(), m_maximumLines);
 }
 
 bool TextLabel::event(QEvent* event) {
@@ -107,23 +114,26 @@ bool TextLabel::event(QEvent* event) {
 
 void TextLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setFont(font());
     painter.setPen(m_color(palette()));
+    if (wordWrap()) {
+        painter.setFont(font());
+        painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextWordWrap, text());
+        return;
+    }
     if (m_maximumLines == 0) {
-        const int wrapping = wordWrap() ? Qt::TextWordWrap : Qt::TextSingleLine;
-        painter.drawText(contentsRect(), static_cast<int>(alignment()) | wrapping, text());
+        m_font.paint(painter, contentsRect(), alignment(), text());
         return;
     }
     const QStringList lines = shownLines();
-    const int lineHeight = fontMetrics().height();
+    const int lineHeight = m_font.lineHeight();
     const int top = (height() - lineHeight * static_cast<int>(lines.size())) / 2;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QRect line(0, top + static_cast<int>(i) * lineHeight, width(), lineHeight);
-        painter.drawText(line, static_cast<int>(alignment()) | Qt::TextSingleLine, lines[i]);
+        m_font.paint(painter, line, alignment(), lines[i]);
     }
 }
 
-TextLabel* makeTextOnDark(const QString& text, const QFont& font, double opacity, QWidget* parent) {
+TextLabel* makeTextOnDark(const QString& text, const TextFont& font, double opacity, QWidget* parent) {
     const auto color = [opacity](const QPalette&) { return Theme::onDark(opacity); };
     auto* label = new TextLabel(text, font, color, parent);
     label->setAlignment(Qt::AlignCenter);

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "ui/TextMeasures.h"
+#include "ui/TextFont.h"
 
 #include <functional>
 
+#include <QHash>
 #include <QLabel>
 
 namespace vellmora {
@@ -15,10 +16,10 @@ class TextLabel : public QLabel {
 public:
     using Color = std::function<QColor(const QPalette&)>;
 
-    TextLabel(const QString& text, const QFont& font, Color color, QWidget* parent);
+    TextLabel(const QString& text, const TextFont& font, Color color, QWidget* parent);
 
     /// Letters with accents are put together first, as some systems take them apart in the names of files.
-    void setText(const QString& text) { QLabel::setText(text.normalized(QString::NormalizationForm_C)); }
+    void setText(const QString& text);
 
     /// From now on the text has at most this many lines, 1 or 2. An ellipsis ends a text that is longer; all
     /// of it is in a tooltip then. The label takes whatever width its layout gives it. A label on which this
@@ -37,14 +38,14 @@ protected:
 private:
     /// What is painted where the lines are limited.
     QStringList shownLines() const;
-    double widthInOneLine() const { return m_measures.widthInOneLine(text(), font()); }
 
+    TextFont m_font;
     Color m_color;
     int m_maximumLines = 0;
-    mutable TextMeasures m_measures;
+    mutable QHash<int, int> m_heights;  ///< of all lines, by width
 };
 
 /// A centred line of white text with this opacity, for the editor area and its drop zones.
-TextLabel* makeTextOnDark(const QString& text, const QFont& font, double opacity, QWidget* parent);
+TextLabel* makeTextOnDark(const QString& text, const TextFont& font, double opacity, QWidget* parent);
 
 }  // namespace vellmora

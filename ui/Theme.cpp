@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include <QHash>
 
 namespace vellmora {
 
@@ -41,7 +44,34 @@ QColor textOver(const QPalette& palette, QPalette::ColorRole ground, double shar
     return mixed(Theme::text(palette), palette.color(QPalette::Active, ground), share);
 }
 
+QFont withoutShaping(QFont font) {
+    font.setStyleStrategy(QFont::PreferNoShaping);
+    return font;
+}
+
 }  // namespace
+
+struct Theme::Fonts {
+    SystemFonts family;
+    QHash<QFont::Weight, QRawFont> faces;
+    QHash<std::pair<int, QFont::Weight>, TextFont> made;  ///< by size in pixels, and weight
+};
+
+Theme::Theme(SystemFonts fonts, double textScale)
+    : m_textScale(textScale), m_fonts(std::make_shared<Fonts>(Fonts{std::move(fonts), {}, {}})) {}
+
+TextFont Theme::font(double size, QFont::Weight weight) const {
+    const QFont font = withoutShaping(m_fonts->family.font(size * m_textScale, weight));
+    const std::pair key(font.pixelSize(), weight);
+    const auto known = m_fonts->made.constFind(key);
+    if (known != m_fonts->made.constEnd())
+        return *known;
+    QRawFont& face = m_fonts->faces[weight];
+    if (!face.isValid()) {
+        face = QRawFont::fromFont(withoutShaping(m_fonts->family.font(paragraphSize * m_textScale, weight)));
+    }
+    return *m_fonts->made.insert(key, TextFont(font, face));
+}
 
 double Theme::contrast(const QColor& a, const QColor& b) {
     const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});

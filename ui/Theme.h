@@ -1,9 +1,10 @@
 #pragma once
 
 #include "base/SystemFonts.h"
+#include "ui/TextFont.h"
 
+#include <memory>
 #include <optional>
-#include <utility>
 
 #include <QColor>
 #include <QFont>
@@ -17,8 +18,7 @@ namespace vellmora {
 class Theme {
 public:
     /// `textScale` is 1 where texts have their usual size.
-    explicit Theme(SystemFonts fonts, double textScale = 1)
-        : m_fonts(std::move(fonts)), m_textScale(textScale) {}
+    explicit Theme(SystemFonts fonts, double textScale = 1);
 
     /// By how much texts are larger than usual on a desktop with this font: 1 to 1.5, and no more than a
     /// screen of this width has room for. `dotsPerInch` are the screen's logical ones.
@@ -28,16 +28,13 @@ public:
     static constexpr QFont::Weight medium = QFont::Medium;
     static constexpr QFont::Weight semibold = QFont::DemiBold;
 
+    static constexpr double paragraphSize = 12;
     static constexpr double bodySize = 13;
     static constexpr double titleSize = 15;
 
     /// Without kerning and ligatures, since to shape all texts of the window takes a part of its start.
     /// Scripts that need it are shaped. An accent that is a character of its own may stand beside its letter.
-    QFont font(double size, QFont::Weight weight = regular) const {
-        QFont font = m_fonts.font(size * m_textScale, weight);
-        font.setStyleStrategy(QFont::PreferNoShaping);
-        return font;
-    }
+    TextFont font(double size, QFont::Weight weight = regular) const;
     /// A length that grows with the texts, rounded.
     int scaled(double length) const { return qRound(length * m_textScale); }
 
@@ -80,8 +77,10 @@ public:
     static QColor withOpacity(QColor color, double opacity);
 
 private:
-    SystemFonts m_fonts;
+    struct Fonts;
+
     double m_textScale;
+    std::shared_ptr<Fonts> m_fonts;  ///< of this theme and its copies
 };
 
 }  // namespace vellmora

@@ -79,11 +79,11 @@ TEST_F(LabelTest, RunsOfBlanksAreSeen) {
     EXPECT_EQ(painted("A\nB"), painted("A B"));
 }
 
-TEST(LabelRoomTest, FollowsTheTextTheFontAndTheWidth) {
+TEST(LabelRoomTest, FollowsTheTextAndTheWidth) {
     QWidget window;
-    const auto color = [](const QPalette& palette) { return palette.color(QPalette::Text); };
-    TextLabel line(QStringLiteral("kurz"), {}, color, &window);
-    TextLabel paragraph(QStringLiteral("Ein Absatz von einigen Worten"), {}, color, &window);
+    const TextFont font = Theme(SystemFonts::load()).font(12);
+    TextLabel line(QStringLiteral("kurz"), font, Theme::text, &window);
+    TextLabel paragraph(QStringLiteral("Ein Absatz von einigen Worten"), font, Theme::text, &window);
     paragraph.setWordWrap(true);
     const int height = paragraph.heightForWidth(100);
     EXPECT_GT(paragraph.heightForWidth(50), height);
@@ -92,15 +92,6 @@ TEST(LabelRoomTest, FollowsTheTextTheFontAndTheWidth) {
 
     line.setText(QStringLiteral("nicht mehr so kurz"));
     paragraph.setText(paragraph.text() + QStringLiteral(", und noch einigen mehr in weiteren Zeilen"));
-    const int longerWidth = line.sizeHint().width();
-    const int longerHeight = paragraph.heightForWidth(100);
-    EXPECT_GT(longerWidth, width);
-    EXPECT_GT(longerHeight, height);
-
-    QFont large = line.font();
-    large.setPixelSize(40);
-    line.setFont(large);
-    paragraph.setFont(large);
-    EXPECT_GT(line.sizeHint().width(), longerWidth);
-    EXPECT_GT(paragraph.heightForWidth(100), longerHeight);
+    EXPECT_GT(line.sizeHint().width(), width);
+    EXPECT_GT(paragraph.heightForWidth(100), height);
 }

@@ -1,0 +1,73 @@
+#include "ui/Theme.h"
+
+#include <gtest/gtest.h>
+
+#include <QFontMetricsF>
+#include <QImage>
+
+using namespace vellmora;
+
+namespace {
+
+constexpr QRect box(20, 10, 260, 31);
+
+QImage emptyPicture() {
+    QImage picture(300, 50, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::white);
+    return picture;
+}
+
+QImage painted(const TextFont& font, Qt::Alignment alignment, const QString& line) {
+    QImage picture = emptyPicture();
+    QPainter painter(&picture);
+    font.paint(painter, box, alignment, line);
+    return picture;
+}
+
+QImage paintedByQt(const TextFont& font, Qt::Alignment alignment, const QString& line) {
+    QImage picture = emptyPicture();
+    QPainter painter(&picture);
+    painter.setFont(font.font());
+    painter.drawText(box, static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
+    return picture;
+}
+
+/// The columns from the first to the last one in which something is painted.
+QPair<int, int> columnsOf(const QImage& picture) {
+    QPair<int, int> columns(picture.width(), -1);
+    for (int x = 0; x < picture.width(); ++x) {
+        for (int y = 0; y < picture.height(); ++y) {
+            if (picture.pixelColor(x, y) == Qt::white)
+                continue;
+            columns = {qMin(columns.first, x), x};
+            break;
+        }
+    }
+    return columns;
+}
+
+}  // namespace
+
+/// Simple texts, and those that a glyph beside the other would show in another order, apart or not at all.
+TEST(TextFontTest, MeasuresAndPaintsAsQtDoes) {
+    const Theme theme(SystemFonts::load());
+    for (const TextFont& font :
+         {theme.font(10, Theme::medium), theme.font(11), theme.font(13, Theme::semibold),
+          theme.font(18, Theme::semibold), theme.font(12)}) {
+        EXPECT_EQ(font.lineHeight(), QFontMetrics(font.font()).height());
+        for (const char* text :
+             {"", "Genehmigt – „AVATAR“ fl. ß", "1. Übung (2024) = 99,50 €", "Ωμέγα Жизнь", "A     B",
+              "① ☎ ab", "日本語の承認", "שלום 12 עולם", "مرحبا", "e\u0301e\u0300 x\u0323", "Soft\u00adhyphen",
+              "Daumen \U0001F44D\U0001F3FD hoch", "A\u200d\u200eB", "हिन्दी", "gut\u2028schlecht"}) {
+            const QString line = QString::fromUtf8(text);
+            EXPECT_NEAR(font.width(line), QFontMetricsF(font.font()).horizontalAdvance(line), 0.2) << text;
+            const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
+            EXPECT_EQ(painted(font, left, line), paintedByQt(font, left, line)) << text;
+            for (const Qt::Alignment alignment :
+                 {Qt::AlignRight | Qt::AlignTop, Qt::AlignHCenter | Qt::AlignVCenter})
+                EXPECT_EQ(columnsOf(painted(font, alignment, line)),
+                          columnsOf(paintedByQt(font, alignment, line)))
+                    << text << alignment;
+        }
+    }
+}
