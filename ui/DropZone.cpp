@@ -1,6 +1,10 @@
 #include "ui/DropZone.h"
 
+#include "ui/RoundedRect.h"
+
 #include <QPainter>
+#include <QPainterPath>
+#include <QPainterPathStroker>
 #include <QVBoxLayout>
 
 namespace vellmora {
@@ -77,11 +81,9 @@ void DropZone::setFrameArea(const QRect& area) {
 void DropZone::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF frame = QRectF(rect()).adjusted(sidePadding, shadowMargin, -sidePadding, -shadowMargin);
-    m_shadow.paint(painter, frame.translated(0, shadowOffset));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::dropZoneMaterial());
-    painter.drawRoundedRect(frame, cornerRadius, cornerRadius);
+    const QRect frame = rect().adjusted(sidePadding, shadowMargin, -sidePadding, -shadowMargin);
+    m_shadow.paint(painter, QRectF(frame).translated(0, shadowOffset));
+    fillRoundedRect(painter, frame, cornerRadius, Theme::dropZoneMaterial());
 
     const double width = m_isTargeted ? targetedBorderWidth : borderWidth;
     QPen pen(m_isTargeted ? Theme::withOpacity(accentOnMaterial(palette()), targetedBorderOpacity)
@@ -89,11 +91,15 @@ void DropZone::paintEvent(QPaintEvent*) {
              width);
     pen.setDashPattern({dash / width, gap / width});
     pen.setCapStyle(Qt::FlatCap);
-    painter.setPen(pen);
-    painter.setBrush(Qt::NoBrush);
     const double inset = width / 2;
-    painter.drawRoundedRect(frame.adjusted(inset, inset, -inset, -inset), cornerRadius - inset,
-                            cornerRadius - inset);
+    QPainterPath line;
+    line.addRoundedRect(QRectF(frame).adjusted(inset, inset, -inset, -inset), cornerRadius - inset,
+                        cornerRadius - inset);
+    // One by one: many in one row have many spans.
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(pen.brush());
+    for (const QPolygonF& oneDash : QPainterPathStroker(pen).createStroke(line).toSubpathPolygons())
+        painter.drawPolygon(oneDash);
 }
 
 }  // namespace vellmora

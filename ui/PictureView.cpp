@@ -1,5 +1,6 @@
 #include "ui/PictureView.h"
 
+#include "ui/RoundedRect.h"
 #include "ui/Theme.h"
 
 #include <QPainter>
@@ -53,8 +54,7 @@ void PictureView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::black(m_style.opacity));
-    painter.drawRoundedRect(rect(), m_style.radius, m_style.radius);
+    fillRoundedRect(painter, rect(), m_style.radius, Theme::black(m_style.opacity));
 
     const QRectF frame =
         QRectF(rect()).adjusted(m_style.padding, m_style.padding, -m_style.padding, -m_style.padding);

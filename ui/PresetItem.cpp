@@ -1,5 +1,7 @@
 #include "ui/PresetItem.h"
 
+#include "ui/RoundedRect.h"
+
 #include <utility>
 
 #include <QAccessible>
@@ -33,16 +35,16 @@ void PresetItem::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor accent = Theme::accent(palette());
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(isSelected() ? Theme::withOpacity(accent, m_look.selectedOpacity)
-                                  : Theme::black(m_look.unselectedOpacity));
-    painter.drawRoundedRect(rect(), m_look.radius, m_look.radius);
+    fillRoundedRect(painter, rect(), m_look.radius,
+                    isSelected() ? Theme::withOpacity(accent, m_look.selectedOpacity)
+                                 : Theme::black(m_look.unselectedOpacity));
     if (isSelected() && m_look.borderWidth > 0) {
         const double inset = m_look.borderWidth / 2;
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(accent, m_look.borderWidth));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), m_look.radius - inset,
-                                m_look.radius - inset);
+        const QRectF line = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+        const double radius = m_look.radius - inset;
+        paintInStrips(painter, rect(), rowsOfCurves, [&] { painter.drawRoundedRect(line, radius, radius); });
     }
     m_focusRing.paint(painter, rect(), m_look.radius, palette());
 }

@@ -1,5 +1,7 @@
 #include "ui/Sidebar.h"
 
+#include "ui/RoundedRect.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QMoveEvent>
@@ -21,27 +23,24 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.fillRect(rect(), Theme::controlBackground(palette()));
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
         const double opacity = isSliderDown() || underMouse() ? activeHandleOpacity : handleOpacity;
-        painter.setBrush(Theme::withOpacity(Theme::text(palette()), opacity));
-        const double radius = (thickness - 2 * handleInset) / 2;
-        painter.drawRoundedRect(handle(), radius, radius);
+        constexpr double radius = (thickness - 2 * handleInset) / 2.0;
+        fillRoundedRect(painter, handle(), radius, Theme::withOpacity(Theme::text(palette()), opacity));
     }
 
 private:
     /// A little within the area in which the style lets the handle be dragged.
-    QRectF handle() const {
+    QRect handle() const {
         QStyleOptionSlider option;
         initStyleOption(&option);
-        const QRectF slider =
+        const QRect slider =
             style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
         return slider.adjusted(handleInset, handleInset, -handleInset, -handleInset);
     }
 
     static constexpr int thickness = 12;
     static_assert(thickness <= Sidebar::padding, "the boxes are of one width with the bar and without it");
-    static constexpr double handleInset = 3;
+    static constexpr int handleInset = 3;
     static constexpr double handleOpacity = 0.3;
     static constexpr double activeHandleOpacity = 0.5;
 };

@@ -1,6 +1,7 @@
 #include "ui/SidebarBoxes.h"
 
 #include "ui/Button.h"
+#include "ui/RoundedRect.h"
 #include "ui/ShownOrder.h"
 
 #include <utility>
@@ -41,11 +42,10 @@ void GroupBox::paintEvent(QPaintEvent*) {
     painter.setPen(Theme::text(palette()));
     m_titleFont.paint(painter, QRect(2, 0, width(), m_titleHeight), Qt::AlignLeft | Qt::AlignVCenter,
                       m_title);
-    painter.setPen(QPen(Theme::divider(palette()), 1));
-    painter.setBrush(Theme::boxBackground(palette()));
     const int top = m_titleHeight + titleGap;
-    const QRectF frame(0, top, width(), height() - top);
-    painter.drawRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), frameRadius, frameRadius);
+    const QRect frame(0, top, width(), height() - top);
+    fillRoundedRect(painter, frame, frameRadius, Theme::divider(palette()));
+    fillRoundedRect(painter, frame.adjusted(1, 1, -1, -1), frameRadius - 1, Theme::boxBackground(palette()));
 }
 
 StatisticsBox::StatisticsBox(const Theme& theme, QWidget* parent)

@@ -1,5 +1,7 @@
 #include "ui/SoftShadow.h"
 
+#include "ui/RoundedRect.h"
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -75,11 +77,8 @@ QImage shadow(const QSize& size, int margin, double cornerRadius, int blurRadius
     QImage opacity(size, QImage::Format_Alpha8);
     opacity.fill(Qt::transparent);
     QPainter painter(&opacity);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::black);
-    painter.drawRoundedRect(opacity.rect().adjusted(margin, margin, -margin, -margin), cornerRadius,
-                            cornerRadius);
+    fillRoundedRect(painter, opacity.rect().adjusted(margin, margin, -margin, -margin), cornerRadius,
+                    Qt::black);
     painter.end();
     blur(opacity, blurRadius);
     return opacity;
@@ -91,7 +90,7 @@ QImage colored(const QImage& opacity, const QColor& color) {
     result.fill(color);
     QPainter painter(&result);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-    painter.drawImage(0, 0, opacity);
+    paintInStrips(painter, result.rect(), rowsOfPictures, [&] { painter.drawImage(0, 0, opacity); });
     return result;
 }
 
@@ -113,7 +112,8 @@ void SoftShadow::paint(QPainter& painter, const QRectF& shape) {
     painter.save();
     painter.scale(1 / ratio, 1 / ratio);
     const QRect target((shape.topLeft() * ratio).toPoint() - QPoint(reach, reach), whole);
-    qDrawBorderPixmap(&painter, target, corners, m_pixmap, m_pixmap.rect(), corners);
+    paintInStrips(painter, target, rowsOfPictures,
+                  [&] { qDrawBorderPixmap(&painter, target, corners, m_pixmap, m_pixmap.rect(), corners); });
     painter.restore();
 }
 

@@ -1,5 +1,7 @@
 #include "ui/Symbols.h"
 
+#include "ui/RoundedRect.h"
+
 #include <utility>
 
 #include <QFile>
@@ -37,7 +39,8 @@ void drawSymbol(QPainter& painter, Symbol symbol, const QRectF& area, const QCol
     const double side = qMin(area.width(), area.height());
     painter.save();
     painter.setOpacity(painter.opacity() * color.alphaF());
-    drawing.render(&painter, QRectF(area.center() - QPointF(side, side) / 2, QSizeF(side, side)));
+    const QRectF square(area.center() - QPointF(side, side) / 2, QSizeF(side, side));
+    paintInStrips(painter, square.toAlignedRect(), rowsOfDrawings, [&] { drawing.render(&painter, square); });
     painter.restore();
 }
 

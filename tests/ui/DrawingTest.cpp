@@ -1,9 +1,12 @@
 #include "tests/support/EventLoop.h"
 #include "tests/support/TestImages.h"
 #include "ui/DropZone.h"
+#include "ui/RoundedRect.h"
 #include "ui/TextLabel.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -14,6 +17,32 @@ using namespace vellmora;
 using namespace vellmora::test;
 
 namespace {
+
+/// What `paint` paints onto white, at so many pixels for each view point.
+QImage paintedAt(double ratio, const std::function<void(QPainter&)>& paint) {
+    QImage picture(qRound(400 * ratio), qRound(300 * ratio), QImage::Format_RGB32);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(7, 5);
+    paint(painter);
+    return picture;
+}
+
+/// The greatest difference of a channel.
+int difference(const QImage& a, const QImage& b) {
+    int most = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            most = std::max({most, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
+                             std::abs(qBlue(p) - qBlue(q))});
+        }
+    }
+    return most;
+}
 
 /// The blur that a drop zone's shadow is to have, at a distance outside of a straight edge.
 double shadowAt(double distance) {
@@ -58,6 +87,35 @@ TEST(DropZoneTest, ItsShadowIsAsDarkAndAsSoftAsItShould) {
         EXPECT_NEAR(darkness(250, frame.bottom() + below), shadowAt(below - 0.5 - 8), 0.008) << below;
     EXPECT_NEAR(darkness(250, frame.top() - 2), shadowAt(1.5 + 8), 0.008);
     EXPECT_NEAR(darkness(DropZone::sidePadding - 4, 148), shadowAt(3.5), 0.008);
+}
+
+/// Rounding aside.
+TEST(RoundedRectTest, StripsAreSeenNowhere) {
+    const QColor color(30, 90, 200, 120);
+    for (const double ratio : {1.0, 2.0, 1.25, 1.5}) {
+        for (const QRect& rect : {QRect(0, 0, 300, 250), QRect(3, 4, 61, 200), QRect(0, 0, 90, 41),
+                                  QRect(10, 10, 24, 24), QRect(0, 0, 100, 9)}) {
+            for (const double radius : {0.0, 3.5, 4.0, 12.0}) {
+                if (2 * radius > rect.height())
+                    continue;
+                const auto plain = paintedAt(ratio, [&](QPainter& painter) {
+                    painter.setPen(Qt::NoPen);
+                    painter.setBrush(color);
+                    painter.drawRoundedRect(rect, radius, radius);
+                });
+                const auto inStrips = paintedAt(
+                    ratio, [&](QPainter& painter) { fillRoundedRect(painter, rect, radius, color); });
+                EXPECT_LE(difference(plain, inStrips), 1) << ratio << " " << rect.height() << " " << radius;
+            }
+        }
+        for (const int rows : {rowsOfDrawings, rowsOfCurves, rowsOfPictures}) {
+            const auto circle = [&](QPainter& painter) { painter.drawEllipse(QRectF(20.3, 10, 250, 250)); };
+            const auto inStrips = paintedAt(ratio, [&](QPainter& painter) {
+                paintInStrips(painter, QRect(0, 0, 300, 280), rows, [&] { circle(painter); });
+            });
+            EXPECT_LE(difference(paintedAt(ratio, circle), inStrips), 1) << ratio << " " << rows;
+        }
+    }
 }
 
 TEST_F(LabelTest, AccentsThatASystemTookApartStandOnTheirLetters) {

@@ -4,10 +4,13 @@
 #include "ui/FirstPaint.h"
 
 #include <array>
+#include <atomic>
 
 #include <QPainter>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
 
 using namespace vellmora;
 using namespace vellmora::test;
@@ -184,6 +187,23 @@ TEST_F(WindowLayoutTest, ATileIsAsHighAsItsNameAndBadgeNeed) {
     }
     for (const QSet<int>& heightsOfNames : seen)
         EXPECT_EQ(heightsOfNames.size(), 2) << "one line, and two";
+}
+
+TEST_F(WindowLayoutTest, IsPaintedWithoutOtherThreads) {
+    showLibrary(8, 2, true);
+    auto& pool = *QThreadPool::globalInstance();
+    const int usualCount = pool.maxThreadCount();
+    QSemaphore isPainted;
+    std::atomic<bool> wasWaitedFor = false;
+    pool.setMaxThreadCount(1);
+    pool.start([&] { wasWaitedFor = !isPainted.tryAcquire(1, 5000); });
+    window.grab();
+    window.commandBar().setStatus(QStringLiteral("Fehler"), true);
+    window.grab();
+    isPainted.release();
+    pool.waitForDone();
+    pool.setMaxThreadCount(usualCount);
+    EXPECT_FALSE(wasWaitedFor);
 }
 
 TEST_F(WindowLayoutTest, EverySymbolHasItsOwnDrawing) {
