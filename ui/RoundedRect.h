@@ -14,7 +14,7 @@ namespace vellmora {
 
 // As many rows of the device as a strip may have: of drawings of many lines, of round corners, and of
 // pictures and rectangles, which have one span in each.
-constexpr int rowsOfDrawings = 6;
+constexpr int rowsOfDrawings = 8;
 constexpr int rowsOfCurves = 24;
 constexpr int rowsOfPictures = 80;
 
