@@ -45,7 +45,8 @@ class Screen:
     def new_home(self):
         """A home folder without anything in it: environment variables that lead to it."""
         home = self.new_folder()
-        return {"XDG_DATA_HOME": str(home), "XDG_CONFIG_HOME": str(home)}
+        # What the program keeps of one library for its next start is of no use with another one.
+        return {"XDG_DATA_HOME": str(home), "XDG_CONFIG_HOME": str(home), "XDG_CACHE_HOME": str(home / "cache")}
 
     def new_folder(self):
         self.folders += 1
