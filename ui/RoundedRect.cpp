@@ -20,10 +20,11 @@ bool keepsWholePixels(const QTransform& transform) {
 void paintInStrips(QPainter& painter, const QRect& area, int rows, const std::function<void()>& paint) {
     if (!keepsWholePixels(painter.deviceTransform()))
         return paint();
+    const QRect shown = painter.hasClipping() ? area & painter.clipBoundingRect().toAlignedRect() : area;
     const int height = std::max(1, rows / qRound(painter.deviceTransform().m22()));
-    for (int top = area.top(); top <= area.bottom(); top += height) {
+    for (int top = shown.top(); top <= shown.bottom(); top += height) {
         painter.save();
-        painter.setClipRect(QRect(area.left(), top, area.width(), height) & area, Qt::IntersectClip);
+        painter.setClipRect(QRect(shown.left(), top, shown.width(), height) & shown, Qt::IntersectClip);
         paint();
         painter.restore();
     }

@@ -18,8 +18,9 @@ constexpr int rowsOfDrawings = 8;
 constexpr int rowsOfCurves = 24;
 constexpr int rowsOfPictures = 80;
 
-/// Calls `paint` for one strip of the area after the other, clipped to it. Where whole view points are no
-/// whole pixels, which would show where strips meet, it is called once.
+/// Calls `paint` for one strip of the area after the other, clipped to it. An area that may be much larger
+/// than what is seen is to be clipped to that before. Where whole view points are no whole pixels, which
+/// would show where strips meet, it is called once.
 void paintInStrips(QPainter& painter, const QRect& area, int rows, const std::function<void()>& paint);
 
 /// Without an outline, antialiased. `radius` is at most half of each side.

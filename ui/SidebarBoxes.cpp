@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <QHBoxLayout>
+#include <QPaintEvent>
 #include <QPainter>
 
 namespace vellmora {
@@ -36,8 +37,9 @@ GroupBox::GroupBox(QString title, const Theme& theme, QWidget* parent)
     m_content->setSpacing(itemSpacing);
 }
 
-void GroupBox::paintEvent(QPaintEvent*) {
+void GroupBox::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
+    painter.setClipRect(event->rect());  // the library's box may have thousands of rows
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Theme::text(palette()));
     m_titleFont.paint(painter, QRect(2, 0, width(), m_titleHeight), Qt::AlignLeft | Qt::AlignVCenter,
