@@ -10,12 +10,12 @@ namespace vellmora {
 
 namespace {
 
-const QString idKey = QStringLiteral("id");
-const QString displayNameKey = QStringLiteral("displayName");
-const QString fileNameKey = QStringLiteral("fileName");
-const QString createdAtKey = QStringLiteral("createdAt");
-const QString lastUsedAtKey = QStringLiteral("lastUsedAt");
-const QString builtinKeyKey = QStringLiteral("builtinKey");
+constexpr QLatin1String idKey("id");
+constexpr QLatin1String displayNameKey("displayName");
+constexpr QLatin1String fileNameKey("fileName");
+constexpr QLatin1String createdAtKey("createdAt");
+constexpr QLatin1String lastUsedAtKey("lastUsedAt");
+constexpr QLatin1String builtinKeyKey("builtinKey");
 
 /// In characters. A file's name, which an entry is called after, has at most 255.
 constexpr qsizetype maxNameLength = 1000;
@@ -49,14 +49,14 @@ public:
 
     bool isValid() const { return m_isValid; }
 
-    QString string(const QString& key) {
+    QString string(QLatin1String key) {
         const QJsonValue value = m_object.value(key);
         m_isValid = m_isValid && value.isString();
         return value.toString();
     }
-    QUuid identifier(const QString& key) { return required(parseIdentifier(string(key))); }
-    QDateTime date(const QString& key) { return required(parseInternetDateTime(string(key))); }
-    bool has(const QString& key) const {
+    QUuid identifier(QLatin1String key) { return required(parseIdentifier(string(key))); }
+    QDateTime date(QLatin1String key) { return required(parseInternetDateTime(string(key))); }
+    bool has(QLatin1String key) const {
         const QJsonValue value = m_object.value(key);
         return !value.isNull() && !value.isUndefined();
     }

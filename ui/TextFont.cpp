@@ -1,5 +1,6 @@
 #include "ui/TextFont.h"
 
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -12,7 +13,11 @@ namespace vellmora {
 struct TextFont::Shared {
     QFont font;
     QRawFont face;
-    QHash<QChar, std::optional<Glyph>> glyphs;
+    // What is known of Latin characters is at hand: lists measure thousands of names.
+    std::array<std::optional<std::optional<Glyph>>, 0x180> latin;
+    QHash<QChar, std::optional<std::optional<Glyph>>> others;
+
+    std::optional<Glyph> findGlyph(QChar character) const;
 };
 
 namespace {
@@ -41,7 +46,7 @@ double startOf(double width, const QRectF& box, Qt::Alignment alignment) {
 }  // namespace
 
 TextFont::TextFont(const QFont& font, QRawFont face)
-    : m_shared(std::make_shared<Shared>(Shared{font, std::move(face), {}})) {
+    : m_shared(std::make_shared<Shared>(Shared{font, std::move(face), {}, {}})) {
     m_shared->face.setPixelSize(font.pixelSize());
 }
 
@@ -53,17 +58,21 @@ int TextFont::lineHeight() const {
     return qRound(m_shared->face.ascent()) + qRound(m_shared->face.descent());
 }
 
+std::optional<TextFont::Glyph> TextFont::Shared::findGlyph(QChar character) const {
+    if (!standsAlone(character))
+        return std::nullopt;
+    const QList<quint32> index = face.glyphIndexesForString(QString(character));
+    if (index.size() != 1 || index.first() == 0)
+        return std::nullopt;
+    return Glyph{index.first(), face.advancesForGlyphIndexes(index).first().x()};
+}
+
 std::optional<TextFont::Glyph> TextFont::glyphOf(QChar character) const {
-    const auto known = m_shared->glyphs.constFind(character);
-    if (known != m_shared->glyphs.constEnd())
-        return *known;
-    std::optional<Glyph> glyph;
-    if (standsAlone(character)) {
-        const QList<quint32> index = m_shared->face.glyphIndexesForString(QString(character));
-        if (index.size() == 1 && index.first() != 0)
-            glyph = Glyph{index.first(), m_shared->face.advancesForGlyphIndexes(index).first().x()};
-    }
-    return *m_shared->glyphs.insert(character, glyph);
+    const char16_t code = character.unicode();
+    auto& known = code < m_shared->latin.size() ? m_shared->latin[code] : m_shared->others[character];
+    if (!known)
+        known = m_shared->findGlyph(character);
+    return *known;
 }
 
 std::optional<TextFont::Line> TextFont::laidOut(const QString& line) const {
