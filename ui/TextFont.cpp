@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <utility>
 
 #include <QFontMetricsF>
 #include <QGlyphRun>
@@ -45,8 +44,8 @@ double startOf(double width, const QRectF& box, Qt::Alignment alignment) {
 
 }  // namespace
 
-TextFont::TextFont(const QFont& font, QRawFont face)
-    : m_shared(std::make_shared<Shared>(Shared{font, std::move(face), {}, {}})) {
+TextFont::TextFont(const QFont& font, const QRawFont& face)
+    : m_shared(std::make_shared<Shared>(Shared{font, face, {}, {}})) {
     m_shared->face.setPixelSize(font.pixelSize());
 }
 

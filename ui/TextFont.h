@@ -22,7 +22,7 @@ namespace vellmora {
 class TextFont {
 public:
     /// `font` has a size in pixels. `face` is of the same family and weight, of any size.
-    TextFont(const QFont& font, QRawFont face);
+    TextFont(const QFont& font, const QRawFont& face);
 
     const QFont& font() const;
     /// Whole view points.

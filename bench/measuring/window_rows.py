@@ -60,13 +60,22 @@ class WindowRows:
     def start(self):
         some, many = self.home_with(195), self.home_with(1995)
         start = self.screen.start_time
+        forgetful = self.screen.new_home()
+
+        def start_without_cache():
+            shutil.rmtree(forgetful["XDG_CACHE_HOME"], ignore_errors=True)
+            return start("vellmora", forgetful)
+
         times = in_turn({"empty": lambda: start("bench/empty_window", self.home),
                          "5": lambda: start("vellmora", self.home),
+                         "no cache": start_without_cache,
                          "rest": lambda: self.screen.time_to_rest("vellmora", self.home),
                          "200": lambda: start("vellmora", some),
-                         "2000": lambda: start("vellmora", many)}, self.rounds)
+                         "2000": lambda: start("vellmora", many)}, 2 * self.rounds)
         return [
             Row("start", times["5"], "at most 1.4 times", 1.4, "an empty window", times["empty"], True),
+            Row("start, nothing kept from the one before", times["no cache"], against="an empty window",
+                theirs=times["empty"]),
             Row("start, until all threads sleep and the helpers are ready", times["rest"], "at most 2.5 times", 2.5,
                 "an empty window", times["empty"], True),
             Row("start, 2,000 library entries", times["2000"], "at most 1.2 times", 1.2, "5 entries", times["5"], True),

@@ -64,10 +64,11 @@ TEST(TextFontTest, MeasuresAndPaintsAsQtDoes) {
             const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
             EXPECT_EQ(painted(font, left, line), paintedByQt(font, left, line)) << text;
             for (const Qt::Alignment alignment :
-                 {Qt::AlignRight | Qt::AlignTop, Qt::AlignHCenter | Qt::AlignVCenter})
+                 {Qt::AlignRight | Qt::AlignTop, Qt::AlignHCenter | Qt::AlignVCenter}) {
                 EXPECT_EQ(columnsOf(painted(font, alignment, line)),
                           columnsOf(paintedByQt(font, alignment, line)))
                     << text << alignment;
+            }
         }
     }
 }
