@@ -12,8 +12,8 @@ namespace vellmora {
 struct TextFont::Shared {
     QFont font;
     QRawFont face;
-    // What is known of Latin characters is at hand: lists measure thousands of names.
-    std::array<std::optional<std::optional<Glyph>>, 0x180> latin;
+    // What is known of plain letters is at hand: lists measure thousands of names.
+    std::array<std::optional<std::optional<Glyph>>, 0x80> ascii;
     QHash<QChar, std::optional<std::optional<Glyph>>> others;
 
     std::optional<Glyph> findGlyph(QChar character) const;
@@ -68,7 +68,7 @@ std::optional<TextFont::Glyph> TextFont::Shared::findGlyph(QChar character) cons
 
 std::optional<TextFont::Glyph> TextFont::glyphOf(QChar character) const {
     const char16_t code = character.unicode();
-    auto& known = code < m_shared->latin.size() ? m_shared->latin[code] : m_shared->others[character];
+    auto& known = code < m_shared->ascii.size() ? m_shared->ascii[code] : m_shared->others[character];
     if (!known)
         known = m_shared->findGlyph(character);
     return *known;

@@ -67,9 +67,8 @@ TextFont Theme::font(double size, QFont::Weight weight) const {
     if (known != m_fonts->made.constEnd())
         return *known;
     QRawFont& face = m_fonts->faces[weight];
-    if (!face.isValid()) {
+    if (!face.isValid())
         face = QRawFont::fromFont(withoutShaping(m_fonts->family.font(paragraphSize * m_textScale, weight)));
-    }
     return *m_fonts->made.insert(key, TextFont(font, face));
 }
 

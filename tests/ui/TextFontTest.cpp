@@ -11,24 +11,30 @@ namespace {
 
 constexpr QRect box(20, 10, 260, 31);
 
-QImage emptyPicture() {
-    QImage picture(300, 50, QImage::Format_ARGB32_Premultiplied);
+struct Painting {
+    Qt::Alignment alignment;
+    double ratio;  ///< pixels for each view point
+};
+
+QImage emptyPicture(double ratio) {
+    QImage picture((QSizeF(300, 50) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(ratio);
     picture.fill(Qt::white);
     return picture;
 }
 
-QImage painted(const TextFont& font, Qt::Alignment alignment, const QString& line) {
-    QImage picture = emptyPicture();
+QImage painted(const TextFont& font, const Painting& how, const QString& line) {
+    QImage picture = emptyPicture(how.ratio);
     QPainter painter(&picture);
-    font.paint(painter, box, alignment, line);
+    font.paint(painter, box, how.alignment, line);
     return picture;
 }
 
-QImage paintedByQt(const TextFont& font, Qt::Alignment alignment, const QString& line) {
-    QImage picture = emptyPicture();
+QImage paintedByQt(const TextFont& font, const Painting& how, const QString& line) {
+    QImage picture = emptyPicture(how.ratio);
     QPainter painter(&picture);
     painter.setFont(font.font());
-    painter.drawText(box, static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
+    painter.drawText(box, static_cast<int>(how.alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
     return picture;
 }
 
@@ -61,13 +67,14 @@ TEST(TextFontTest, MeasuresAndPaintsAsQtDoes) {
               "Daumen \U0001F44D\U0001F3FD hoch", "A\u200d\u200eB", "हिन्दी", "gut\u2028schlecht"}) {
             const QString line = QString::fromUtf8(text);
             EXPECT_NEAR(font.width(line), QFontMetricsF(font.font()).horizontalAdvance(line), 0.2) << text;
-            const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
-            EXPECT_EQ(painted(font, left, line), paintedByQt(font, left, line)) << text;
-            for (const Qt::Alignment alignment :
-                 {Qt::AlignRight | Qt::AlignTop, Qt::AlignHCenter | Qt::AlignVCenter}) {
-                EXPECT_EQ(columnsOf(painted(font, alignment, line)),
-                          columnsOf(paintedByQt(font, alignment, line)))
-                    << text << alignment;
+            for (const double ratio : {1.0, 1.5, 2.0}) {
+                const Painting left{Qt::AlignLeft | Qt::AlignVCenter, ratio};
+                EXPECT_EQ(painted(font, left, line), paintedByQt(font, left, line)) << text << ratio;
+                for (const Painting& how : {Painting{Qt::AlignRight | Qt::AlignTop, ratio},
+                                            Painting{Qt::AlignHCenter | Qt::AlignVCenter, ratio}}) {
+                    EXPECT_EQ(columnsOf(painted(font, how, line)), columnsOf(paintedByQt(font, how, line)))
+                        << text << how.alignment << ratio;
+                }
             }
         }
     }
