@@ -1,7 +1,6 @@
 #include "ui/TextFont.h"
 
 #include <array>
-#include <cmath>
 
 #include <QFontMetricsF>
 #include <QGlyphRun>
@@ -110,9 +109,8 @@ void TextFont::paint(QPainter& painter, const QRectF& box, Qt::Alignment alignme
     run.setRawFont(m_shared->face);
     run.setGlyphIndexes(laid->glyphs);
     run.setPositions(laid->positions);
-    // As Qt's layout does it: to whole heights of lines.
     const double ascent = m_shared->face.ascent();
-    const double height = std::ceil(ascent + m_shared->face.descent());
+    const double height = ascent + m_shared->face.descent();
     const double above = alignment & Qt::AlignVCenter ? (box.height() - height) / 2 : 0;
     painter.drawGlyphRun({startOf(laid->width, box, alignment), box.top() + above + ascent}, run);
 }

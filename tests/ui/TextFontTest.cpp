@@ -72,8 +72,10 @@ TEST(TextFontTest, MeasuresAndPaintsAsQtDoes) {
                 EXPECT_EQ(painted(font, left, line), paintedByQt(font, left, line)) << text << ratio;
                 for (const Painting& how : {Painting{Qt::AlignRight | Qt::AlignTop, ratio},
                                             Painting{Qt::AlignHCenter | Qt::AlignVCenter, ratio}}) {
-                    EXPECT_EQ(columnsOf(painted(font, how, line)), columnsOf(paintedByQt(font, how, line)))
-                        << text << how.alignment << ratio;
+                    const auto [first, last] = columnsOf(painted(font, how, line));
+                    const auto [firstOfQt, lastOfQt] = columnsOf(paintedByQt(font, how, line));
+                    EXPECT_NEAR(first, firstOfQt, 1) << text << how.alignment << ratio;
+                    EXPECT_NEAR(last, lastOfQt, 1) << text << how.alignment << ratio;
                 }
             }
         }
