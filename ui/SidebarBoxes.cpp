@@ -40,7 +40,6 @@ GroupBox::GroupBox(QString title, const Theme& theme, QWidget* parent)
 void GroupBox::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setClipRect(event->rect());  // the library's box may have thousands of rows
-    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Theme::text(palette()));
     m_titleFont.paint(painter, QRect(2, 0, width(), m_titleHeight), Qt::AlignLeft | Qt::AlignVCenter,
                       m_title);
