@@ -68,14 +68,16 @@ TEST(TextFontTest, MeasuresAndPaintsAsQtDoes) {
             const QString line = QString::fromUtf8(text);
             EXPECT_NEAR(font.width(line), QFontMetricsF(font.font()).horizontalAdvance(line), 0.2) << text;
             for (const double ratio : {1.0, 1.5, 2.0}) {
+                // On finer displays a line may end one pixel beside Qt's.
+                const int slack = ratio == 1 ? 0 : 1;
                 const Painting left{Qt::AlignLeft | Qt::AlignVCenter, ratio};
                 EXPECT_EQ(painted(font, left, line), paintedByQt(font, left, line)) << text << ratio;
                 for (const Painting& how : {Painting{Qt::AlignRight | Qt::AlignTop, ratio},
                                             Painting{Qt::AlignHCenter | Qt::AlignVCenter, ratio}}) {
                     const auto [first, last] = columnsOf(painted(font, how, line));
                     const auto [firstOfQt, lastOfQt] = columnsOf(paintedByQt(font, how, line));
-                    EXPECT_NEAR(first, firstOfQt, 1) << text << how.alignment << ratio;
-                    EXPECT_NEAR(last, lastOfQt, 1) << text << how.alignment << ratio;
+                    EXPECT_NEAR(first, firstOfQt, slack) << text << how.alignment << ratio;
+                    EXPECT_NEAR(last, lastOfQt, slack) << text << how.alignment << ratio;
                 }
             }
         }
